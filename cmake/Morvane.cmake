@@ -1,0 +1,66 @@
+# What every target of the project shares: language level, warnings, moc, precompiled headers.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+
+add_library(morvane_options INTERFACE)
+target_compile_options(morvane_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+# The script library's headers use the words "signals" and "slots" for themselves.
+target_compile_definitions(morvane_options INTERFACE QT_NO_KEYWORDS QT_NO_FOREACH)
+target_link_libraries(morvane_options INTERFACE Qt6::Core Threads::Threads)
+
+if(MORVANE_SANITIZE STREQUAL "address")
+    target_compile_options(morvane_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(morvane_options INTERFACE -fsanitize=address,undefined)
+elseif(MORVANE_SANITIZE STREQUAL "thread")
+    target_compile_options(morvane_options INTERFACE -fsanitize=thread)
+    target_link_options(morvane_options INTERFACE -fsanitize=thread)
+endif()
+
+function(morvane_target name)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_precompile_headers(${name} PRIVATE
+        <QDateTime> <QList> <QMetaObject> <QObject> <QString> <QVariant>
+        <functional> <memory> <optional> <string> <vector>)
+endfunction()
+
+# morvane_module(<name> SOURCES <files> [DEPENDS <modules>] [PRIVATE <libraries>])
+# One folder of src/. DEPENDS lists the modules below that its headers may include.
+function(morvane_module name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PRIVATE" ${ARGN})
+    list(TRANSFORM ARG_DEPENDS PREPEND morvane_)
+    add_library(morvane_${name} STATIC ${ARG_SOURCES})
+    target_include_directories(morvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(morvane_${name} PUBLIC morvane_options ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE})
+    morvane_target(morvane_${name})
+endfunction()
+
+# morvane_program(<binary> SOURCES <files> DEPENDS <modules>)
+function(morvane_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PRIVATE" ${ARGN})
+    list(TRANSFORM ARG_DEPENDS PREPEND morvane_)
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} ${ARG_PRIVATE})
+    morvane_target(${name})
+endfunction()
+
+# morvane_test(<name> SOURCES <files> DEPENDS <modules>): a GoogleTest program, one CTest case a test.
+function(morvane_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;DEPENDS;PRIVATE" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    morvane_program(test_${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS}
+        PRIVATE ${ARG_PRIVATE} GTest::gmock_main morvane_testing)
+    gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+endfunction()
