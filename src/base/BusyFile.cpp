@@ -27,6 +27,15 @@ Lease AskLease(int descriptor) {
 
 } // namespace
 
+bool HeldForWriting(const string& path) {
+    const int descriptor = ::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const Lease lease = AskLease(descriptor);
+    ::close(descriptor);
+    return lease == Lease::Busy;
+}
+
 bool TBusyFileTest::IsReady(const string& path, qint64 now) {
     const int descriptor =
         ::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);

@@ -5,6 +5,9 @@
 
 #include <QHash>
 
+/// True while anybody has the file open for writing, as far as the file system can tell.
+[[nodiscard]] bool HeldForWriting(const string& path);
+
 /// Remembers what it saw of files whose change time lies in the future, so one object serves one folder or
 /// many over time. Not for two threads.
 class TBusyFileTest {

@@ -6,6 +6,8 @@
 #include "base/Paths.h"
 #include "base/UniqueName.h"
 
+#include <QScopeGuard>
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,63 +15,70 @@
 
 namespace {
 
-class TSource {
-public:
-    explicit TSource(const string& path)
-        : FDescriptor(WithFaultPoint(
-              "open source", [&] { return ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC); })) {
-        if (FDescriptor < 0)
-            throw EFileError("open", path, errno);
-    }
-    ~TSource() { ::close(FDescriptor); }
-    TSource(const TSource&) = delete;
-    TSource& operator=(const TSource&) = delete;
-    [[nodiscard]] int Descriptor() const { return FDescriptor; }
-
-private:
-    int FDescriptor;
-};
-
-TFileIdentity IdentityOf(const struct stat& info) {
+TFileIdentity Identity(const struct stat& info) {
     return {info.st_dev, info.st_ino, info.st_size,
             qint64(info.st_ctim.tv_sec) * 1'000'000'000 + info.st_ctim.tv_nsec};
 }
 
+int OpenSource(const string& path) {
+    const QByteArray bytes = PathBytes(path);
+    const int descriptor =
+        WithFaultPoint("open source", [&] { return ::open(bytes.constData(), O_RDONLY | O_CLOEXEC); });
+    if (descriptor < 0)
+        throw EFileError("open", path, errno);
+    return descriptor;
+}
+
 } // namespace
 
-TFileIdentity IdentityOf(int descriptor) {
-    struct stat info {};
-    return ::fstat(descriptor, &info) == 0 ? IdentityOf(info) : TFileIdentity{};
-}
-
-TFileIdentity IdentityOf(const string& path) {
-    struct stat info {};
-    return ::lstat(PathBytes(path).constData(), &info) == 0 ? IdentityOf(info) : TFileIdentity{};
-}
-
 void CopyFileContents(const string& source, const string& dest) {
-    const TSource from(source);
     TPartFile to(dest);
-    to.WriteAllOf(from.Descriptor());
-    to.TakeModeOf(from.Descriptor());
+    const int from = OpenSource(source);
+    const auto close = qScopeGuard([from] { ::close(from); });
+    to.WriteAllOf(from);
+    to.TakeModeOf(from);
     to.PublishReplacing();
 }
 
-string MoveFileByCopy(const string& source, const string& dest) {
-    const TSource from(source);
-    const TFileIdentity before = IdentityOf(from.Descriptor());
+TSourceFile::TSourceFile(const string& path) : FPath(path), FDescriptor(OpenSource(path)) {
+    struct stat info {};
+    if (::fstat(FDescriptor, &info) == 0)
+        FOpened = Identity(info);
+}
+
+TSourceFile::~TSourceFile() {
+    ::close(FDescriptor);
+}
+
+bool TSourceFile::IsUnchanged() const {
+    struct stat info {};
+    return ::lstat(PathBytes(FPath).constData(), &info) == 0 && Identity(info) == FOpened;
+}
+
+/// The open file still holds what was opened. Losing its last name changes the ctime too, but not the
+/// contents.
+bool TSourceFile::ContentsAreWhole() const {
+    struct stat info {};
+    return ::fstat(FDescriptor, &info) == 0 &&
+           (Identity(info) == FOpened || (info.st_nlink == 0 && info.st_size == FOpened.Size));
+}
+
+void TSourceFile::MoveTo(const string& dest) {
+    if (!ContentsAreWhole())
+        return;
     string name = dest;
     TPartFile to(name);
-    const qint64 copied = to.WriteAllOf(from.Descriptor());
-    to.TakeModeOf(from.Descriptor());
+    const qint64 copied = to.WriteAllOf(FDescriptor);
+    if (copied != FOpened.Size || !ContentsAreWhole())
+        return;
+    to.TakeModeOf(FDescriptor);
     while (!to.PublishNew()) {
         name = UniqueFileName(name);
         to.SetFinalPath(name);
     }
-    // Only what was copied whole and is still the same file may go.
-    if (copied == before.Size && IdentityOf(source) == before) {
-        const QByteArray path = PathBytes(source);
-        (void)WithFaultPoint("unlink source", [&] { return ::unlink(path.constData()); });
-    }
-    return name;
+    if (!IsUnchanged())
+        return;
+    const QByteArray path = PathBytes(FPath);
+    // A source that can't be deleted stays and is served again at the folder's next turn.
+    (void)WithFaultPoint("unlink source", [&] { return ::unlink(path.constData()); });
 }

@@ -11,15 +11,34 @@ struct TFileIdentity {
     qint64 ChangeTime = 0; ///< ctime in nanoseconds: copying tools can't set it
     bool operator==(const TFileIdentity&) const = default;
 };
-[[nodiscard]] TFileIdentity IdentityOf(int descriptor);
-/// Of what has that name itself, links not followed; the default value where nothing has.
-[[nodiscard]] TFileIdentity IdentityOf(const string& path);
 
 /// Copies the whole of `source` to `dest`, replacing what is there. Raises EFileError.
 void CopyFileContents(const string& source, const string& dest);
 
-/// Copies `source` to `dest`, or where that name is taken to the free name that asking UniqueFileName
-/// again and again gives, then deletes `source`. The source stays where it was replaced or written to
-/// meanwhile, or can't be deleted. Returns the path of the copy. Raises EFileError, and what
-/// UniqueFileName raises; the source is then untouched.
-string MoveFileByCopy(const string& source, const string& dest);
+/// A file that is worked on and then moved. It is held open from before the work to the end of the move, so
+/// that what is moved is what was worked on, whatever happens to the name meanwhile.
+class TSourceFile {
+public:
+    /// Raises EFileError; a file that has gone has the error ENOENT.
+    explicit TSourceFile(const string& path);
+    ~TSourceFile();
+    TSourceFile(const TSourceFile&) = delete;
+    TSourceFile& operator=(const TSourceFile&) = delete;
+
+    /// The path still leads to the file that was opened, untouched since.
+    [[nodiscard]] bool IsUnchanged() const;
+
+    /// Copies the contents to `dest`, or where that name is taken to the free name that asking
+    /// UniqueFileName again and again gives, then deletes the source. A file that was written to, renamed or
+    /// replaced meanwhile stays as it is under its name; of one that was replaced or deleted the contents
+    /// that were opened are still copied. Raises EFileError, and what UniqueFileName raises; the source is
+    /// then untouched.
+    void MoveTo(const string& dest);
+
+private:
+    [[nodiscard]] bool ContentsAreWhole() const;
+
+    string FPath;
+    int FDescriptor;
+    TFileIdentity FOpened;
+};
