@@ -1,0 +1,35 @@
+#include "base/Settings.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QStringList>
+
+namespace {
+
+string SettingsFile() {
+    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
+    // The base directory rules tell programs to ignore a relative path.
+    const string base =
+        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
+    return base + QStringLiteral("/morvane/settings.ini");
+}
+
+/// A value with a comma comes back as a list.
+string TextOf(const QSettings& settings, const string& key, const string& standard) {
+    const QVariant value = settings.value(key);
+    if (!value.isValid())
+        return standard;
+    return value.toStringList().join(u',');
+}
+
+} // namespace
+
+TEditorSettings GetEditorSettings() {
+    const QSettings settings(SettingsFile(), QSettings::IniFormat);
+    TEditorSettings result;
+    result.ConfigurationFolder = TextOf(settings, QStringLiteral("ConfigurationFolder"),
+                                        QStringLiteral("%HOME%/.config/morvane/watched-folders"));
+    if (result.ConfigurationFolder.size() > 1 && result.ConfigurationFolder.endsWith(u'/'))
+        result.ConfigurationFolder.chop(1);
+    return result;
+}

@@ -1,0 +1,13 @@
+#pragma once
+// What is set for the whole program, outside the two configuration files.
+#include "base/Text.h"
+
+/// The values of `morvane/settings.ini` under $XDG_CONFIG_HOME (else ~/.config), section [General].
+struct TEditorSettings {
+    /// The folder of the two configuration files, without a delimiter at its end; may hold %NAME%
+    /// references, which are expanded by its users.
+    string ConfigurationFolder;
+};
+
+/// Reads the file; a missing file or key gives the default `%HOME%/.config/morvane/watched-folders`.
+[[nodiscard]] TEditorSettings GetEditorSettings();
