@@ -116,6 +116,10 @@ string ClassInfo(const QMetaObject& type, const char* key) {
     return index < 0 ? string() : QString::fromUtf8(type.classInfo(index).value());
 }
 
+string OwnClassInfo(const QMetaObject& type, const char* key) {
+    return type.indexOfClassInfo(key) < type.classInfoOffset() ? string() : ClassInfo(type, key);
+}
+
 void RegisterClass(const QMetaObject& type) {
     if (!Registry().contains(&type))
         Registry().append(&type);
