@@ -47,7 +47,8 @@ int FindElement(const QStringList& names, const string& name) {
 }
 
 void TObjectReader::Raise(const TXmlElement& element, const string& what) const {
-    throw EXmlError(QStringLiteral("%1, line %2: %3").arg(FDocument.Source).arg(element.Line).arg(what));
+    throw EXmlError(
+        QStringLiteral("%1, line %2: %3").arg(FDocument.Source, QString::number(element.Line), what));
 }
 
 void TObjectReader::ReadRoot(QObject& object, const string& rootName) const {

@@ -17,12 +17,15 @@ string FromXml(const xmlChar* text, qsizetype length) {
     return decoder.decode(QByteArrayView(reinterpret_cast<const char*>(text), length));
 }
 
+/// Utf8: whatever the document declares, after a conversion.
+enum class Encoding { AsDeclared, Utf8 };
+
 /// The parser's events build the tree. Exceptions must not cross the library's frames: the first one is
 /// kept, the parser stopped, and Parse() throws it.
 class TTreeBuilder {
 public:
     explicit TTreeBuilder(TXmlDocument& document) : FDocument(document) {}
-    void Parse(bool ignoreDeclaredEncoding);
+    void Parse(Encoding encoding);
 
 private:
     struct TOpen {
@@ -52,7 +55,8 @@ private:
     string Name(const xmlChar* name, const xmlChar* prefix);
     [[noreturn]] void Raise(const string& what) const;
     [[nodiscard]] string Place(int line, int column) const {
-        return QStringLiteral("%1, line %2, column %3: ").arg(FDocument.Source).arg(line).arg(column);
+        return QStringLiteral("%1, line %2, column %3: ")
+            .arg(FDocument.Source, QString::number(line), QString::number(column));
     }
 
     TXmlDocument& FDocument;
@@ -159,7 +163,7 @@ void TTreeBuilder::EndElement() {
     FOpen.pop_back();
 }
 
-void TTreeBuilder::Parse(bool ignoreDeclaredEncoding) {
+void TTreeBuilder::Parse(Encoding encoding) {
     static const bool initialized = (xmlInitParser(), true); // once, whatever threads parse first
     Q_UNUSED(initialized);
     const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(
@@ -170,7 +174,7 @@ void TTreeBuilder::Parse(bool ignoreDeclaredEncoding) {
     FContext = context.get();
     FContext->userData = this;
     Handlers(*FContext->sax);
-    xmlCtxtUseOptions(FContext, XML_PARSE_NONET | (ignoreDeclaredEncoding ? XML_PARSE_IGNORE_ENC : 0));
+    xmlCtxtUseOptions(FContext, XML_PARSE_NONET | (encoding == Encoding::Utf8 ? XML_PARSE_IGNORE_ENC : 0));
     xmlParseDocument(FContext);
     if (FFailure)
         std::rethrow_exception(FFailure);
@@ -194,8 +198,7 @@ string TXmlDocument::Outer(const TXmlElement& element) const {
 void CheckXmlSize(qsizetype bytes, const string& source) {
     if (bytes > XmlLimits::FileBytes)
         throw EXmlError(QStringLiteral("%1 is too large: the limit is %2 MiB")
-                            .arg(source)
-                            .arg(XmlLimits::FileBytes >> 20));
+                            .arg(source, QString::number(XmlLimits::FileBytes >> 20)));
 }
 
 TXmlDocument ParseXml(const QByteArray& bytes, const string& source) {
@@ -208,6 +211,6 @@ TXmlDocument ParseXml(const QByteArray& bytes, const string& source) {
     }
     if (document.Bytes.trimmed().isEmpty())
         throw EXmlError(source + QStringLiteral(" is empty"));
-    TTreeBuilder(document).Parse(/*ignoreDeclaredEncoding=*/wide);
+    TTreeBuilder(document).Parse(wide ? Encoding::Utf8 : Encoding::AsDeclared);
     return document;
 }

@@ -101,7 +101,7 @@ TEST_F(XmlFile, WhatIsNoReadableFileIsRefusedAtOnce) {
     const string large = Path("large");
     Put(large, {});
     ASSERT_EQ(::truncate(large.toUtf8().constData(), 100 << 20), 0);
-    const string bad = Path("bad.xml");
+    const string bad = Path("bad%2.xml");
     Put(bad, "<Sample>\n  <Text>");
 
     QElapsedTimer clock;
