@@ -73,15 +73,17 @@ void SetAes256(QPDFWriter& writer, const THandler& handler) {
                                      /*encrypt_metadata*/ true);
 }
 
-quint32 CipherOf(QPDF::encryption_method_e method) {
+quint32 CipherOf(int version, QPDF::encryption_method_e method) {
+    if (version < 4) // which know nothing else
+        return THandler::CipherRC4;
     switch (method) {
     case QPDF::e_aes:
         return THandler::CipherAES128;
     case QPDF::e_aesv3:
         return THandler::CipherAES256;
     case QPDF::e_rc4:
-    case QPDF::e_unknown: // versions 1 to 3 know nothing else
         return THandler::CipherRC4;
+    case QPDF::e_unknown:
     case QPDF::e_none:
         break;
     }
@@ -125,8 +127,8 @@ std::unique_ptr<TPDFPasswordSecurityHandler> HandlerOf(const TPDFSource& source)
     if (!source.Pdf->isEncrypted(revision, permissions, version, streams, strings, files))
         return nullptr;
     auto handler = std::make_unique<THandler>(nullptr);
-    handler->StreamCipher = CipherOf(streams);
-    handler->StringCipher = CipherOf(strings);
+    handler->StreamCipher = CipherOf(version, streams);
+    handler->StringCipher = CipherOf(version, strings);
     const int keyBits = version == 1 ? 40 : 128;
     handler->SetStreamEncryptionKeyBits(keyBits);
     handler->SetStringEncryptionKeyBits(keyBits);

@@ -26,14 +26,14 @@ public:
         else
             FBuffer.append(reinterpret_cast<const char*>(data), length);
     }
-    void finish() override { Flush(); }
+    void finish() override {} // also called at the end of each part; Flush is for the end of all
 
-private:
     void Flush() {
         FFile.Write(FBuffer.data(), FBuffer.size());
         FBuffer.clear();
     }
 
+private:
     static constexpr size_t Size = 128 << 10;
     TPartFile& FFile;
     std::string FBuffer;
@@ -63,6 +63,7 @@ private:
         else if (core.Protection == TProtection::Remove)
             writer.setPreserveEncryption(false);
         writer.write();
+        output.Flush();
     }
 };
 

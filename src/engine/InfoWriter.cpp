@@ -13,7 +13,8 @@ namespace {
 
 /// The value names of the standard are ours without their two letters in front.
 template <class T> QPDFObjectHandle NameOf(T value) {
-    return QPDFObjectHandle::newName("/" + std::string(QMetaEnum::fromType<T>().valueToKey(int(value)) + 2));
+    const QByteArray key = QMetaEnum::fromType<T>().valueToKey(int(value));
+    return QPDFObjectHandle::newName(NarrowString("/" + key.mid(2)).toStdString());
 }
 
 template <class T> T ValueOf(QPDFObjectHandle name, const char* prefix) {
@@ -29,7 +30,7 @@ QPDFObjectHandle InfoOf(const TPDFSource& source) {
 }
 
 std::string InfoKey(const NarrowString& key) {
-    return "/" + key.toStdString();
+    return NarrowString("/" + key).toStdString();
 }
 
 /// The dictionary to write to; one that is missing or nonsense is made.

@@ -13,6 +13,8 @@ public:
         while (!FStack.empty()) {
             TNode& node = FStack.back();
             if (node.Next >= node.Count) {
+                if (node.Claimed != qint64(FResult.Pages.size() - node.FirstPage))
+                    FResult.Irregular = true;
                 FStack.pop_back();
                 continue;
             }
@@ -30,6 +32,8 @@ private:
         int Count;
         int Next;
         TInheritedPtr Inherited;
+        size_t FirstPage;
+        qint64 Claimed; // pages below, by its own count
     };
 
     /// By value: entering a node moves the stack.
@@ -59,7 +63,9 @@ private:
             FResult.Irregular = true;
             return;
         }
-        FStack.push_back({kids, kids.getArrayNItems(), 0, Inherit(node, std::move(inherited))});
+        QPDFObjectHandle count = node.getKey("/Count");
+        FStack.push_back({kids, kids.getArrayNItems(), 0, Inherit(node, std::move(inherited)),
+                          FResult.Pages.size(), count.isInteger() ? count.getIntValue() : -1});
     }
 
     void AddPage(const QPDFObjectHandle& page, TInheritedPtr inherited) {

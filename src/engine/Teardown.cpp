@@ -1,5 +1,7 @@
 #include "engine/Teardown.h"
 
+#include "engine/Qpdf.h"
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -9,6 +11,10 @@ namespace {
 
 class TTeardown {
 public:
+    /// libqpdf's statics that freeing needs are made by a first use, which must come before this object's:
+    /// at exit they then outlive the thread.
+    TTeardown() { QPDF::create()->emptyPDF(); }
+
     ~TTeardown() {
         {
             const std::lock_guard lock(FMutex);

@@ -12,7 +12,7 @@
 
 class RunActions : public testing::Test {
 protected:
-    void Open(int pages, const TSamplePdf& options = {}) {
+    void Open(int pages, const TSampleOptions& options = {}) {
         MakePdf(FWorkspace.Path("in.pdf"), pages, options);
         FDocument.OpenFromFile(FWorkspace.Path("in.pdf"), Narrow(options.OwnerPassword));
     }

@@ -22,7 +22,7 @@ public:
 
     void Drop(const string& name, int pages = 1) {
         const string path = FFolder + u'/' + name;
-        MakePdf(path, pages, {.Title = QStringLiteral("drop %1").arg(FContents.size())});
+        MakePdf(path, pages, {.Title = "drop " + QByteArray::number(FContents.size())});
         FContents.append(Contents(path));
     }
     void DropText(const string& name, const QByteArray& text) {
