@@ -9,7 +9,7 @@ MemberKind KindOf(const QMetaProperty& member) {
     const QMetaType type = member.metaType();
     if (!member.isStored())
         return MemberKind::None;
-    if (type.flags() & QMetaType::PointerToQObject) {
+    if (type.flags().testFlag(QMetaType::PointerToQObject)) {
         const QMetaObject* held = type.metaObject();
         return held != nullptr && held->inherits(&TObjectListBase::staticMetaObject) ? MemberKind::ObjectList
                                                                                      : MemberKind::Object;
@@ -18,7 +18,7 @@ MemberKind KindOf(const QMetaProperty& member) {
         return MemberKind::None;
     if (Lexical::IsSimple(type))
         return MemberKind::Simple;
-    if (type.flags() & QMetaType::IsGadget)
+    if (type.flags().testFlag(QMetaType::IsGadget))
         return MemberKind::Record;
     if (QMetaType::canView(type, QMetaType::fromType<QSequentialIterable>()))
         return MemberKind::ValueList;
@@ -26,8 +26,8 @@ MemberKind KindOf(const QMetaProperty& member) {
 }
 
 string DefaultItemName(QMetaType itemType) {
-    const bool record(itemType.flags() & QMetaType::IsGadget);
-    return record ? Reflection::ClassName(*itemType.metaObject()) : QStringLiteral("Item");
+    return itemType.flags().testFlag(QMetaType::IsGadget) ? Reflection::ClassName(*itemType.metaObject())
+                                                          : QStringLiteral("Item");
 }
 
 QVariant TInstance::Get(const QMetaProperty& member) const {

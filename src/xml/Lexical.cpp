@@ -22,7 +22,7 @@ bool IsColor(QMetaType type) {
 }
 
 bool IsEnumeration(QMetaType type) {
-    return bool(type.flags() & QMetaType::IsEnumeration);
+    return type.flags().testFlag(QMetaType::IsEnumeration);
 }
 
 bool IsFloat(QMetaType type) {

@@ -18,17 +18,18 @@ public:
 private:
     void ReadMembers(TInstance target, const TXmlElement& element) const;
     void ReadMember(TInstance& target, const QMetaProperty& member, const TXmlElement& element) const;
-    QVariant ReadRecord(QVariant record, const TXmlElement& element) const;
-    QVariant ReadValue(QMetaType type, const TXmlElement& element) const;
-    QVariant ReadValues(const TInstance& target, const QMetaProperty& member,
-                        const TXmlElement& element) const;
+    [[nodiscard]] QVariant ReadRecord(QVariant record, const TXmlElement& element) const;
+    [[nodiscard]] QVariant ReadValue(QMetaType type, const TXmlElement& element) const;
+    [[nodiscard]] QVariant ReadValues(const TInstance& target, const QMetaProperty& member,
+                                      const TXmlElement& element) const;
     void ReadObject(const TInstance& target, const QMetaProperty& member, const TXmlElement& element) const;
     void ReadObjects(const TInstance& target, const QMetaProperty& member, const TXmlElement& element) const;
-    std::unique_ptr<QObject> ReadItem(const QMetaObject& itemClass, const TXmlElement& element) const;
-    std::unique_ptr<QObject> KeepUnknown(const QMetaObject& placeholder, const string& className,
-                                         const TXmlElement& element) const;
+    [[nodiscard]] std::unique_ptr<QObject> ReadItem(const QMetaObject& itemClass,
+                                                    const TXmlElement& element) const;
+    [[nodiscard]] std::unique_ptr<QObject>
+    KeepUnknown(const QMetaObject& placeholder, const string& className, const TXmlElement& element) const;
     [[nodiscard]] const QMetaObject* ItemType(const QMetaObject& itemClass, const TXmlElement& element) const;
-    std::unique_ptr<QObject> Make(const QMetaObject& type, const TXmlElement& element) const;
+    [[nodiscard]] std::unique_ptr<QObject> Make(const QMetaObject& type, const TXmlElement& element) const;
     void CheckItemName(const TXmlElement& item, const string& name) const;
     [[noreturn]] void Raise(const TXmlElement& element, const string& what) const;
 

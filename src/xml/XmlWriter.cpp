@@ -44,7 +44,7 @@ string Escaped(const string& text, Where where) {
 } // namespace
 
 TXmlWriter::TXmlWriter(XmlLayout layout)
-    : FLayout(layout), FBytes("<?xml version=\"1.0\" encoding=\"UTF-8\"?>") {
+    : FLayout(layout), FBytes(R"(<?xml version="1.0" encoding="UTF-8"?>)") {
     EndLine();
 }
 

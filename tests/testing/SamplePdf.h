@@ -1,7 +1,9 @@
 #pragma once
-// Small PDF files for tests, put together from their objects without any PDF library, so that what reads
-// and writes them is not what made them.
-#include "testing/Workspace.h"
+// Small PDF files for tests and benchmarks, put together from their objects without any PDF library, so that
+// what reads and writes them is not what made them.
+#include "base/Text.h"
+
+#include <QStringList>
 
 struct TSampleOptions {
     QByteArray Title = {};       ///< information entry; none if empty
@@ -15,69 +17,11 @@ struct TSampleOptions {
 };
 
 /// The bytes of a PDF whose objects are numbered from 1; the first is the catalog.
-inline QByteArray PdfOf(const QList<QByteArray>& objects, const QByteArray& trailerEntries = {}) {
-    QByteArray pdf = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
-    QByteArray table;
-    for (qsizetype i = 0; i < objects.size(); ++i) {
-        table += QByteArray::number(pdf.size()).rightJustified(10, '0') + " 00000 n \n";
-        pdf += QByteArray::number(i + 1) + " 0 obj\n" + objects[i] + "\nendobj\n";
-    }
-    const QByteArray size = QByteArray::number(objects.size() + 1);
-    const QByteArray start = QByteArray::number(pdf.size());
-    return pdf + "xref\n0 " + size + "\n0000000000 65535 f \n" + table + "trailer\n<< /Root 1 0 R /Size " +
-           size + " " + trailerEntries + " >>\nstartxref\n" + start + "\n%%EOF\n";
-}
-
-inline QByteArray StreamOf(const QByteArray& data, const QByteArray& entries = {}) {
-    return "<< /Length " + QByteArray::number(data.size()) + " " + entries + " >>\nstream\n" + data +
-           "\nendstream";
-}
-
+[[nodiscard]] QByteArray PdfOf(const QList<QByteArray>& objects, const QByteArray& trailerEntries = {});
+/// The body of a stream object.
+[[nodiscard]] QByteArray StreamOf(const QByteArray& data, const QByteArray& entries = {});
 /// The bytes of a PDF whose pages say "Page 1" and so on.
-inline QByteArray SamplePdf(int pages, const TSampleOptions& options = {}) {
-    constexpr int FirstPage = 5; // behind catalog, page tree, font and outlines; then three objects a page
-    const auto page = [](int i) { return QByteArray::number(FirstPage + 3 * i) + " 0 R"; };
-    const auto item = [](int i) { return QByteArray::number(FirstPage + 3 * i + 2) + " 0 R"; };
-    QList<QByteArray> objects(4);
-    QByteArray kids;
-    for (int i = 0; i < pages; ++i) {
-        const QByteArray number = QByteArray::number(i + 1);
-        kids += page(i) + ' ';
-        const QByteArray link = "/Annots [<< /Type /Annot /Subtype /Link /Rect [0 0 50 50] /Dest [" +
-                                page((i + 1) % pages) + " /Fit] >>]";
-        objects << "<< /Type /Page /Parent 2 0 R /MediaBox [" + options.MediaBox +
-                       "] /Resources << /Font << /F1 3 0 R >> >> /Contents " +
-                       QByteArray::number(FirstPage + 3 * i + 1) + " 0 R " + options.PageEntries + ' ' +
-                       (options.Links ? link : QByteArray()) + " >>"
-                << StreamOf("BT /F1 24 Tf 72 400 Td (Page " + number + ") Tj ET")
-                << "<< /Title (Outline " + number + ") /Parent 4 0 R /Dest [" + page(i) + " /Fit]" +
-                       (i > 0 ? " /Prev " + item(i - 1) : QByteArray()) +
-                       (i + 1 < pages ? " /Next " + item(i + 1) : QByteArray()) + " >>";
-    }
-    objects[0] =
-        QByteArray("<< /Type /Catalog /Pages 2 0 R ") + (options.Outlines ? "/Outlines 4 0 R" : "") + " >>";
-    objects[1] = "<< /Type /Pages /Count " + QByteArray::number(pages) + " /Kids [" + kids + "] >>";
-    objects[2] = "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>";
-    objects[3] = "<< /Type /Outlines /Count " + QByteArray::number(pages) + " /First " + item(0) + " /Last " +
-                 item(pages - 1) + " >>";
-    if (options.Title.isEmpty())
-        return PdfOf(objects);
-    objects << "<< /Title (" + options.Title + ") >>";
-    return PdfOf(objects, "/Info " + QByteArray::number(objects.size()) + " 0 R");
-}
+[[nodiscard]] QByteArray SamplePdf(int pages, const TSampleOptions& options = {});
 
-/// Writes such a file, protected if the options name a password.
-inline void MakePdf(const string& path, int pages, const TSampleOptions& options = {}) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
-    file.write(SamplePdf(pages, options));
-    file.close();
-    if (options.UserPassword.isEmpty() && options.OwnerPassword.isEmpty())
-        return;
-    const auto result =
-        RunProgram(QStringLiteral("qpdf"),
-                   QStringList{path, QStringLiteral("--replace-input"), QStringLiteral("--encrypt"),
-                               options.UserPassword, options.OwnerPassword, QStringLiteral("256")} +
-                       options.Restrictions + QStringList{QStringLiteral("--")});
-    ASSERT_EQ(result.Exit, 0) << result.Errors.toStdString();
-}
+/// Writes such a file, protected if the options name a password. Replaces what is there.
+void MakePdf(const string& path, int pages, const TSampleOptions& options = {});
