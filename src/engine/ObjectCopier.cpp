@@ -32,8 +32,11 @@ QPDFObjectHandle TObjectCopier::Reference(const QPDFObjectHandle& object) {
     if (FSourcePages.count(key) != 0 || IsName(Entry(from, "/Type"), "/Page") ||
         IsName(Entry(from, "/Type"), "/Pages"))
         return QPDFObjectHandle::newNull();
+    if (from.isNull())
+        return QPDFObjectHandle::newNull();
+    // Not null at first: a dictionary drops entries whose value is null.
     QPDFObjectHandle to =
-        from.isStream() ? FTarget.newStream() : FTarget.makeIndirectObject(QPDFObjectHandle::newNull());
+        from.isStream() ? FTarget.newStream() : FTarget.makeIndirectObject(QPDFObjectHandle::newDictionary());
     FShared.emplace(key, to);
     FWaiting.emplace_back(from, to);
     return to;
@@ -76,7 +79,7 @@ void TObjectCopier::Finish() {
         QPDFObjectHandle object = from;
         if (object.isStream())
             CopyStream(object, to);
-        else if (!object.isNull())
+        else
             FTarget.replaceObject(to.getObjGen(), Value(object));
     }
 }

@@ -50,38 +50,63 @@ void MakeExplicit(QPDFObjectHandle from, QPDFObjectHandle copy, TObjectCopier& c
     holder.replaceKey(holder.isSameObjectAs(copy) ? "/Dest" : "/D", target);
 }
 
-/// The page's annotations but its widgets, which are given back.
-std::vector<QPDFObjectHandle> CopyAnnotations(TObjectCopier& copier, TDestinations& destinations,
-                                              const TPageObject& page, QPDFObjectHandle copy) {
-    std::vector<QPDFObjectHandle> widgets;
-    std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> annotations;
-    QPDFObjectHandle array = Entry(page.Dict, "/Annots");
-    if (!array.isArray())
-        return widgets;
-    QPDF& pdf = *copy.getOwningQPDF();
-    std::vector<QPDFObjectHandle> copies;
-    for (QPDFObjectHandle annotation : array.getArrayAsVector()) {
-        if (!annotation.isDictionary())
-            continue;
-        if (IsName(annotation.getKey("/Subtype"), "/Widget")) {
-            widgets.push_back(annotation);
-            continue;
+/// Copies the annotations of one page, each of which belongs to that page alone.
+class TAnnotationCopier {
+public:
+    TAnnotationCopier(TObjectCopier& copier, TDestinations& destinations, QPDF& pdf)
+        : FCopier(copier), FDestinations(destinations), FPdf(pdf) {}
+
+    /// All but the widgets, which are given back.
+    std::vector<QPDFObjectHandle> Copy(const TPageObject& page, QPDFObjectHandle copy) {
+        std::vector<QPDFObjectHandle> widgets;
+        std::vector<QPDFObjectHandle> copies;
+        QPDFObjectHandle array = Entry(page.Dict, "/Annots");
+        if (!array.isArray())
+            return widgets;
+        for (QPDFObjectHandle annotation : array.getArrayAsVector()) {
+            if (IsName(Entry(annotation, "/Subtype"), "/Widget"))
+                widgets.push_back(annotation);
+            else if (annotation.isDictionary())
+                copies.push_back(Allocate(annotation));
         }
-        copies.push_back(pdf.makeIndirectObject(QPDFObjectHandle::newDictionary()));
-        annotations.emplace_back(annotation, copies.back());
-        if (annotation.isIndirect())
-            copier.MapLocal(annotation.getObjGen(), copies.back());
+        for (size_t i = 0; i < FAllocated.size(); ++i) // a popup need not be in the array
+            if (QPDFObjectHandle popup = FAllocated[i].first.getKey("/Popup");
+                popup.isIndirect() && popup.isDictionary())
+                static_cast<void>(Allocate(popup));
+        for (auto& [from, to] : FAllocated)
+            Fill(from, to);
+        if (!copies.empty())
+            copy.replaceKey("/Annots", QPDFObjectHandle::newArray(copies));
+        return widgets;
     }
-    for (auto& [from, to] : annotations) {
+
+private:
+    QPDFObjectHandle Allocate(QPDFObjectHandle annotation) {
+        const auto known = FByObject.find(KeyOf(annotation));
+        if (annotation.isIndirect() && known != FByObject.end())
+            return known->second;
+        QPDFObjectHandle copy = FPdf.makeIndirectObject(QPDFObjectHandle::newDictionary());
+        FAllocated.emplace_back(annotation, copy);
+        if (annotation.isIndirect()) {
+            FByObject.emplace(KeyOf(annotation), copy);
+            FCopier.MapLocal(annotation.getObjGen(), copy);
+        }
+        return copy;
+    }
+
+    void Fill(QPDFObjectHandle from, QPDFObjectHandle to) {
         for (auto& [key, value] : from.getDictAsMap())
             if (key != "/StructParent")
-                to.replaceKey(key, copier.Copy(value));
-        MakeExplicit(from, to, copier, destinations);
+                to.replaceKey(key, FCopier.Copy(value));
+        MakeExplicit(from, to, FCopier, FDestinations);
     }
-    if (!copies.empty())
-        copy.replaceKey("/Annots", QPDFObjectHandle::newArray(copies));
-    return widgets;
-}
+
+    TObjectCopier& FCopier;
+    TDestinations& FDestinations;
+    QPDF& FPdf;
+    std::vector<std::pair<QPDFObjectHandle, QPDFObjectHandle>> FAllocated; // annotation, its copy
+    std::unordered_map<quint64, QPDFObjectHandle> FByObject;
+};
 
 } // namespace
 
@@ -116,7 +141,7 @@ void TPageImport::MakeCopies() {
             batch->Copier.MapLocal(page.CopiedFrom, copies[i]);
             CopyEntries(batch->Copier, page, copies[i]);
             TImportedWidgets widgets{copies[i], page.CopiedFrom, {}};
-            widgets.Widgets = CopyAnnotations(batch->Copier, batch->Names, page, copies[i]);
+            widgets.Widgets = TAnnotationCopier(batch->Copier, batch->Names, pdf).Copy(page, copies[i]);
             batch->Widgets.push_back(std::move(widgets));
             batch->Copier.Finish();
             batch->Copier.ClearLocal();
