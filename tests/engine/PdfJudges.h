@@ -1,6 +1,7 @@
 #pragma once
 // What other programs say of a file.
 #include "testing/SamplePdf.h"
+#include "testing/Workspace.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
