@@ -17,6 +17,7 @@ class TConfiguredWorkspace : public TWorkspace {
 public:
     explicit TConfiguredWorkspace(const string& folderSettings = {}) {
         QDir().mkpath(Path("in"));
+        QDir().mkpath(Path("c/logs"));
         Write("settings/morvane/settings.ini", "ConfigurationFolder=" + Path("c").toUtf8());
         Write("c/watchedfolders.xml", "<WatchedFolder><Folders><Folder><Name>" + Path("in").toUtf8() +
                                           "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery>"
