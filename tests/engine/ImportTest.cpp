@@ -200,7 +200,7 @@ TEST_F(TImport, LayersThatWereHiddenStayHidden) {
 }
 
 TEST_F(TImport, LongChainsOfObjectsNeedNoStack) {
-    constexpr int Length = 60'000;
+    constexpr int Length = 20'000;
     QList<QByteArray> objects{
         "<< /Type /Catalog /Pages 2 0 R >>",
         "<< /Type /Pages /Count 1 /Kids [3 0 R] /MediaBox [0 0 99 99] >>",
