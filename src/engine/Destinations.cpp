@@ -2,7 +2,7 @@
 
 #include <qpdf/QPDFNameTreeObjectHelper.hh>
 
-QPDFObjectHandle TDestinations::Of(QPDFObjectHandle holder) {
+QPDFObjectHandle TDestinations::Of(const QPDFObjectHandle& holder) {
     QPDFObjectHandle dest = Entry(holder, "/Dest");
     if (!dest.isNull())
         return dest;
@@ -12,7 +12,7 @@ QPDFObjectHandle TDestinations::Of(QPDFObjectHandle holder) {
     return action.getKey("/D");
 }
 
-QPDFObjectHandle TDestinations::PageOf(QPDFObjectHandle destination) {
+QPDFObjectHandle TDestinations::PageOf(const QPDFObjectHandle& destination) {
     QPDFObjectHandle found = Explicit(destination);
     if (!found.isArray() || found.getArrayNItems() == 0)
         return QPDFObjectHandle::newNull();

@@ -10,9 +10,9 @@ public:
 
     /// The destination of an annotation, outline item or action: its /Dest, or the /D of its go-to action.
     /// Null if it has none.
-    [[nodiscard]] static QPDFObjectHandle Of(QPDFObjectHandle holder);
+    [[nodiscard]] static QPDFObjectHandle Of(const QPDFObjectHandle& holder);
     /// The page object that a destination, explicit or named, leads to; null if there is none.
-    [[nodiscard]] QPDFObjectHandle PageOf(QPDFObjectHandle destination);
+    [[nodiscard]] QPDFObjectHandle PageOf(const QPDFObjectHandle& destination);
     /// The explicit destination behind a named one; itself for an explicit one; null where there is none.
     [[nodiscard]] QPDFObjectHandle Explicit(QPDFObjectHandle destination);
 

@@ -133,7 +133,7 @@ std::unique_ptr<TPDFPasswordSecurityHandler> HandlerOf(const TPDFSource& source)
     handler->SetStreamEncryptionKeyBits(keyBits);
     handler->SetStringEncryptionKeyBits(keyBits);
     handler->SetOwnerPasswordValid(source.Pdf->ownerPasswordMatched());
-    const quint32 bits = quint32(permissions);
+    const auto bits = quint32(permissions);
     TPDFDocPermissions& p = *handler->Permissions();
     p.FPrint = Bit(bits, 3);
     p.FModify = Bit(bits, 4);

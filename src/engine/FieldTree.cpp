@@ -14,7 +14,7 @@ public:
         std::vector<QPDFObjectHandle> kept;
         if (!fields.isArray())
             return kept;
-        for (QPDFObjectHandle field : fields.getArrayAsVector())
+        for (const QPDFObjectHandle& field : fields.getArrayAsVector())
             if (Keep(field, depth))
                 kept.push_back(field);
         return kept;
@@ -42,6 +42,6 @@ private:
 
 } // namespace
 
-std::vector<QPDFObjectHandle> PruneFields(QPDFObjectHandle fields, const TWidgetTest& gone) {
+std::vector<QPDFObjectHandle> PruneFields(const QPDFObjectHandle& fields, const TWidgetTest& gone) {
     return TFieldPruner(gone).Prune(fields, 0);
 }

@@ -80,7 +80,7 @@ size_t TFileInput::read(char* to, size_t length) {
             if (!FillWindow())
                 break;
         }
-        const size_t at = size_t(FPos - FWindowStart);
+        const auto at = size_t(FPos - FWindowStart);
         const size_t part = std::min(length - done, FWindow.size() - at);
         std::memcpy(to + done, FWindow.data() + at, part);
         done += part;

@@ -21,12 +21,12 @@ public:
     void RequireSound() const;
 
     qpdf_offset_t findAndSkipNextEOL() override;
-    std::string const& getName() const override { return FName; }
+    [[nodiscard]] std::string const& getName() const override { return FName; }
     qpdf_offset_t tell() override { return FPos; }
     void seek(qpdf_offset_t offset, int whence) override;
     void rewind() override { FPos = 0; }
     size_t read(char* to, size_t length) override;
-    void unreadCh(char) override { --FPos; }
+    void unreadCh(char /*ch*/) override { --FPos; }
 
 private:
     [[nodiscard]] bool InWindow() const {

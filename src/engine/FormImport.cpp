@@ -64,7 +64,7 @@ public:
         std::unordered_set<quint64> present;
         for (const QPDFObjectHandle& widget : copies)
             present.insert(KeyOf(widget));
-        const auto gone = [&](const QPDFObjectHandle& widget) { return present.count(KeyOf(widget)) == 0; };
+        const auto gone = [&](const QPDFObjectHandle& widget) { return !present.contains(KeyOf(widget)); };
         FTarget.addAndRenameFormFields(PruneFields(QPDFObjectHandle::newArray(fields), gone));
     }
 

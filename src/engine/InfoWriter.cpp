@@ -111,7 +111,7 @@ NarrowString ReadXmp(const TPDFSource& source) {
         return {};
     try {
         const auto data = stream.getStreamData(qpdf_dl_all);
-        return NarrowString(reinterpret_cast<const char*>(data->getBuffer()), qsizetype(data->getSize()));
+        return {reinterpret_cast<const char*>(data->getBuffer()), qsizetype(data->getSize())};
     } catch (const std::exception&) {
         return {}; // a packet that can't be decoded is left alone
     }

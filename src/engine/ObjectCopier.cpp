@@ -9,7 +9,7 @@ TObjectCopier::TObjectCopier(QPDF& target, TPDFSourcePtr source)
             FSourcePages.insert(KeyOf(page.Dict));
 }
 
-QPDFObjectHandle TObjectCopier::Copy(QPDFObjectHandle object) {
+QPDFObjectHandle TObjectCopier::Copy(const QPDFObjectHandle& object) {
     return object.isIndirect() ? Reference(object) : Value(object);
 }
 
@@ -29,7 +29,7 @@ QPDFObjectHandle TObjectCopier::Reference(const QPDFObjectHandle& object) {
     if (const auto found = FShared.find(key); found != FShared.end())
         return found->second;
     QPDFObjectHandle from = object;
-    if (FSourcePages.count(key) != 0 || IsName(Entry(from, "/Type"), "/Page") ||
+    if (FSourcePages.contains(key) || IsName(Entry(from, "/Type"), "/Page") ||
         IsName(Entry(from, "/Type"), "/Pages"))
         return QPDFObjectHandle::newNull();
     if (from.isNull())

@@ -25,7 +25,7 @@ public:
     void ClearLocal() { FLocal.clear(); }
 
     /// The copy of an object of the source. References to pages that are not copied become null.
-    [[nodiscard]] QPDFObjectHandle Copy(QPDFObjectHandle object);
+    [[nodiscard]] QPDFObjectHandle Copy(const QPDFObjectHandle& object);
     /// Copies what the copies made so far refer to.
     void Finish();
     /// The copy that an indirect object of the source has by now; null if it has none.

@@ -42,7 +42,7 @@ void JoinOptionalContent(TObjectCopier& copier, QPDF& target) {
         QPDFObjectHandle to = Require(target.getRoot(), "/OCProperties", QPDFObjectHandle::newDictionary());
         Require(to, "/OCGs", QPDFObjectHandle::newArray()).appendItem(copy);
         QPDFObjectHandle defaults = Require(to, "/D", QPDFObjectHandle::newDictionary());
-        const bool isOff = off.count(KeyOf(group)) != 0 || (offAtFirst && on.count(KeyOf(group)) == 0);
+        const bool isOff = off.contains(KeyOf(group)) || (offAtFirst && !on.contains(KeyOf(group)));
         Require(defaults, isOff ? "/OFF" : "/ON", QPDFObjectHandle::newArray()).appendItem(copy);
     }
 }

@@ -8,7 +8,7 @@ constexpr int MaxDepth = 200; // deeper items are left as they are
 
 class TOutlinePruner {
 public:
-    explicit TOutlinePruner(const std::function<bool(QPDFObjectHandle)>& leadsToGone)
+    explicit TOutlinePruner(const std::function<bool(const QPDFObjectHandle&)>& leadsToGone)
         : FLeadsToGone(leadsToGone) {}
 
     /// Prunes below `parent` and gives the number of items that are shown below it when it is open.
@@ -64,13 +64,13 @@ private:
             parent.replaceKey("/Count", QPDFObjectHandle::newInteger(closed ? -shown : shown));
     }
 
-    const std::function<bool(QPDFObjectHandle)>& FLeadsToGone;
+    const std::function<bool(const QPDFObjectHandle&)>& FLeadsToGone;
     std::unordered_set<quint64> FSeen;
 };
 
 } // namespace
 
-void PruneOutlines(QPDF& pdf, const std::function<bool(QPDFObjectHandle)>& leadsToGone) {
+void PruneOutlines(QPDF& pdf, const std::function<bool(const QPDFObjectHandle&)>& leadsToGone) {
     QPDFObjectHandle outlines = Entry(pdf.getRoot(), "/Outlines");
     if (outlines.isDictionary() && outlines.hasKey("/First"))
         TOutlinePruner(leadsToGone).Prune(outlines, 0);

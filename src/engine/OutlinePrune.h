@@ -6,4 +6,4 @@
 
 /// Takes out the items for which `leadsToGone` holds. One that has others below it stays as their heading
 /// and leads nowhere.
-void PruneOutlines(QPDF& pdf, const std::function<bool(QPDFObjectHandle)>& leadsToGone);
+void PruneOutlines(QPDF& pdf, const std::function<bool(const QPDFObjectHandle&)>& leadsToGone);

@@ -37,7 +37,7 @@ void CopyEntries(TObjectCopier& copier, const TPageObject& page, QPDFObjectHandl
 }
 
 /// Names mean nothing, or another thing, in the document that the link comes to.
-void MakeExplicit(QPDFObjectHandle from, QPDFObjectHandle copy, TObjectCopier& copier,
+void MakeExplicit(const QPDFObjectHandle& from, QPDFObjectHandle copy, TObjectCopier& copier,
                   TDestinations& destinations) {
     QPDFObjectHandle name = TDestinations::Of(from);
     if (copier.SameFile() || (!name.isName() && !name.isString()))
@@ -69,7 +69,8 @@ public:
             else if (annotation.isDictionary())
                 copies.push_back(Allocate(annotation));
         }
-        for (size_t i = 0; i < FAllocated.size(); ++i) // a popup need not be in the array
+        const size_t listed = FAllocated.size();
+        for (size_t i = 0; i < listed; ++i) // a popup need not be in the array
             if (QPDFObjectHandle popup = FAllocated[i].first.getKey("/Popup");
                 popup.isIndirect() && popup.isDictionary())
                 static_cast<void>(Allocate(popup));
@@ -81,7 +82,7 @@ public:
     }
 
 private:
-    QPDFObjectHandle Allocate(QPDFObjectHandle annotation) {
+    QPDFObjectHandle Allocate(const QPDFObjectHandle& annotation) {
         const auto known = FByObject.find(KeyOf(annotation));
         if (annotation.isIndirect() && known != FByObject.end())
             return known->second;

@@ -8,7 +8,7 @@ constexpr size_t MaxDepth = 1000; // levels of a page tree; sane ones have five
 
 class TWalker {
 public:
-    TPageWalk Walk(QPDFObjectHandle root) {
+    TPageWalk Walk(const QPDFObjectHandle& root) {
         Enter(root, nullptr);
         while (!FStack.empty()) {
             TNode& node = FStack.back();
@@ -64,8 +64,8 @@ private:
             return;
         }
         QPDFObjectHandle count = node.getKey("/Count");
-        FStack.push_back({kids, kids.getArrayNItems(), 0, Inherit(node, std::move(inherited)),
-                          FResult.Pages.size(), count.isInteger() ? count.getIntValue() : -1});
+        FStack.push_back({kids, kids.getArrayNItems(), 0, Inherit(node, inherited), FResult.Pages.size(),
+                          count.isInteger() ? count.getIntValue() : -1});
     }
 
     void AddPage(const QPDFObjectHandle& page, TInheritedPtr inherited) {
@@ -79,7 +79,7 @@ private:
         FResult.Pages.push_back(std::move(walked));
     }
 
-    static TInheritedPtr Inherit(QPDFObjectHandle& node, TInheritedPtr above) {
+    static TInheritedPtr Inherit(QPDFObjectHandle& node, const TInheritedPtr& above) {
         TInherited own = above ? *above : TInherited{};
         bool any = false;
         const auto take = [&](const char* key, QPDFObjectHandle& member) {

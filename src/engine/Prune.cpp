@@ -26,7 +26,7 @@ public:
 
     void Prune() {
         PruneLinks();
-        PruneOutlines(FPdf, [this](QPDFObjectHandle item) { return LeadsToGone(item); });
+        PruneOutlines(FPdf, [this](const QPDFObjectHandle& item) { return LeadsToGone(item); });
         if (QPDFObjectHandle open = FPdf.getRoot().getKey("/OpenAction"); OpensGone(open))
             FPdf.getRoot().removeKey("/OpenAction");
         PruneForm();
@@ -40,7 +40,7 @@ public:
 
 private:
     [[nodiscard]] bool IsGone(const QPDFObjectHandle& object) const {
-        return object.isIndirect() && FGone.count(KeyOf(object)) != 0;
+        return object.isIndirect() && FGone.contains(KeyOf(object));
     }
     bool LeadsToGone(const QPDFObjectHandle& holder) {
         return IsGone(FNames.PageOf(TDestinations::Of(holder)));
@@ -76,7 +76,7 @@ private:
         QPDFObjectHandle form = Entry(FPdf.getRoot(), "/AcroForm");
         if (widgets.empty() || !form.isDictionary())
             return;
-        const auto gone = [&](const QPDFObjectHandle& field) { return widgets.count(KeyOf(field)) != 0; };
+        const auto gone = [&](const QPDFObjectHandle& field) { return widgets.contains(KeyOf(field)); };
         for (const char* list : {"/Fields", "/CO"})
             if (QPDFObjectHandle fields = form.getKey(list); fields.isArray())
                 form.replaceKey(list, QPDFObjectHandle::newArray(PruneFields(fields, gone)));
@@ -88,7 +88,7 @@ private:
         if (!threads.isArray())
             return;
         std::vector<QPDFObjectHandle> kept;
-        for (QPDFObjectHandle thread : threads.getArrayAsVector())
+        for (const QPDFObjectHandle& thread : threads.getArrayAsVector())
             if (CloseRing(thread))
                 kept.push_back(thread);
         if (kept.empty())

@@ -2,6 +2,7 @@
 // libqpdf and the conversions at its border. For the sources of this module only.
 #include "base/Text.h"
 
+#include <qpdf/JSON.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFObjectHandle.hh>

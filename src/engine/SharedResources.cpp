@@ -7,7 +7,7 @@ namespace {
 using TKeys = std::unordered_set<quint64>;
 
 /// Keys of the dictionaries through which a page can share resources.
-void AddKeys(std::vector<quint64>& keys, QPDFObjectHandle resources) {
+void AddKeys(std::vector<quint64>& keys, const QPDFObjectHandle& resources) {
     if (resources.isIndirect())
         keys.push_back(KeyOf(resources));
     for (const char* kind : {"/XObject", "/Font", "/Pattern"})
@@ -19,7 +19,7 @@ void AddKeys(std::vector<quint64>& keys, QPDFObjectHandle resources) {
 std::vector<quint64> KeysOf(const QPDFObjectHandle& page, const TInherited* inherited) {
     std::vector<quint64> keys;
     AddKeys(keys, Attribute(page, inherited, "/Resources"));
-    if (inherited && Entry(page, "/Resources").isNull())
+    if (inherited != nullptr && Entry(page, "/Resources").isNull())
         keys.push_back(quint64(reinterpret_cast<quintptr>(inherited)) | 1ULL << 63);
     return keys;
 }
@@ -32,14 +32,14 @@ std::vector<bool> SharesResources(const TPDFSource& source, const std::vector<TP
         taken.insert(KeyOf(page->CopiedFrom));
     TKeys used;
     for (const TWalkedPage& other : source.Walk.Pages)
-        if (taken.count(KeyOf(other.Dict)) == 0)
+        if (!taken.contains(KeyOf(other.Dict)))
             for (const quint64 key : KeysOf(other.Dict, other.Inherited.get()))
                 used.insert(key);
     std::vector<bool> shares;
     for (const TPageObject* page : pages) {
         const auto keys = KeysOf(page->Dict, page->Inherited.get());
         shares.push_back(
-            std::any_of(keys.begin(), keys.end(), [&](quint64 key) { return used.count(key) != 0; }));
+            std::any_of(keys.begin(), keys.end(), [&](quint64 key) { return used.contains(key); }));
     }
     return shares;
 }

@@ -2,7 +2,7 @@
 
 #include <unordered_set>
 
-int CountSignatures(QPDFObjectHandle root) {
+int CountSignatures(const QPDFObjectHandle& root) {
     struct TField {
         QPDFObjectHandle Dict;
         bool Signature; // what its parents say of its type

@@ -3,4 +3,4 @@
 #include "engine/Qpdf.h"
 
 /// The signature fields below the catalog's form that hold a signature.
-[[nodiscard]] int CountSignatures(QPDFObjectHandle root);
+[[nodiscard]] int CountSignatures(const QPDFObjectHandle& root);

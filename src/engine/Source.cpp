@@ -125,7 +125,7 @@ void KeepTested(TPDFSourcePtr source) {
 }
 
 TPDFSourcePtr TakeTested(const string& path, const NarrowString& password) {
-    const TPDFSourcePtr source = std::move(Tested);
+    TPDFSourcePtr source = std::move(Tested);
     Tested.reset();
     struct stat now {};
     if (!source || source->Path != path || source->Password != password ||

@@ -41,7 +41,7 @@ public:
 
 private:
     [[nodiscard]] bool IsGone(const QPDFObjectHandle& page) const {
-        return page.isIndirect() && FGone.count(KeyOf(page)) != 0;
+        return page.isIndirect() && FGone.contains(KeyOf(page));
     }
 
     /// A kid is the number of marked content, a reference to content or an object, or an element.

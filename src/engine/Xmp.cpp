@@ -78,7 +78,8 @@ void RemoveProperty(xmlNode* rdf, const TProperty& property) {
 }
 
 xmlNs* NamespaceAt(xmlNode* node, const char* href, const char* prefix) {
-    if (xmlNs* known = xmlSearchNsByHref(node->doc, node, X(href)); known && known->prefix)
+    if (xmlNs* known = xmlSearchNsByHref(node->doc, node, X(href));
+        known != nullptr && known->prefix != nullptr)
         return known;
     if (xmlNs* made = xmlNewNs(node, X(href), X(prefix)))
         return made;
@@ -119,8 +120,7 @@ NarrowString Serialised(xmlDoc* document) {
         if (node->next)
             xmlBufferWriteChar(buffer.get(), "\n");
     }
-    return NarrowString(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
-                        xmlBufferLength(buffer.get()));
+    return {reinterpret_cast<const char*>(xmlBufferContent(buffer.get())), xmlBufferLength(buffer.get())};
 }
 
 /// What XML 1.0 can't hold is left out.

@@ -82,7 +82,7 @@ TEST_F(TCorpus, PagesCanBeTakenOutAndPutTogether) {
     int expected = 1;
     for (const TCorpusFile& file : CorpusFiles({"ok", "damaged-recoverable"})) {
         SCOPED_TRACE(file.Path.toStdString());
-        if (file.Pages > 200 || !HasReadableTree(file))
+        if (file.Pages > 50 || !HasReadableTree(file))
             continue;
         TZQPDFDocument source(nullptr);
         source.OpenFromFile(file.Path, {});

@@ -115,19 +115,18 @@ TEST_F(TImport, LinksLeadToTheCopiesOfPagesImportedTogether) {
     const QJsonObject objects = PdfObjects(Out);
     const QJsonArray pages = PdfJson(Out)["pages"].toArray();
     const auto page = [&](int i) { return pages[i].toObject()["object"].toString(); };
+    const QList<QJsonObject> dicts = PageDicts(Out);
     const auto annotation = [&](int i, int n) {
-        const QString key = PageDicts(Out)[i]["/Annots"].toArray()[n].toString();
+        const QString key = dicts[i]["/Annots"].toArray()[n].toString();
         return objects[QStringLiteral("obj:") + key].toObject()["value"].toObject();
     };
     for (const int copy : {2, 4}) {
         EXPECT_EQ(annotation(copy, 0)["/P"].toString(), page(copy));
-        EXPECT_TRUE(annotation(copy, 0)["/Dest"].toArray()[0].isNull() ||
-                    annotation(copy, 0)["/Dest"].toArray()[0].toString().isEmpty());
+        EXPECT_TRUE(annotation(copy, 0)["/Dest"].toArray()[0].isNull()) << "its page was not imported";
         EXPECT_EQ(annotation(copy, 1)["/A"].toObject()["/D"].toArray()[0].toString(), page(3));
         EXPECT_EQ(annotation(copy, 2)["/Contents"].toString(), "u:note");
     }
-    EXPECT_NE(PageDicts(Out)[2]["/Annots"].toArray()[2].toString(),
-              PageDicts(Out)[4]["/Annots"].toArray()[2].toString())
+    EXPECT_NE(dicts[2]["/Annots"].toArray()[2].toString(), dicts[4]["/Annots"].toArray()[2].toString())
         << "each copy has annotations of its own";
     EXPECT_EQ(CountOfType(Out, QStringLiteral("/Annot")), 8);
 }
@@ -186,8 +185,6 @@ TEST_F(TImport, LayersThatWereHiddenStayHidden) {
                       "<< /Type /OCG /Name (unused) >>"}));
     Extract("1");
     EXPECT_EQ(CountOfType(Out, QStringLiteral("/OCG")), 2);
-    const QByteArray written =
-        RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--qdf"), Out, QStringLiteral("-")}).Out;
     const QJsonObject objects = PdfObjects(Out);
     for (const QJsonValue& object : objects) {
         const QJsonObject properties = object.toObject()["value"].toObject()["/OCProperties"].toObject();
@@ -203,7 +200,7 @@ TEST_F(TImport, LayersThatWereHiddenStayHidden) {
 }
 
 TEST_F(TImport, LongChainsOfObjectsNeedNoStack) {
-    constexpr int Length = 60'000;
+    constexpr int Length = 20'000;
     QList<QByteArray> objects{
         "<< /Type /Catalog /Pages 2 0 R >>",
         "<< /Type /Pages /Count 1 /Kids [3 0 R] /MediaBox [0 0 99 99] >>",

@@ -71,7 +71,6 @@ TEST_F(TSaveCase, TheFirstHalfOfTheIdStaysAndTheSecondIsRenewed) {
 
 TEST_F(TSaveCase, StreamsAreCopiedAsTheyStand) {
     const QByteArray badlyDeflated = "x\x9C this is no deflated data";
-    QByteArray pdf = SamplePdf(1);
     Open(PdfOf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Count 1 /Kids [3 0 R] >>",
                 "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 99 99] /Contents 4 0 R >>",
                 StreamOf(badlyDeflated, "/Filter /FlateDecode")}));
