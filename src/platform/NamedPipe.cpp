@@ -62,7 +62,7 @@ string TNamedPipeClient::Read(int timeoutMs) {
             return {}; // the server has gone, and a reply cut short is none
     }
     const qsizetype end = FReceived.indexOf('\n');
-    const string text = Widen(FReceived.left(end));
+    string text = Widen(FReceived.left(end));
     FReceived.remove(0, end + 1);
     return text;
 }

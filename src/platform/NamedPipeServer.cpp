@@ -79,7 +79,7 @@ private:
 
     /// Empty messages mean nothing to anybody and are dropped here.
     void FindMessage() {
-        const auto first = std::find_if(FIn.cbegin(), FIn.cend(), [](char c) { return c != '\n'; });
+        const auto* first = std::find_if(FIn.cbegin(), FIn.cend(), [](char c) { return c != '\n'; });
         FIn.remove(0, first - FIn.cbegin());
         FMessageEnd = FIn.indexOf('\n');
         if (FMessageEnd < 0 && FEnded && !FIn.isEmpty())
@@ -140,7 +140,7 @@ string TNamedPipeServer::Read(int timeoutMs) {
     int wait = 0; // at first only a look, so that a client with many messages ready doesn't shut others out
     while (true) {
         Serve(wait);
-        if (const string message = TakeMessage(); !message.isEmpty())
+        if (string message = TakeMessage(); !message.isEmpty())
             return message;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - TSteady::now()).count();
         if (left <= 0)
