@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr qsizetype DatagramLimit = 64 * 1024;
+constexpr qsizetype DatagramLimit = 65'536;
 
 NarrowString CommandLine() {
     QFile file(QStringLiteral("/proc/self/cmdline"));

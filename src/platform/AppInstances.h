@@ -29,7 +29,7 @@ public:
     /// Sends this process's command line, one argument a line, to the other instances' windows of that
     /// class; `originator` is a window of this process or 0. Returns how many instances it reached; never
     /// waits.
-    int SendCmdLineParams(const string& windowClassName, TWindowHandle originator) const;
+    [[nodiscard]] int SendCmdLineParams(const string& windowClassName, TWindowHandle originator) const;
     /// Would bring an instance to the foreground; a program can't do that to another here.
     void SwitchTo(int index) const;
     /// Ends this process at once, with nothing run on its way out.

@@ -53,7 +53,7 @@ public:
         return !FFolders.empty();
     }
 
-    int Descriptor() const override { return FInotify.Number(); }
+    [[nodiscard]] int Descriptor() const override { return FInotify.Number(); }
     bool Take() override {
         if (!FSignalled)
             ReadEvents();
@@ -91,8 +91,7 @@ private:
         }
     }
 
-    /// `path` is a copy on purpose: both calls change the map that it came from.
-    void FollowFolder(Cardinal event, const QByteArray path) {
+    void FollowFolder(Cardinal event, const QByteArray& path) {
         if (event & (IN_MOVED_FROM | IN_DELETE))
             RemoveTree(path);
         else if (event & (IN_CREATE | IN_MOVED_TO))

@@ -55,18 +55,18 @@ void DefWindowProc(TMessage& message) {
     message.Result = 0;
 }
 
-bool PostMessage(TWindowHandle handle, TMessage message) {
-    const auto window = Registry().Find(handle);
-    return window && window->Queue->Post([handle, posted = std::move(message)] {
-        SendMessage(handle, posted); // looked up anew: the window may have gone meanwhile
+bool PostMessage(TWindowHandle window, TMessage message) {
+    const auto receiver = Registry().Find(window);
+    return receiver && receiver->Queue->Post([window, posted = std::move(message)] {
+        SendMessage(window, posted); // looked up anew: the window may have gone meanwhile
     });
 }
 
-qint64 SendMessage(TWindowHandle handle, TMessage message) {
-    const auto window = Registry().Find(handle);
-    if (!window)
+qint64 SendMessage(TWindowHandle window, TMessage message) {
+    const auto receiver = Registry().Find(window);
+    if (!receiver)
         return 0;
-    window->WndProc(message);
+    receiver->WndProc(message);
     return message.Result;
 }
 

@@ -22,8 +22,9 @@ TLocalAddress::TLocalAddress(const string& folder, const string& name) {
     std::memcpy(FAddress.sun_path, path.constData(), size_t(path.size()));
 }
 
-TDescriptor OpenLocalSocket(int type) {
-    TDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+TDescriptor OpenLocalSocket(int type, TBlocking blocking) {
+    const int nonblock = blocking == TBlocking::Yes ? 0 : SOCK_NONBLOCK;
+    TDescriptor socket(::socket(AF_UNIX, type | SOCK_CLOEXEC | nonblock, 0));
     if (!socket)
         throw EFileError(QStringLiteral("make"), QStringLiteral("local socket"), errno);
     return socket;

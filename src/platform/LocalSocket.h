@@ -21,8 +21,10 @@ private:
     TDescriptor FFolder;
 };
 
-/// A socket that never blocks and isn't inherited. `type` is SOCK_STREAM or SOCK_DGRAM. Raises EFileError.
-[[nodiscard]] TDescriptor OpenLocalSocket(int type);
+enum class TBlocking { No, Yes };
+
+/// A socket that isn't inherited. `type` is SOCK_STREAM or SOCK_DGRAM. Raises EFileError.
+[[nodiscard]] TDescriptor OpenLocalSocket(int type, TBlocking blocking = TBlocking::No);
 
 /// The user at the other end of a connected socket; an invalid number where the system can't say.
 [[nodiscard]] uid_t PeerUser(int socket);

@@ -44,7 +44,7 @@ public:
     void WritePipe(const string& text) override;
 
 private:
-    [[nodiscard]] bool WaitReady(short events, int timeoutMs) const;
+    [[nodiscard]] bool WaitReadable(int timeoutMs) const;
 
     TDescriptor FSocket;
     QByteArray FReceived;

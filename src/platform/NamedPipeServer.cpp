@@ -12,6 +12,14 @@
 #include <sys/stat.h>
 #include <thread>
 
+namespace {
+
+/// Connections that may wait at the door. Short, so that a flood of them waits in its own calls to connect
+/// and not in front of everybody else.
+constexpr int Backlog = 64;
+
+} // namespace
+
 /// One connection: what has come and not yet been taken, and what has yet to go.
 class TNamedPipeServer::TClient {
 public:
@@ -71,7 +79,7 @@ private:
 
     /// Empty messages mean nothing to anybody and are dropped here.
     void FindMessage() {
-        const auto first = std::find_if(FIn.cbegin(), FIn.cend(), [](char c) { return c != '\n'; });
+        const auto* first = std::find_if(FIn.cbegin(), FIn.cend(), [](char c) { return c != '\n'; });
         FIn.remove(0, first - FIn.cbegin());
         FMessageEnd = FIn.indexOf('\n');
         if (FMessageEnd < 0 && FEnded && !FIn.isEmpty())
@@ -117,7 +125,7 @@ void TNamedPipeServer::Bind() {
     struct stat info {};
     // Nobody can connect before listen(), so the mode is in place in time.
     if (::bind(listener.Number(), address.Get(), address.Size()) != 0 || ::chmod(address.Path(), 0600) != 0 ||
-        ::lstat(address.Path(), &info) != 0 || ::listen(listener.Number(), SOMAXCONN) != 0)
+        ::lstat(address.Path(), &info) != 0 || ::listen(listener.Number(), Backlog) != 0)
         throw EPipeError(QStringLiteral("Cannot make the pipe \"%1\": %2")
                              .arg(FName, QString::fromLocal8Bit(std::strerror(errno))));
     FDevice = info.st_dev;
@@ -132,7 +140,7 @@ string TNamedPipeServer::Read(int timeoutMs) {
     int wait = 0; // at first only a look, so that a client with many messages ready doesn't shut others out
     while (true) {
         Serve(wait);
-        if (const string message = TakeMessage(); !message.isEmpty())
+        if (string message = TakeMessage(); !message.isEmpty())
             return message;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - TSteady::now()).count();
         if (left <= 0)
@@ -159,7 +167,7 @@ void TNamedPipeServer::WritePipe(const string& text) {
 }
 
 void TNamedPipeServer::Serve(int timeoutMs) {
-    std::erase_if(FClients, [](const auto& client) { return client->IsDone(); });
+    RemoveDone();
     std::vector<pollfd> polled{{FListener.Number(), POLLIN, 0}};
     for (const auto& client : FClients)
         polled.push_back(client->Polled());
@@ -193,7 +201,15 @@ void TNamedPipeServer::Accept() {
     }
 }
 
+void TNamedPipeServer::RemoveDone() {
+    std::erase_if(FClients, [](const auto& client) { return client->IsDone(); });
+}
+
 bool TNamedPipeServer::MakeRoom() {
+    const size_t before = FClients.size();
+    RemoveDone();
+    if (FClients.size() < before)
+        return true;
     const auto silent = std::find_if(FClients.begin(), FClients.end(),
                                      [](const auto& client) { return !client->HasMessage(); });
     if (silent == FClients.end())

@@ -38,6 +38,7 @@ private:
     void Bind();
     void Serve(int timeoutMs);
     void Accept();
+    void RemoveDone();
     [[nodiscard]] bool MakeRoom();
     [[nodiscard]] string TakeMessage();
 

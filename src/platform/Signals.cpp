@@ -15,7 +15,7 @@ std::atomic<int> WriteEnd = -1;
 std::array<struct sigaction, Numbers.size()> FormerActions;
 
 /// Only what is allowed inside a signal handler.
-void HandleSignal(int) {
+void HandleSignal(int /*number*/) {
     const int error = errno;
     const char byte = 0;
     // A full pipe means that enough is on its way.

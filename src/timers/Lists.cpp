@@ -53,7 +53,8 @@ void TumUniqueList::Clear() {
 }
 
 TumObjectList::~TumObjectList() {
-    Clear(); // here, where the overrides below still see it
+    // Here, where this class's own overrides still see it; a descendant's are gone by now.
+    Clear();
 }
 
 bool TumObjectList::AcceptOrFree(QObject* item) {
@@ -119,11 +120,10 @@ void TumObjectList::Notify(QObject* item, TChange change) {
     if (change == TChange::Added)
         Added(item);
     else
-        Deleted(item);
+        Deleted(item); // NOLINT(clang-analyzer-optin.cplusplus.VirtualCall): see the destructor
     if (change == TChange::Deleted && OwnsObjects())
         delete item;
-    TumUniqueList::Notify(item, change);
-    Changed();
+    Changed(); // NOLINT(clang-analyzer-optin.cplusplus.VirtualCall)
 }
 
 void TumObjectList::Added(QObject* item) {

@@ -8,7 +8,7 @@
 #include <thread>
 
 std::shared_ptr<TWatchThread> TWatchThread::Start(TWatchOrder order) {
-    const std::shared_ptr<TWatchThread> watch(new TWatchThread(std::move(order)));
+    std::shared_ptr<TWatchThread> watch(new TWatchThread(std::move(order)));
     std::thread([watch] { watch->Run(); }).detach();
     return watch;
 }

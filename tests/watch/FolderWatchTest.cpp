@@ -43,8 +43,19 @@ protected:
         DeliverFor(60);
         return FChanges == 0;
     }
-    /// A new watch takes a moment to open, and nothing tells when it has.
-    void Settle() { DeliverFor(150); }
+
+    /// A new watch takes a moment to open, and nothing tells when it has: changes are made until one is seen.
+    void AwaitWatch(const QString& folder) {
+        int probes = 0;
+        do {
+            FChanges = 0;
+            Write(folder + "/probe");
+            QDir(Path(folder)).mkdir(QString("probe%1").arg(++probes));
+            DeliverFor(60);
+        } while (FChanges == 0 && probes < 200);
+        ASSERT_GT(FChanges, 0) << folder.toStdString();
+        DeliverFor(60);
+    }
 
     QTemporaryDir FBase;
     const std::thread::id FMaker = std::this_thread::get_id();
@@ -76,7 +87,7 @@ TEST_F(FolderWatchTest, FiltersAreTheseFlagsOfThePlatform) {
 
 TEST_F(FolderWatchTest, OneSaveIsOneEvent) {
     FWatch.SetActive(/*active=*/true);
-    Settle();
+    AwaitWatch("one");
     // The promise holds for what comes within a few milliseconds, so a save that was itself held up by a
     // busy machine proves nothing and is made again.
     for (int attempt = 0; attempt < 50; ++attempt) {
@@ -103,26 +114,26 @@ TEST_F(FolderWatchTest, TheDirectoryChangesUnderTheRunningThread) {
     ASSERT_NE(thread, nullptr);
     for (const char* same : {"one", "one/"})
         FWatch.SetDirectory(Path(same));
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { Write("one/file"); }));
     FWatch.SetDirectory(Path("two"));
     EXPECT_EQ(FWatch.Directory(), Path("two") + "/");
     EXPECT_EQ(FWatch.Thread(), thread);
-    Settle();
+    AwaitWatch("two");
     EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
     EXPECT_TRUE(Reports([&] { Write("two/file"); }));
 }
 
 TEST_F(FolderWatchTest, AnotherFilterOrAnotherTreeTakesANewThread) {
     FWatch.SetActive(/*active=*/true);
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(IsSilent([&] { Write("one/sub/file"); }));
     FWatch.SetWatchSubDirs(/*watchSubDirs=*/true);
     EXPECT_TRUE(FWatch.Active());
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { Write("one/sub/file"); }));
     FWatch.SetNotifyFilters(TFolderWatch::nfDirname);
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
     EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("new"); }));
     FWatch.SetActive(/*active=*/false);
@@ -131,7 +142,7 @@ TEST_F(FolderWatchTest, AnotherFilterOrAnotherTreeTakesANewThread) {
     EXPECT_FALSE(FWatch.Active());
     EXPECT_TRUE(IsSilent([&] { QDir(Path("one")).mkdir("newer"); }));
     FWatch.SetActive(/*active=*/true);
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("newest"); }));
 }
 
@@ -164,14 +175,14 @@ TEST_F(FolderWatchTest, AMissingDirectoryRaisesAndChangesNothing) {
 TEST_F(FolderWatchTest, AVanishedDirectoryIsWaitedOutUntilAnotherIsSet) {
     FWatch.SetDirectory(Path("two"));
     FWatch.SetActive(/*active=*/true);
-    Settle();
-    QDir().rmdir(Path("two"));
+    AwaitWatch("two");
     EXPECT_TRUE(IsSilent([&] {
+        QDir(Path("two")).removeRecursively();
         QDir().mkdir(Path("two"));
         Write("two/file");
     }));
     FWatch.SetDirectory(Path("one"));
-    Settle();
+    AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { Write("one/file"); }));
 }
 
@@ -189,10 +200,9 @@ TEST_F(FolderWatchTest, TheHandlerMayStopOrFreeTheWatch) {
         ++FChanges;
     });
     owned->SetActive(/*active=*/true);
-    Settle();
-    EXPECT_TRUE(Reports([&] { Write("one/file"); }));
+    AwaitWatch("one");
     EXPECT_FALSE(FWatch.Active());
-    EXPECT_TRUE(Reports([&] { Write("two/file"); }));
+    AwaitWatch("two");
     EXPECT_EQ(owner, nullptr);
 }
 

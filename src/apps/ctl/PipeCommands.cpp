@@ -9,7 +9,7 @@ namespace {
 /// so its answer says that it has taken the command too, which has no answer of its own.
 TOutcome Send(const string& command, const string& done, int timeoutMs) {
     try {
-        TNamedPipeClient pipe(QLatin1String(ControlPipe::Name));
+        TNamedPipeClient pipe{QLatin1String(ControlPipe::Name)};
         pipe.OpenPipe();
         if (!command.isEmpty())
             pipe.WritePipe(command);
