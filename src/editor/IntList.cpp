@@ -19,9 +19,14 @@ void TIntList::Insert(int index, Integer value) {
     FItems.insert(FItems.begin() + index, value);
 }
 
-void TIntList::Delete(int index) {
+void TIntList::Insert(int index, const std::vector<Integer>& values) {
+    CheckIndex(index, Count() + 1);
+    FItems.insert(FItems.begin() + index, values.begin(), values.end());
+}
+
+void TIntList::Delete(int index, int count) {
     CheckIndex(index, Count());
-    FItems.erase(FItems.begin() + index);
+    FItems.erase(FItems.begin() + index, FItems.begin() + std::min(index + count, Count()));
 }
 
 Integer TIntList::GetInteger(int index) const {

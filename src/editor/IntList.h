@@ -13,7 +13,8 @@ public:
     int Add(Integer value);
     /// `index` is 0 to Count, as everywhere below 0 to Count - 1; others raise Exception.
     void Insert(int index, Integer value);
-    void Delete(int index);
+    void Insert(int index, const std::vector<Integer>& values);
+    void Delete(int index, int count = 1);
     void Clear() { FItems.clear(); }
     void Reserve(int count) { FItems.reserve(size_t(count)); }
 

@@ -85,35 +85,42 @@ void TAdvMemoStrings::Insert(int index, const string& text) {
     Memo->Repaint();
 }
 
-void TAdvMemoStrings::DoInsert(int index, const string& text) {
+void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
     CheckIndex(index, Count() + 1);
-    const string line = Detabbed(text);
+    std::vector<string> rows;
+    std::vector<Integer> lengths;
+    for (const string& line : lines) {
+        rows.push_back(Detabbed(line));
+        lengths.push_back(Integer(rows.back().size()));
+    }
     TellRowsTouched(index);
-    FListLengths.Insert(std::min(index, FListLengths.Count()), Integer(line.size()));
+    FListLengths.Insert(std::min(index, FListLengths.Count()), lengths);
     if (Memo)
-        Memo->RowInserted(index);
-    RawInsert(index, line); // its TLineProp is made when first needed
+        Memo->RowsInserted(index, int(rows.size()));
+    RawInsert(index, rows); // their TLineProps are made when first needed
 }
 
-void TAdvMemoStrings::DeleteRow(int index) {
+void TAdvMemoStrings::RemoveRows(int index, int count) {
+    TellRowsTouched(index);
     if (index < FListLengths.Count())
-        FListLengths.Delete(index);
-    const auto prop = TakeLineProp(index);
-    RawDelete(index);
+        FListLengths.Delete(index, count);
+    for (int i = 0; i < count; ++i)
+        (void)TakeLineProp(index + i);
+    if (Memo)
+        Memo->RowsRemoved(index, count);
+    RawDelete(index, count);
 }
 
 void TAdvMemoStrings::Delete(int index) {
     if (!Holds(index))
         return;
-    TellRowsTouched(index);
-    if (FDeleting || !Memo)
-        DeleteRow(index);
-    else
+    if (Memo)
         DeleteThroughMemo(index);
+    else
+        RemoveRows(index, 1);
 }
 
 void TAdvMemoStrings::DeleteThroughMemo(int index) {
-    FDeleting = true;
     if (const TLineProp* prop = Memo->CodeFolding() ? GetLineProp(index) : nullptr) {
         if (prop->FHasChildren)
             Memo->RemoveCodeFolding(index);
@@ -125,7 +132,6 @@ void TAdvMemoStrings::DeleteThroughMemo(int index) {
     Memo->MoveCaret(Memo->CaretX(), index);
     Memo->DeleteCaretLine();
     Memo->WriteCaret(x, y);
-    FDeleting = false;
 }
 
 void TAdvMemoStrings::Put(int index, const string& text) {

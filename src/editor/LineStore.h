@@ -38,7 +38,10 @@ public:
     /// Writes the lines as they are, wrapped ones with their cuts.
     void SaveToStream(QIODevice& stream) override;
 
-    void DoInsert(int index, const string& text);
+    void DoInsert(int index, const string& text) { InsertRows(index, {text}); }
+    /// Neither touches the caret or records an undo step. `count` rows must be there.
+    void InsertRows(int index, const std::vector<string>& lines);
+    void RemoveRows(int index, int count);
     /// Empties the store without destroying any TLineProp; they go to the caller.
     [[nodiscard]] TLineProps ClearStrings();
     /// Replaces all lines by `lines` with empty slots, telling nobody but OnChange.
@@ -67,7 +70,6 @@ private:
     [[nodiscard]] bool Holds(int index) const { return index >= 0 && index < Count(); }
     [[nodiscard]] string Detabbed(const string& text) const;
     void TellRowsTouched(int index);
-    void DeleteRow(int index);
     void DeleteThroughMemo(int index);
     void PlaceFolds(int index, TLineProp& prop) const;
     enum class ResetStates { No, Yes };
@@ -76,9 +78,8 @@ private:
     void MarkSaved();
 
     int FLockCount = 0;
-    bool FDeleting = false; // a Delete is running through the control
-    TLineProps FLinesProp;  // every TLineProp of this store
-    TIntList FListLengths;  // the length of each line
+    TLineProps FLinesProp; // every TLineProp of this store
+    TIntList FListLengths; // the length of each line
     bool FNoObjCreate = false;
 };
 

@@ -21,9 +21,10 @@ public:
     /// The text of row `index` or what precedes it changed: states that were computed for rows from there on
     /// are void, and so is what was remembered of the top row if it lies below.
     virtual void RowsTouched(int index) = 0;
-    /// A row was inserted before row `index`: bookmarks at and behind it move down.
-    virtual void RowInserted(int index) = 0;
-    /// Deletes the caret's line as the user would, with undo; comes back to the store's Delete.
+    /// Rows came before row `index`, or from it on went: what is kept by row number moves along.
+    virtual void RowsInserted(int index, int count) = 0;
+    virtual void RowsRemoved(int index, int count) = 0;
+    /// Deletes the caret's line as the user would, with undo; comes back to the store's RemoveRows.
     virtual void DeleteCaretLine() = 0;
 
     [[nodiscard]] virtual bool CodeFolding() const = 0;

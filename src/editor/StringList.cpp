@@ -54,17 +54,19 @@ int TStringList::RawAdd(const string& text, TLineObject* object) {
     return Count() - 1;
 }
 
-void TStringList::RawInsert(int index, const string& text) {
+void TStringList::RawInsert(int index, const std::vector<string>& lines) {
     CheckIndex(index, Count() + 1);
     Changing();
-    FItems.insert(FItems.begin() + index, {text, nullptr});
+    const auto at = FItems.insert(FItems.begin() + index, lines.size(), TItem());
+    for (size_t i = 0; i < lines.size(); ++i)
+        at[std::ptrdiff_t(i)].Text = lines[i];
     Changed();
 }
 
-void TStringList::RawDelete(int index) {
+void TStringList::RawDelete(int index, int count) {
     CheckIndex(index, Count());
     Changing();
-    FItems.erase(FItems.begin() + index);
+    FItems.erase(FItems.begin() + index, FItems.begin() + index + count);
     Changed();
 }
 
@@ -98,7 +100,7 @@ void TStringList::AddStrings(const TStringList& list) {
 }
 
 void TStringList::Insert(int index, const string& text) {
-    RawInsert(index, text);
+    RawInsert(index, {text});
 }
 
 void TStringList::Delete(int index) {

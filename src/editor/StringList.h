@@ -65,8 +65,8 @@ protected:
     void CheckIndex(int index, int end) const;
     /// The list operations themselves, with their events and nothing else.
     int RawAdd(const string& text, TLineObject* object);
-    void RawInsert(int index, const string& text);
-    void RawDelete(int index);
+    void RawInsert(int index, const std::vector<string>& lines);
+    void RawDelete(int index, int count = 1);
     void RawPut(int index, const string& text);
     void RawClear();
 

@@ -30,21 +30,24 @@ void TUndo::TakeEndOf(const TUndo& next) {
 void TUndo::Undo() {
     if (!Memo)
         return;
-    Memo->MoveToLine(FUndoCurY);
-    Memo->MoveToColumn(FUndoCurX);
+    MoveCaret(FUndoCurX, FUndoCurY);
     PerformUndo();
-    Memo->MoveToLine(FUndoCurY0);
-    Memo->MoveToColumn(FUndoCurX0);
+    MoveCaret(FUndoCurX0, FUndoCurY0);
 }
 
 void TUndo::Redo() {
     if (!Memo)
         return;
-    Memo->MoveToLine(FUndoCurY0);
-    Memo->MoveToColumn(FUndoCurX0);
+    MoveCaret(FUndoCurX0, FUndoCurY0 < 0 ? FUndoCurY : FUndoCurY0);
     PerformRedo();
-    Memo->MoveToLine(FUndoCurY);
-    Memo->MoveToColumn(FUndoCurX);
+    MoveCaret(FUndoCurX, FUndoCurY);
+}
+
+void TUndo::MoveCaret(int x, int y) {
+    if (y >= 0)
+        Memo->MoveToLine(y);
+    if (x >= 0)
+        Memo->MoveToColumn(x);
 }
 
 bool TInsertCharUndo::Append(const TUndo& next) {
@@ -141,7 +144,17 @@ void TDeleteCharUndo::PerformRedo() {
 
 void TDeleteLineUndo::PerformUndo() {
     Memo->ClearSelection();
-    Memo->InsertBuffer(FUndoText + "\r\n");
+    if (!FWasLast) {
+        Memo->InsertBuffer(FUndoText + "\r\n");
+        return;
+    }
+    if (FUndoCurY == 0) { // it was the only line; the caret has put an empty one in its place
+        Memo->InsertBuffer(FUndoText);
+        return;
+    }
+    Memo->MoveToLine(FUndoCurY - 1);
+    Memo->MoveToColumn(int(Memo->LineText(FUndoCurY - 1).size()));
+    Memo->InsertBuffer("\r\n" + FUndoText);
 }
 
 void TDeleteLineUndo::PerformRedo() {
@@ -157,19 +170,22 @@ void TSelUndo::SetSelection(const TSelectionRange& range) {
 
 void TDeleteBufUndo::PerformUndo() {
     Memo->ClearSelection();
-    Memo->InsertBuffer(FUndoText);
+    if (FBlock)
+        Memo->InsertColumns(FUndoText);
+    else
+        Memo->InsertBuffer(FUndoText);
     Memo->BeginSelectionUpdate();
-    Memo->TakeSelection(Selection());
+    Memo->TakeSelection(Selection(), FBlock);
     Memo->EndSelectionUpdate();
 }
 
 void TDeleteBufUndo::PerformRedo() {
-    Memo->TakeSelection(Selection());
+    Memo->TakeSelection(Selection(), FBlock);
     Memo->DeleteSelection();
 }
 
 void TPasteUndo::PerformUndo() {
-    Memo->TakeSelection({FUndoCurX0, FUndoCurY0, FUndoCurX, FUndoCurY});
+    Memo->TakeSelection({FUndoCurX0, FUndoCurY0, FUndoCurX, FUndoCurY}, /*block=*/false);
     Memo->DeleteSelection();
 }
 

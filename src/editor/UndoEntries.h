@@ -29,6 +29,9 @@ protected:
         return next.FUndoCurX0 == FUndoCurX && next.FUndoCurY0 == FUndoCurY;
     }
     void TakeEndOf(const TUndo& next);
+
+private:
+    void MoveCaret(int x, int y);
 };
 
 class TInsertCharUndo : public TUndo {
@@ -74,6 +77,7 @@ public:
 class TDeleteLineUndo : public TUndo {
 public:
     using TUndo::TUndo;
+    bool FWasLast = false; ///< no line stood behind it
     void PerformUndo() override;
     void PerformRedo() override;
 };
@@ -83,6 +87,7 @@ public:
     using TUndo::TUndo;
     int FUndoSelStartX = 0, FUndoSelStartY = 0;
     int FUndoSelEndX = 0, FUndoSelEndY = 0;
+    bool FBlock = false; ///< a rectangle; the text is one line per row
     [[nodiscard]] TSelectionRange Selection() const {
         return {FUndoSelStartX, FUndoSelStartY, FUndoSelEndX, FUndoSelEndY};
     }
@@ -123,7 +128,8 @@ public:
     int FSelRowFrom, FSelRowTo;
 };
 
-/// A line that the spell checker replaced. Undo and redo both swap.
+/// A line that the spell checker replaced. Undo and redo both swap. It has a row and no other positions;
+/// those of -1 leave the caret where it is.
 class TCorrectUndo : public TUndo {
 public:
     TCorrectUndo(int row, const string& text) : TUndo(-1, -1, -1, -1, text) { FUndoCurY = row; }

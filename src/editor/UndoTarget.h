@@ -33,10 +33,12 @@ public:
     virtual void DeleteLine() = 0;
     /// Puts a block in at the caret, like a paste.
     virtual void InsertBuffer(const string& text) = 0;
+    /// Puts each line of a block in at the caret's column.
+    virtual void InsertColumns(const string& text) = 0;
     virtual void BlockIndent(int rowFrom, int rowTo, int indent) = 0;
 
     virtual void ClearSelection() = 0;
-    virtual void TakeSelection(const TSelectionRange& range) = 0;
+    virtual void TakeSelection(const TSelectionRange& range, bool block) = 0;
     virtual void DeleteSelection() = 0;
     virtual void BeginSelectionUpdate() = 0;
     virtual void EndSelectionUpdate() = 0;
