@@ -62,6 +62,10 @@ void TAdvCustomMemo::SetText(const string& text) {
     Activate();
     Lines().SetText(text);
     ClearUndoRedo();
+    int longest = 0;
+    for (int row = 0; row < Lines().Count(); ++row)
+        longest = std::max(longest, LineLength(row));
+    FScroll.SetMaxLength(longest);
     UpdateWrap();
     FFolding.AutoCodeFold();
     RefreshControl();
