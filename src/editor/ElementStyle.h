@@ -2,6 +2,7 @@
 // The parts of a language as data: keyword groups, bracket pairs, symbol sets and comment markers, each
 // with its look.
 #include "base/Text.h"
+#include "editor/MemoFont.h"
 
 #include <QSet>
 #include <QStringList>
@@ -11,20 +12,9 @@
 
 enum TStyleType { stKeyword, stBracket, stSymbol, stComment };
 
-enum TFontStyle : unsigned { fsBold = 1, fsItalic = 2, fsUnderline = 4, fsStrikeOut = 8 };
-using TFontStyles = unsigned; ///< a set of TFontStyle
-
 inline constexpr TColor clNone = 536870911; ///< no colour of its own
 inline constexpr TColor clBlack = 0;
 inline constexpr TColor clWhite = 0xFFFFFF;
-
-struct TMemoFont {
-    TFontName Name = "Courier New";
-    int Size = 8; ///< points
-    TFontStyles Style = 0;
-    TColor Color = clBlack;
-    bool operator==(const TMemoFont&) const = default;
-};
 
 /// A look without a typeface. A background of clNone is the control's own.
 struct TCharStyle {

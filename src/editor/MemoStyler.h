@@ -1,6 +1,7 @@
 #pragma once
 // TAdvCustomMemoStyler: a language, described as data.
 #include "base/Component.h"
+#include "editor/CompletionSettings.h"
 #include "editor/ElementStyle.h"
 
 class TAdvCustomMemoStyler : public TComponent {
@@ -15,7 +16,8 @@ public:
     TCharStyle FCommentStyle{12632256, clWhite, fsItalic}; ///< silver
     TCharStyle FNumberStyle{8388608, clWhite, fsBold};     ///< navy
     TCharStyle FHighlightStyle{clWhite, 255, fsBold};      ///< on red
-    QStringList FlistAuto;                                 ///< the completion list
+    TCompletionList FlistAuto;                             ///< the completion list
+    THintParameter FHintParameter;
     string FNumericChars = "+-.0123456789";
     string FHexIdentifier;
     string FBlockStart, FBlockEnd; ///< markers of a code block

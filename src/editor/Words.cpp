@@ -38,11 +38,11 @@ string TMemoWords::WordTillCursor() const {
 }
 
 string TMemoWords::FullWordAtCursor() const {
-    const string line = FMemo.LineText(FMemo.Caret().Y());
-    int from = 0, to = 0;
-    Bounds(
-        line, FMemo.Caret().X(), [](QChar c) { return c == u' '; }, from, to);
-    return line.mid(from, to - from);
+    const string line = FMemo.LineText(FMemo.Caret().Y()).left(FMemo.Caret().X());
+    qsizetype from = line.size();
+    while (from > 0 && (line[from - 1] == u'.' || !FMemo.Rules().IsWordBreakChar(line[from - 1])))
+        --from;
+    return line.mid(from);
 }
 
 string TMemoWords::Delimiters() const {

@@ -12,7 +12,7 @@ public:
     [[nodiscard]] string WordAtCursor() const;
     /// Its part left of the caret.
     [[nodiscard]] string WordTillCursor() const;
-    /// Up to blanks on both sides.
+    /// The chain of words and class delimiters that ends at the caret, such as "a.b.".
     [[nodiscard]] string FullWordAtCursor() const;
     /// The word around a place.
     [[nodiscard]] string TokenAtXY(int x, int y) const;

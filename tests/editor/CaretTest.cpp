@@ -252,7 +252,7 @@ TEST(Words, PlacesAndWords) {
     TAdvJSMemoStyler styler;
     editor.Styled(styler);
     EXPECT_EQ(editor.Memo.Words().WordAtCursor(), "bar");
-    EXPECT_EQ(editor.Memo.Words().FullWordAtCursor(), "foo.bar(1)");
+    EXPECT_EQ(editor.Memo.Words().FullWordAtCursor(), "foo.bar");
     EXPECT_EQ(editor.Memo.Words().TokenAtXY(9, 0), "foo");
     editor.At(10, 0);
     EXPECT_EQ(editor.Memo.Words().WordTillCursor(), "fo");
