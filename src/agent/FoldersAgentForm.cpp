@@ -84,6 +84,7 @@ void TfrmFoldersAgent::StartWatch(const string& path) {
     watch->SetOnChange([this](TFolderWatch& sender) { FolderChanged(sender); });
     watch->SetNotifyFilters(TFolderWatch::nfLastWrite);
     watch->SetActive(/*active=*/true);
+    FolderChanged(*watch); // a write between the first reading and the watch's begin would be missed
 }
 
 void TfrmFoldersAgent::FormDestroy() {

@@ -9,6 +9,7 @@
 
 std::shared_ptr<TWatchThread> TWatchThread::Start(TWatchOrder order) {
     std::shared_ptr<TWatchThread> watch(new TWatchThread(std::move(order)));
+    watch->FFirst = watch->Open(); // by the maker, so that no change after this call is missed
     std::thread([watch] { watch->Run(); }).detach();
     return watch;
 }
@@ -46,14 +47,17 @@ void TWatchThread::Run() noexcept {
 }
 
 void TWatchThread::Execute() {
-    while (!Terminated()) {
-        const auto changes = FOrder.Open(Directory(), FOrder.Subtree, FOrder.Filters);
+    for (auto changes = std::move(FFirst); !Terminated(); changes = Open()) {
         if (changes)
             WaitLoop(*changes);
         else // nothing to wait for until there is another folder, or the end
             [[maybe_unused]]
             const bool broken = WaitForSingleObject(FBreakEvent, WaitForever);
     }
+}
+
+std::unique_ptr<TChangeNotification> TWatchThread::Open() {
+    return FOrder.Open(Directory(), FOrder.Subtree, FOrder.Filters);
 }
 
 void TWatchThread::WaitLoop(TChangeNotification& changes) {

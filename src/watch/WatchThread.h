@@ -25,7 +25,7 @@ public:
     static constexpr int BurstMs = 10;  ///< changes closer than this are one
     static constexpr int DrainMs = 100; ///< quiet that ends a series of changes of directory
 
-    /// Starts the thread, at the lowest priority.
+    /// Starts the thread, at the lowest priority; the folder is watched when this returns.
     [[nodiscard]] static std::shared_ptr<TWatchThread> Start(TWatchOrder order);
 
     /// Watches another folder from now on; the same one changes nothing.
@@ -40,11 +40,13 @@ private:
     void Execute();
     void WaitLoop(TChangeNotification& changes);
     void Drain();
+    [[nodiscard]] std::unique_ptr<TChangeNotification> Open();
     [[nodiscard]] string Directory();
     [[nodiscard]] bool Terminated() const { return FTerminated.load(std::memory_order_relaxed); }
 
     TWatchOrder FOrder; ///< Directory changes under FLock, the rest never
     std::mutex FLock;
+    std::unique_ptr<TChangeNotification> FFirst; ///< the thread's from its start on
     TEvent FBreakEvent;
     std::atomic<bool> FTerminated = false;
     std::atomic<bool> FFinished = false; ///< the thread's last word

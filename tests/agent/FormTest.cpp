@@ -178,7 +178,11 @@ TEST_F(FormTest, CommandsReachTheFoldersThreadUntilItHasGone) {
 
 TEST_F(FormTest, AWriteInTheConfigurationFolderRaisesTheFlag) {
     const TfrmFoldersAgent form({FClock, FFiles});
+    EXPECT_TRUE(form.FoldersThread()->FDirChanged); // what came while the form was made is looked for
+    FWorkspace.Write("c/actions.xml", "<ActionManager/>");
+    FWorkspace.Write("c/watchedfolders.xml", "<WatchedFolder/>");
     DeliverFor(50);
+    FClock.Play(1);
     EXPECT_FALSE(form.FoldersThread()->FDirChanged);
     FWorkspace.Write("c/actions.xml", "<ActionManager/>");
     EXPECT_TRUE(DeliverUntil([&] { return form.FoldersThread()->FDirChanged.load(); }));

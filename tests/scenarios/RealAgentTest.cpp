@@ -1,46 +1,9 @@
 // The real program: it runs without a display, stops in order, and can be killed at any instant.
+#include "scenarios/RealAgent.h"
 #include "scenarios/Conservation.h"
 #include "scenarios/PlayedAgent.h"
 
-#include <QElapsedTimer>
 #include <QRandomGenerator>
-
-namespace {
-
-/// The agent as a user starts it, but for its settings.
-class TRealAgent {
-public:
-    explicit TRealAgent(const string& settings) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY"})
-            environment.remove(name);
-        environment.insert("XDG_CONFIG_HOME", settings);
-        environment.insert("XDG_RUNTIME_DIR", settings);
-        FProcess.setProcessEnvironment(environment);
-        FProcess.start(MORVANE_AGENT, QStringList());
-        EXPECT_TRUE(FProcess.waitForStarted());
-    }
-    ~TRealAgent() { Kill(); }
-    void Kill() {
-        FProcess.kill();
-        FProcess.waitForFinished();
-    }
-    QProcess FProcess;
-};
-
-/// Looks every few milliseconds until it is so; false after a minute.
-bool Eventually(const std::function<bool()>& isSo) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!isSo()) {
-        if (timer.elapsed() > 60'000)
-            return false;
-        ::usleep(2000);
-    }
-    return true;
-}
-
-} // namespace
 
 TEST(RealAgent, WorksAndStopsOnSigterm) {
     const TConfiguredWorkspace workspace;

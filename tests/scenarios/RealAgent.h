@@ -1,0 +1,46 @@
+#pragma once
+// The real program, as a user starts it.
+#include "testing/Workspace.h"
+
+#include <QElapsedTimer>
+
+#include <functional>
+#include <unistd.h>
+
+/// The agent as a user starts it, but for its settings.
+class TRealAgent {
+public:
+    /// Whether it is started with the display that the test itself has.
+    enum class TDisplay { None, OfTest };
+
+    explicit TRealAgent(const string& settings, TDisplay display = TDisplay::None) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove("WAYLAND_DISPLAY");
+        environment.remove("QT_QPA_PLATFORM");
+        if (display == TDisplay::None)
+            environment.remove("DISPLAY");
+        environment.insert("XDG_CONFIG_HOME", settings);
+        environment.insert("XDG_RUNTIME_DIR", settings);
+        FProcess.setProcessEnvironment(environment);
+        FProcess.start(MORVANE_AGENT, QStringList());
+        EXPECT_TRUE(FProcess.waitForStarted());
+    }
+    ~TRealAgent() { Kill(); }
+    void Kill() {
+        FProcess.kill();
+        FProcess.waitForFinished();
+    }
+    QProcess FProcess;
+};
+
+/// Looks every few milliseconds until it is so; false after a minute.
+inline bool Eventually(const std::function<bool()>& isSo) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!isSo()) {
+        if (timer.elapsed() > 60'000)
+            return false;
+        ::usleep(2000);
+    }
+    return true;
+}
