@@ -1,5 +1,6 @@
 // How long clients of the control pipe wait for their answer: many "check" calls from parallel clients, each
 // call a connection of its own, as a script would make it.
+//   bench_pipe [CALLS [CLIENTS [agent]]]    with "agent" the agent that runs is asked, whatever it is doing
 #include "agent/ControlPipe.h"
 #include "agent/NamedPipeThread.h"
 #include "platform/NamedPipe.h"
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -62,9 +64,13 @@ bool WaitForServer() {
 int main(int argc, char** argv) {
     const int calls = argc > 1 ? std::max(1, std::atoi(argv[1])) : 10'000;
     const int clients = argc > 2 ? std::max(1, std::atoi(argv[2])) : 20;
+    const bool askAgent = argc > 3 && QLatin1String(argv[3]) == QLatin1String("agent");
     const QTemporaryDir folder;
-    qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
-    const TNamedPipeThread server(nullptr);
+    std::optional<TNamedPipeThread> server;
+    if (!askAgent) {
+        qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
+        server.emplace(nullptr);
+    }
     if (!WaitForServer())
         return EXIT_FAILURE;
 
