@@ -3,13 +3,14 @@
 // name selects a method of the script document, and that method's parameter names select the action's
 // members (actions/Binding.h).
 #include "base/Component.h"
+#include "xml/XmlMarks.h"
 
 class TZQPDFDocument;
 
 class TPDFAction : public TComponent {
     Q_OBJECT
-    Q_CLASSINFO("XmlRoot", "Action,true")
-    Q_CLASSINFO("XmlPlaceholder", "TPDFUnknownAction")
+    XML_ROOT("Action", true)
+    XML_PLACEHOLDER("TPDFUnknownAction")
 public:
     Q_INVOKABLE TPDFAction();
 

@@ -27,8 +27,8 @@ using TPDFActionListFiles = QList<TPDFActionListFile>;
 
 class TPDFActionList : public QObject {
     Q_OBJECT
-    Q_CLASSINFO("XmlRoot", "ActionList,false")
-    Q_CLASSINFO("XmlElement.Actions", "Actions,Action")
+    XML_ROOT("ActionList", false)
+    XML_ELEMENT(Actions, "Actions", "Action")
 public:
     Q_INVOKABLE TPDFActionList();
     ~TPDFActionList() override;

@@ -5,8 +5,8 @@
 /// One thread at a time. Two names are the same if they differ at most in the case of A to Z.
 class TPDFActionManager : public QObject {
     Q_OBJECT
-    Q_CLASSINFO("XmlRoot", "ActionManager,false")
-    Q_CLASSINFO("XmlElement.ManagerActions", "ManagerActions,ActionList")
+    XML_ROOT("ActionManager", false)
+    XML_ELEMENT(ManagerActions, "ManagerActions", "ActionList")
     Q_PROPERTY(TPDFActionLists* ManagerActions READ ManagerActions CONSTANT)
     Q_PROPERTY(int Count READ Count STORED false)
 public:

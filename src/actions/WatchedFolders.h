@@ -1,6 +1,6 @@
 #pragma once
 // TPDFWatchedFolders: the configured folders, as `watchedfolders.xml` holds them.
-#include "base/Reflection.h"
+#include "xml/XmlMarks.h"
 
 #include <QList>
 
@@ -20,8 +20,8 @@ using TPDFWatchedFolderList = QList<TPDFWatchedFolder>;
 
 class TPDFWatchedFolders : public QObject {
     Q_OBJECT
-    Q_CLASSINFO("XmlRoot", "WatchedFolder,true") // singular, though the class holds many
-    Q_CLASSINFO("XmlElement.Folders", "Folders,Folder")
+    XML_ROOT("WatchedFolder", true) // singular, though the class holds many
+    XML_ELEMENT(Folders, "Folders", "Folder")
 public:
     PUBLISHED(TPDFWatchedFolderList, Folders, FFolders);
 

@@ -4,51 +4,44 @@
 #include "base/Journal.h"
 #include "base/Paths.h"
 
+#include <QScopeGuard>
+
 #include <limits>
 
 TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost host)
-    : FHost(host), FconfigPath(ConfigPath),
+    : TWorkerThread("folders"), FHost(host), FconfigPath(ConfigPath),
       FFoldersFile(ConfigPath + "watchedfolders.xml",
                    [this](const string& path) { FWatchedFolders.Load(path); }),
       FActionsFile(ConfigPath + "actions.xml", [this](const string& path) { FActionManager.Load(path); }),
-      FPass(host, [this] { return FTerminated.load(std::memory_order_relaxed); }),
-      FThread([this] { Execute(); }) {}
+      FPass(host, [this] { return Terminated(); }) {
+    Start();
+}
 
 TWatchedFoldersThread::~TWatchedFoldersThread() {
-    Terminate();
-    WaitFor();
+    Stop();
 }
 
 void TWatchedFoldersThread::Terminate() {
-    FTerminated.store(true, std::memory_order_relaxed);
+    TWorkerThread::Terminate();
     FHost.Clock.Wake();
-}
-
-void TWatchedFoldersThread::WaitFor() {
-    if (FThread.joinable())
-        FThread.join();
 }
 
 /// An exception outside a pass ends the thread quietly: no folder is served any more, and the journal says
 /// why.
 void TWatchedFoldersThread::Execute() {
-    try {
-        Start();
-        while (!FTerminated.load(std::memory_order_relaxed)) {
-            FHost.Clock.WaitTick();
-            if (!FTerminated.load(std::memory_order_relaxed))
-                Tick();
-        }
-    } catch (const std::exception& e) {
-        JournalLine(QStringLiteral("No folder is served any more: %1").arg(MessageOf(e)));
-    } catch (...) {
-        JournalLine(QStringLiteral("No folder is served any more: unknown failure."));
+    const auto cleared = qScopeGuard([this] {
+        FWatchedFolders.Clear();
+        FActionManager.Clear();
+    });
+    Prepare();
+    while (!Terminated()) {
+        FHost.Clock.WaitTick();
+        if (!Terminated())
+            Tick();
     }
-    FWatchedFolders.Clear();
-    FActionManager.Clear();
 }
 
-void TWatchedFoldersThread::Start() {
+void TWatchedFoldersThread::Prepare() {
     FFoldersFile.LoadFirst();
     FActionsFile.LoadFirst();
     ForceDirectories(FconfigPath + "logs");

@@ -6,22 +6,19 @@
 #include "agent/ConfigurationFile.h"
 #include "agent/FolderPass.h"
 #include "agent/RunHost.h"
+#include "platform/WorkerThread.h"
 
 #include <atomic>
-#include <thread>
 
-class TWatchedFoldersThread {
+class TWatchedFoldersThread final : public TWorkerThread {
 public:
     /// Runs from here on. `ConfigPath` ends with a delimiter; `host` must outlive the thread.
     TWatchedFoldersThread(const string& ConfigPath, TRunHost host);
     /// Terminates and waits.
-    ~TWatchedFoldersThread();
-    TWatchedFoldersThread(const TWatchedFoldersThread&) = delete;
-    TWatchedFoldersThread& operator=(const TWatchedFoldersThread&) = delete;
+    ~TWatchedFoldersThread() override;
 
-    /// Asks the thread to end: it does so between files and between actions.
-    void Terminate();
-    void WaitFor();
+    /// The thread ends between files and between actions.
+    void Terminate() override;
 
     // Raised by other threads, consumed between passes; no order among them is promised.
     std::atomic<bool> FDirChanged = false;     ///< something was written in the configuration folder
@@ -29,8 +26,8 @@ public:
     std::atomic<bool> FRefreshActions = false; ///< the same for `actions.xml`
 
 private:
-    void Execute();
-    void Start();
+    void Execute() override;
+    void Prepare();
     void Tick();
     void LookForChanges();
     void Refresh();
@@ -46,6 +43,4 @@ private:
     TConfigurationFile FFoldersFile;
     TConfigurationFile FActionsFile;
     TFolderPass FPass;
-    std::atomic<bool> FTerminated = false;
-    std::thread FThread;
 };
