@@ -15,6 +15,7 @@ constexpr size_t MaxDepth = 2000; // the library's copying calls itself for each
 bool ShallowEnough(const std::vector<QPDFObjectHandle>& roots) {
     std::unordered_set<quint64> seen;
     std::vector<std::pair<QPDFObjectHandle, size_t>> waiting;
+    waiting.reserve(roots.size());
     for (const QPDFObjectHandle& root : roots)
         waiting.emplace_back(root, 0);
     while (!waiting.empty()) {

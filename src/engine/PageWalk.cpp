@@ -49,12 +49,12 @@ private:
                 return; // a node without kids
         }
         if (node)
-            Enter(kid, std::move(inherited));
+            Enter(kid, inherited);
         else
             AddPage(kid, std::move(inherited));
     }
 
-    void Enter(QPDFObjectHandle node, TInheritedPtr inherited) {
+    void Enter(QPDFObjectHandle node, const TInheritedPtr& inherited) {
         QPDFObjectHandle kids = Entry(node, "/Kids");
         const bool again = node.isIndirect() && !FSeen.insert(KeyOf(node)).second;
         if (again || FStack.size() >= MaxDepth)

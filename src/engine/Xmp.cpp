@@ -39,7 +39,7 @@ const xmlChar* X(const char* text) {
 }
 
 bool Is(const xmlNode* node, const char* ns, const char* name) {
-    return node->type == XML_ELEMENT_NODE && node->ns && xmlStrEqual(node->ns->href, X(ns)) != 0 &&
+    return node->type == XML_ELEMENT_NODE && node->ns != nullptr && xmlStrEqual(node->ns->href, X(ns)) != 0 &&
            xmlStrEqual(node->name, X(name)) != 0;
 }
 
