@@ -67,6 +67,7 @@ void TAdvUndoList::Redo() {
 void TAdvUndoList::Clear() {
     FEntries.clear();
     FPos = 0;
+    FIsPerforming = false; // an empty history is whole, whatever broke off before
     TellChange();
 }
 
