@@ -43,9 +43,9 @@ Kind KindOf(QMetaType type) {
         return Kind::Text;
     if (type == QMetaType::fromType<TColor>() || type == QMetaType::fromType<ARGB>())
         return Kind::Color;
-    if (type.flags() & QMetaType::IsEnumeration)
+    if (type.flags().testFlag(QMetaType::IsEnumeration))
         return Kind::Enumeration;
-    if (type.flags() & QMetaType::PointerToQObject)
+    if (type.flags().testFlag(QMetaType::PointerToQObject))
         return Kind::Object;
     return Kind::Other;
 }
@@ -141,7 +141,7 @@ std::optional<QVariant> ToFloat(const QVariant& value, Kind from, QMetaType targ
     const double d = value.toDouble();
     if (target.id() == QMetaType::Double)
         return d;
-    const float f = float(d);
+    const auto f = float(d);
     if (std::isinf(f) && !std::isinf(d))
         return std::nullopt;
     return f;
@@ -190,7 +190,7 @@ std::optional<QVariant> ToEnumeration(const QVariant& value, Kind from, QMetaTyp
         key = int(*whole);
     }
     QVariant result(target);
-    const quint64 bits = quint64(key);
+    const auto bits = quint64(key);
     std::memcpy(result.data(), &bits, size_t(target.sizeOf()));
     return result;
 }

@@ -9,7 +9,7 @@ class Exception : public std::exception {
 public:
     explicit Exception(const string& message) : FMessage(message), FNarrow(Narrow(message)) {}
     [[nodiscard]] const string& Message() const { return FMessage; }
-    const char* what() const noexcept override { return FNarrow.constData(); }
+    [[nodiscard]] const char* what() const noexcept override { return FNarrow.constData(); }
 
 private:
     string FMessage;

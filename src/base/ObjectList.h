@@ -26,8 +26,9 @@ template <class T> class TObjectList : public TObjectListBase {
 public:
     [[nodiscard]] const QMetaObject& ItemClass() const override { return T::staticMetaObject; }
     [[nodiscard]] T* operator[](int index) const { return static_cast<T*>(ItemAt(index)); }
-    T* Add(std::unique_ptr<T> item) {
-        T* added = item.get();
+    template <class TItem> TItem* Add(std::unique_ptr<TItem> item) {
+        static_assert(std::is_base_of_v<T, TItem>);
+        TItem* added = item.get();
         Append(std::move(item));
         return added;
     }

@@ -7,8 +7,8 @@
 namespace Reflection {
 namespace {
 
-const QList<const QMetaObject*> Chain(const QMetaObject& type) // most derived first, without QObject
-{
+/// Most derived first, without QObject.
+QList<const QMetaObject*> Chain(const QMetaObject& type) {
     QList<const QMetaObject*> chain;
     for (const QMetaObject* t = &type; t != nullptr && t != &QObject::staticMetaObject; t = t->superClass())
         chain.append(t);
@@ -74,7 +74,7 @@ QList<QMetaMethod> Methods(const QMetaObject& type) {
     QList<QMetaMethod> methods;
     for (int i = first; i < type.methodCount(); ++i)
         if (const QMetaMethod method = type.method(i);
-            method.methodType() != QMetaMethod::Signal && !(method.attributes() & QMetaMethod::Cloned))
+            method.methodType() != QMetaMethod::Signal && (method.attributes() & QMetaMethod::Cloned) == 0)
             methods.append(method);
     return methods;
 }
@@ -114,6 +114,10 @@ QObject* Construct(const QMetaObject& type, const QVariantList& arguments) {
 string ClassInfo(const QMetaObject& type, const char* key) {
     const int index = type.indexOfClassInfo(key);
     return index < 0 ? string() : QString::fromUtf8(type.classInfo(index).value());
+}
+
+string OwnClassInfo(const QMetaObject& type, const char* key) {
+    return type.indexOfClassInfo(key) < type.classInfoOffset() ? string() : ClassInfo(type, key);
 }
 
 void RegisterClass(const QMetaObject& type) {

@@ -44,6 +44,8 @@ QVariant Call(QObject& object, const QMetaMethod& method, const QVariantList& ar
 
 /// A Q_CLASSINFO of the class or the nearest base that has it; null text if none does.
 [[nodiscard]] string ClassInfo(const QMetaObject& type, const char* key);
+/// The same of the class itself, without its bases.
+[[nodiscard]] string OwnClassInfo(const QMetaObject& type, const char* key);
 
 /// The classes that can be found by name. Filled by explicit lists when the program starts: what registers
 /// itself from a static object is lost when its library is linked.

@@ -28,12 +28,10 @@ public:
         FCode.reset(pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern.utf16()), PCRE2_SIZE(pattern.size()),
                                   PCRE2_CASELESS | PCRE2_UTF, &error, &offset, nullptr));
         if (FCode == nullptr)
-            throw Exception(
+            throw ENameError(
                 QStringLiteral("No free name can be formed: the path gives the regular expression "
                                "\"%1\", which is not valid at offset %2: %3")
-                    .arg(pattern)
-                    .arg(offset)
-                    .arg(EngineMessage(error)));
+                    .arg(pattern, QString::number(offset), EngineMessage(error)));
         FMatch.reset(pcre2_match_data_create_from_pattern(FCode.get(), nullptr));
     }
 
@@ -44,7 +42,7 @@ public:
         if (found == PCRE2_ERROR_NOMATCH)
             return std::nullopt;
         if (found < 0)
-            throw Exception(
+            throw ENameError(
                 QStringLiteral("No free name can be formed for \"%1\": %2").arg(text, EngineMessage(found)));
         const PCRE2_SIZE* ends = pcre2_get_ovector_pointer(FMatch.get());
         if (found < 2 || ends[2] == PCRE2_UNSET)

@@ -2,8 +2,9 @@
 // A PDF document: opened, changed, saved. Changes are kept as small records of our own while a document is
 // worked on; PDF objects are made from them when it is saved.
 //
-// One thread at a time may use a document. Everything raises EPDFError or EFileError with a text that names
-// the file, page or object concerned.
+// One thread at a time may use a document. Its pages, page tree and attachments are those of the file it is
+// on: references to them are good until another file is opened or the bulk is released. Everything raises
+// EPDFError or EFileError with a text that names the file, page or object concerned.
 #include "base/Component.h"
 #include "engine/Errors.h"
 #include "engine/PageTree.h"

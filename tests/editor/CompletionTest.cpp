@@ -217,6 +217,7 @@ TEST(Completion, FilteringCutsEntriesBehindTheirDot) {
     EXPECT_THAT(editor.Offered(), ElementsAre("Document."));
     editor.Type("c"); // nothing is left of "Document." to be found
     EXPECT_THAT(editor.Offered(), ElementsAre());
+    editor.Type("\x1b");
     editor.Given("x'do|'");
     editor.Key(keySpace, ssCtrl);
     ASSERT_TRUE(editor.Completion.IsOpen());

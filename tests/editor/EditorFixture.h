@@ -59,7 +59,7 @@ struct TEditor {
     [[nodiscard]] std::string Lines() const {
         std::string text;
         for (int i = 0; i < Memo.Lines().Count(); ++i)
-            text += (i ? "\n" : "") + Memo.Lines()[i].toStdString();
+            text.append(i ? "\n" : "").append(Memo.Lines()[i].toStdString());
         return text;
     }
     /// The text with the bar.
@@ -69,7 +69,7 @@ struct TEditor {
             QString line = Memo.Lines()[i];
             if (i == Memo.Caret().Y())
                 line.insert(Memo.Caret().X(), '|');
-            text += (i ? "\n" : "") + line.toStdString();
+            text.append(i ? "\n" : "").append(line.toStdString());
         }
         return text;
     }

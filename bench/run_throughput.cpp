@@ -1,0 +1,187 @@
+// How fast a pass is: 1,000 small files through one folder with one rotate action, against a shell loop over
+// the qpdf program doing the same, and a document of 10,000 pages against qpdf doing only a copy.
+//
+//     run_throughput [--rounds N]
+//
+// The two sides of each comparison take turns in one run; medians are printed. "without sync" leaves out the
+// waits for the disk, which the loop doesn't do either.
+#include "actions/ActionClasses.h"
+#include "agent/FoldersThread.h"
+#include "base/PartFile.h"
+#include "engine/Document.h"
+#include "testing/PlayedHost.h"
+#include "testing/SamplePdf.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int SmallFiles = 1000;
+constexpr int ManyPages = 10'000;
+
+struct TFigure {
+    double Seconds = 0;
+    double CpuSeconds =
+        0; // of the side and the processes it started: steadier than the clock on a shared machine
+    double PeakMiB = 0; // largest process of the side
+};
+
+/// Runs one side in a process of its own, so that its peak memory is its own.
+template <class TWork> TFigure Measure(TWork work) {
+    const auto begin = std::chrono::steady_clock::now();
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work();
+        std::_Exit(0);
+    }
+    int status = 0;
+    struct rusage usage {};
+    ::wait4(child, &status, 0, &usage);
+    if (status != 0)
+        std::fprintf(stderr, "a side ended with status %d\n", status);
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+    const auto secondsOf = [](const timeval& time) {
+        return double(time.tv_sec) + 1e-6 * double(time.tv_usec);
+    };
+    return {seconds.count(), secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime),
+            double(usage.ru_maxrss) / 1024};
+}
+
+double Median(QList<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+void Shell(const QString& script) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start("/bin/sh", {"-c", script});
+    process.waitForFinished(-1);
+}
+
+void WriteText(const QString& path, const QByteArray& text) {
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(text);
+}
+
+void FillFolder(const QString& samples, const QString& folder) {
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+    Shell("cp " + samples + "/*.pdf " + folder);
+}
+
+void RunPass(const QString& root, FileSync sync) {
+    SetFileSync(sync);
+    RegisterActionClasses();
+    TPlayedClock clock;
+    TPlainFiles files;
+    TNotedHint hint;
+    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint});
+    clock.Play(1);
+}
+
+void SmallFilesBench(const QString& root, int rounds) {
+    QDir().mkpath(root + "/samples");
+    QDir().mkpath(root + "/c");
+    for (int i = 0; i < SmallFiles; ++i)
+        MakePdf(QStringLiteral("%1/samples/file %2.pdf").arg(root, QString::number(i)), 1 + i % 3);
+    const QString folder = root + "/in";
+    WriteText(root + "/c/watchedfolders.xml",
+              "<WatchedFolder><Folders><Folder><Name>" + folder.toUtf8() +
+                  "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery><Action>r</Action></Folder>"
+                  "</Folders></WatchedFolder>");
+    WriteText(
+        root + "/c/actions.xml",
+        "<ActionManager><ManagerActions><ActionList><Name>r</Name><Actions>"
+        "<Action Class=\"TPDFActionRotatePages\"/></Actions></ActionList></ManagerActions></ActionManager>");
+
+    QList<double> unsynced, synced, loop, ratios, ownCpu, loopCpu;
+    double ownPeak = 0;
+    for (int round = 0; round < rounds; ++round) {
+        FillFolder(root + "/samples", folder);
+        const TFigure own = Measure([&] { RunPass(root, FileSync::Off); });
+        FillFolder(root + "/samples", folder);
+        const TFigure shell = Measure([&] {
+            Shell("cd " + folder +
+                  " && mkdir output process && for f in *.pdf; do "
+                  "qpdf --rotate=+90 \"$f\" \"output/$f\" && cp \"$f\" \"process/$f\" && rm \"$f\"; done");
+        });
+        FillFolder(root + "/samples", folder);
+        const TFigure durable = Measure([&] { RunPass(root, FileSync::On); });
+        const auto done = QDir(folder + "/output").entryList(QDir::Files).size();
+        if (done != SmallFiles)
+            std::fprintf(stderr, "only %lld results\n", static_cast<long long>(done));
+        unsynced.append(own.Seconds);
+        loop.append(shell.Seconds);
+        synced.append(durable.Seconds);
+        ratios.append(shell.Seconds / own.Seconds);
+        ownCpu.append(own.CpuSeconds);
+        loopCpu.append(shell.CpuSeconds);
+        ownPeak = std::max(ownPeak, own.PeakMiB);
+    }
+    std::printf("%d files of 1 to 3 pages, one rotate action, %d rounds, medians\n", SmallFiles, rounds);
+    const auto row = [](const char* name, double seconds) {
+        std::printf("  %-18s %8.0f files/s", name, SmallFiles / seconds);
+    };
+    row("pass without sync", Median(unsynced));
+    std::printf("   CPU %.0f us a file   peak %.1f MiB\n", 1e6 * Median(ownCpu) / SmallFiles, ownPeak);
+    row("pass with sync", Median(synced));
+    row("\n  shell loop, qpdf", Median(loop));
+    std::printf("   CPU %.0f us a file   the pass without sync is %.1f times as fast\n",
+                1e6 * Median(loopCpu) / SmallFiles, Median(ratios));
+}
+
+void LargeFileBench(const QString& root, int rounds) {
+    const QString source = root + "/large.pdf";
+    MakePdf(source, ManyPages);
+    QList<double> own, copy, ratios;
+    double ownPeak = 0, copyPeak = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const TFigure a = Measure([&] {
+            SetFileSync(FileSync::Off);
+            TZQPDFDocument document(nullptr);
+            document.OpenFromFile(source, {});
+            document.RotatePages({}, 90);
+            document.SaveToPath(root + "/own.pdf", /*keepSource=*/true, /*takeName=*/false);
+        });
+        const TFigure b = Measure([&] {
+            ::execlp("qpdf", "qpdf", source.toUtf8().constData(), (root + "/copy.pdf").toUtf8().constData(),
+                     nullptr);
+        });
+        own.append(a.Seconds);
+        copy.append(b.Seconds);
+        ratios.append(a.Seconds / b.Seconds);
+        ownPeak = std::max(ownPeak, a.PeakMiB);
+        copyPeak = std::max(copyPeak, b.PeakMiB);
+    }
+    std::printf("%d pages, %d rounds, medians\n", ManyPages, rounds);
+    std::printf("  open, rotate all, save  %6.0f ms   peak %.1f MiB\n", 1000 * Median(own), ownPeak);
+    std::printf("  qpdf, plain copy        %6.0f ms   peak %.1f MiB   ratio %.2f\n", 1000 * Median(copy),
+                copyPeak, Median(ratios));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const qsizetype at = arguments.indexOf("--rounds");
+    const int rounds = at > 0 ? std::max(1, arguments.value(at + 1).toInt()) : 5;
+    const QTemporaryDir root;
+    SmallFilesBench(root.path(), rounds);
+    LargeFileBench(root.path(), rounds);
+    return 0;
+}

@@ -1,0 +1,6 @@
+#include "actions/ActionDocument.h"
+
+TJSPDFDocument& ActionDocument() {
+    static TJSPDFDocument document;
+    return document;
+}

@@ -1,0 +1,7 @@
+#include "actions/UnknownAction.h"
+
+#include "base/Exceptions.h"
+
+Cardinal TPDFUnknownAction::Execute(TZQPDFDocument&) {
+    throw Exception(QStringLiteral("Unknown action class \"%1\".").arg(FClassName));
+}

@@ -1,0 +1,41 @@
+#pragma once
+// TPDFWatchedFolders: the configured folders, as `watchedfolders.xml` holds them.
+#include "xml/XmlMarks.h"
+
+#include <QList>
+
+/// One configured folder.
+struct TPDFWatchedFolder {
+    Q_GADGET
+public:
+    FIELD(string, Name); ///< path of the folder
+    FIELD(bool, Enabled) = false;
+    /// A result replaces what has its name; otherwise it takes the next free name.
+    FIELD(bool, OverwriteExistingFiles) = false;
+    FIELD(Int64, CheckEvery) = 0; ///< in ticks of one second; 0 means never
+    FIELD(string, Action);        ///< name of the action list to run
+    bool operator==(const TPDFWatchedFolder&) const = default;
+};
+using TPDFWatchedFolderList = QList<TPDFWatchedFolder>;
+
+class TPDFWatchedFolders : public QObject {
+    Q_OBJECT
+    XML_ROOT("WatchedFolder", true) // singular, though the class holds many
+    XML_ELEMENT(Folders, "Folders", "Folder")
+public:
+    PUBLISHED(TPDFWatchedFolderList, Folders, FFolders);
+
+    /// A deep copy, by way of the file format.
+    void Assign(const TPDFWatchedFolders& Source);
+    void Clear();
+    /// Empties the list, then reads the file; a missing file leaves it empty. An empty name is
+    /// `watchedfolders.xml` in the configuration folder. Raises what the serialiser raises.
+    void Load(const string& fileName);
+    /// Always writes to `watchedfolders.xml` in the configuration folder.
+    void Save();
+
+    /// A plain pass over one folder for hosts that want no more: results lie beside the sources, there are
+    /// no subfolders, no log and no handling of passwords or exceptions. The agent doesn't use it. An index
+    /// out of range raises.
+    void Execute(Integer Index);
+};

@@ -1,0 +1,29 @@
+#include "agent/ConfigurationFile.h"
+
+#include "base/BusyFile.h"
+#include "base/Paths.h"
+
+TConfigurationFile::TConfigurationFile(const string& path, std::function<void(const string&)> load)
+    : FPath(path), FLoad(std::move(load)) {}
+
+void TConfigurationFile::LoadFirst() {
+    FLoad(FPath);
+    if (!FileExists(FPath))
+        return;
+    FTime = LastWriteTime(FPath);
+    FHash = TMD5Hash::MD5File(FPath);
+}
+
+bool TConfigurationFile::LoadIfChanged() {
+    if (!FileExists(FPath) || HeldForWriting(FPath))
+        return false;
+    if (LastWriteTime(FPath) <= FTime)
+        return true;
+    const TMD5Hash::MD5Digest hash = TMD5Hash::MD5File(FPath);
+    if (!TMD5Hash::MD5Match(hash, FHash)) {
+        FLoad(FPath);
+        FHash = hash;
+    }
+    FTime = LastWriteTime(FPath);
+    return true;
+}

@@ -1,0 +1,35 @@
+#include "agent/NamedPipeThread.h"
+
+#include "agent/ControlPipe.h"
+#include "platform/NamedPipeServer.h"
+
+TNamedPipeThread::TNamedPipeThread(TFindTarget findTarget)
+    : TWorkerThread("control pipe"), FFindTarget(std::move(findTarget)) {
+    Start();
+}
+
+TNamedPipeThread::~TNamedPipeThread() {
+    Stop();
+}
+
+void TNamedPipeThread::Execute() {
+    TNamedPipeServer pipe(QLatin1String(ControlPipe::Name), QStringLiteral("."));
+    pipe.OpenPipe();
+    while (!Terminated()) {
+        const string text = pipe.Read(ReadMs);
+        if (text == QLatin1String(ControlPipe::Check))
+            pipe.WritePipe(QLatin1String(ControlPipe::CheckReply));
+        else if (!text.isEmpty())
+            HandleRefresh(text);
+    }
+}
+
+void TNamedPipeThread::HandleRefresh(const string& command) {
+    TRefreshTarget* target = FFindTarget ? FFindTarget() : nullptr;
+    if (!target)
+        return;
+    if (command == QLatin1String(ControlPipe::RefreshFolders))
+        target->RefreshFolders();
+    else if (command == QLatin1String(ControlPipe::RefreshActions))
+        target->RefreshActions();
+}

@@ -1,0 +1,36 @@
+#pragma once
+// TNamedPipeThread: the control pipe. Other programs of this user ask whether the agent runs, or tell it that
+// they have written its configuration.
+//
+// Commands are compared exactly: "check" is answered "OK", "refresh.folders" and "refresh.actions" have no
+// answer, and anything else is ignored. "check" proves only that this thread lives.
+#include "platform/WorkerThread.h"
+
+#include <functional>
+
+/// Where refresh commands go. Called on the pipe's thread.
+class TRefreshTarget {
+public:
+    virtual ~TRefreshTarget() = default;
+    /// Both raise where there is nobody left to refresh: the agent is stopping then, and so does the pipe.
+    virtual void RefreshFolders() = 0;
+    virtual void RefreshActions() = 0;
+};
+
+class TNamedPipeThread final : public TWorkerThread {
+public:
+    static constexpr int ReadMs = 500; ///< how long a stop may have to wait
+
+    /// Finds the target for each refresh command anew, on this thread; null is none yet, and the command is
+    /// dropped. What it returns must live until this thread has ended.
+    using TFindTarget = std::function<TRefreshTarget*()>;
+
+    explicit TNamedPipeThread(TFindTarget findTarget);
+    ~TNamedPipeThread() override;
+
+private:
+    void Execute() override;
+    void HandleRefresh(const string& command);
+
+    TFindTarget FFindTarget;
+};

@@ -1,0 +1,46 @@
+#pragma once
+// What the run needs from outside, narrow enough for a test to play it.
+#include "base/Text.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+/// Time as the run sees it. Called on the run's thread, but for Wake.
+class TRunClock {
+public:
+    virtual ~TRunClock() = default;
+    /// Local time.
+    [[nodiscard]] virtual QDateTime Now() = 0;
+    /// Waits for the next tick, a second, or until Wake.
+    virtual void WaitTick() = 0;
+    /// Ends a wait, and every later one, at once; the run is about to end. From any thread.
+    virtual void Wake() = 0;
+};
+
+/// Finds the files that are ready to be worked on.
+class TFolderFiles {
+public:
+    virtual ~TFolderFiles() = default;
+    /// Names of the "*.pdf" directly in `folder` that can be read and that nobody is still writing, in the
+    /// order in which they are served. `now` is in nanoseconds since 1970. Raises EFileError.
+    [[nodiscard]] virtual QStringList ReadyFiles(const string& folder, qint64 now) = 0;
+};
+
+/// Where the run says what it is doing.
+class TTrayHint {
+public:
+    virtual ~TTrayHint() = default;
+    /// From the run's thread; must not wait for another.
+    virtual void SetHint(const string& text) = 0;
+};
+
+struct TRunHost {
+    TRunClock& Clock;
+    TFolderFiles& Files;
+    TTrayHint& Hint;
+};
+
+/// The application's title, which is also the hint of an idle run.
+[[nodiscard]] inline string ApplicationTitle() {
+    return QStringLiteral("Morvane Folder Watcher");
+}

@@ -1,0 +1,117 @@
+#include "apps/ctl/CommandLine.h"
+
+#include "apps/ctl/PipeCommands.h"
+#include "base/Exceptions.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+struct TCommand {
+    const char* Name;
+    const char* Arguments; ///< the words of which one must follow, separated by "|"; empty for none
+    const char* Help;
+    TOutcome (*Run)(const string& argument, int timeoutMs);
+};
+
+constexpr TCommand Commands[] = {
+    {"check", "", "Tell whether the agent runs.", Check},
+    {"refresh", "folders|actions", "Have the agent read a configuration file again.", Refresh},
+};
+
+constexpr char Options[] = R"(
+Options:
+  -q, --quiet              Print nothing; the exit code tells.
+  -t, --timeout <seconds>  Wait that long for an answer, 5 by default.
+  -h, --help               Print this.
+  -v, --version            Print the version.
+
+Exit codes: 0 done, 1 the agent does not run, 2 wrong usage, 3 no answer in time.)";
+
+/// The command line makes no sense.
+class EUsage : public Exception {
+public:
+    using Exception::Exception;
+};
+
+string HelpText() {
+    string text = QStringLiteral("Usage: morvanectl [options] command\n"
+                                 "Talks to the folder watcher's agent of this user.\n\nCommands:\n");
+    for (const TCommand& command : Commands) {
+        const string words = QLatin1String(command.Name) + u' ' + QLatin1String(command.Arguments);
+        text += QStringLiteral("  %1 %2\n").arg(words, -24).arg(QLatin1String(command.Help));
+    }
+    return text + QLatin1String(Options);
+}
+
+const TCommand& FindCommand(const string& name) {
+    const auto* found = std::find_if(std::begin(Commands), std::end(Commands), [&](const TCommand& command) {
+        return name == QLatin1String(command.Name);
+    });
+    if (found == std::end(Commands))
+        throw EUsage(QStringLiteral("Unknown command \"%1\".").arg(name));
+    return *found;
+}
+
+void RequireArgument(const TCommand& command, const string& argument) {
+    const QStringList allowed = QString::fromLatin1(command.Arguments).split(u'|');
+    if (allowed.contains(argument))
+        return;
+    const QLatin1String name(command.Name);
+    throw EUsage(allowed.first().isEmpty()
+                     ? QStringLiteral("The command \"%1\" takes nothing more.").arg(name)
+                     : QStringLiteral("The command \"%1\" needs one of: %2.").arg(name, allowed.join(u' ')));
+}
+
+int TimeoutMsOf(const string& text) {
+    bool valid = false;
+    const double seconds = text.toDouble(&valid);
+    if (!valid || !(seconds >= 0 && seconds <= 3600))
+        throw EUsage(QStringLiteral("\"%1\" is not a number of seconds up to 3600.").arg(text));
+    return int(seconds * 1000);
+}
+
+TOutcome RunWords(const QStringList& words, int timeoutMs) {
+    if (words.isEmpty())
+        throw EUsage(QStringLiteral("A command is missing."));
+    const TCommand& command = FindCommand(words[0]);
+    const string argument = words.mid(1).join(u' ');
+    RequireArgument(command, argument);
+    return command.Run(argument, timeoutMs);
+}
+
+TOutcome RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
+    parser.addOptions({{{"q", "quiet"}, {}},
+                       {{"t", "timeout"}, {}, "seconds", "5"},
+                       {{"h", "help"}, {}},
+                       {{"v", "version"}, {}}});
+    if (!parser.parse(arguments))
+        throw EUsage(parser.errorText());
+    if (parser.isSet("help"))
+        return {ExitDone, HelpText()};
+    if (parser.isSet("version"))
+        return {ExitDone, QStringLiteral("morvanectl " MORVANE_VERSION)};
+    return RunWords(parser.positionalArguments(), TimeoutMsOf(parser.value("timeout")));
+}
+
+} // namespace
+
+TExitCode RunCommandLine(const QStringList& arguments) {
+    QCommandLineParser parser;
+    TOutcome outcome;
+    bool quiet = false;
+    try {
+        outcome = RunParsed(parser, arguments);
+        quiet = parser.isSet("quiet");
+    } catch (const EUsage& e) {
+        outcome = {ExitUsage, QStringLiteral("morvanectl: %1 Try \"morvanectl --help\".").arg(e.Message())};
+    } catch (const Exception& e) {
+        outcome = {ExitNotRunning, QStringLiteral("morvanectl: %1").arg(e.Message())};
+    }
+    if (!outcome.Text.isEmpty() && !quiet)
+        std::fprintf(outcome.Code == ExitDone ? stdout : stderr, "%s\n", Narrow(outcome.Text).constData());
+    return outcome.Code;
+}

@@ -1,0 +1,22 @@
+#pragma once
+// The command line of morvanectl: which commands there are, and what comes of one.
+#include "base/Text.h"
+
+#include <QStringList>
+
+/// What scripts test for.
+enum TExitCode {
+    ExitDone = 0,
+    ExitNotRunning = 1, ///< nobody serves the agent's pipe
+    ExitUsage = 2,      ///< the command line makes no sense
+    ExitNoAnswer = 3,   ///< the agent's pipe is there but gave no answer in time
+};
+
+/// What a command comes to: its text goes to standard output if it is done, else to standard error.
+struct TOutcome {
+    TExitCode Code = ExitDone;
+    string Text; ///< one or more lines; empty prints nothing
+};
+
+/// Parses the command line, program name first, and does what it says.
+[[nodiscard]] TExitCode RunCommandLine(const QStringList& arguments);

@@ -1,0 +1,65 @@
+#pragma once
+// What a document consists of behind its interface: its source, its page list and the changes that stand
+// against the source.
+#include "engine/EmbeddedFiles.h"
+#include "engine/PageObject.h"
+#include "engine/PageTree.h"
+#include "engine/Pages.h"
+#include "engine/Security.h"
+#include "engine/Types.h"
+
+#include <QDateTime>
+
+#include <map>
+
+/// A file to attach, or, without Contents, the name of one to take out.
+struct TAttachmentChange {
+    string Name;
+    string Description;
+    string MimeType;
+    QDateTime Created;
+    QDateTime Modified;
+    std::shared_ptr<const std::string> Contents; ///< compressed
+    qint64 Size = 0;
+    std::string Checksum; ///< MD5 of the uncompressed contents
+};
+
+/// Changes to the document as a whole that its source doesn't have yet.
+struct TDocumentChanges {
+    std::map<NarrowString, string> Info; ///< an empty value removes the entry
+    std::optional<NarrowString> Xmp;     ///< empty removes the packet
+    std::optional<TPDFPageMode> PageMode;
+    std::optional<TPDFPageLayout> PageLayout;
+    std::vector<TAttachmentChange> Attachments; ///< in the order in which they were made
+};
+
+enum class TProtection : quint8 { AsOpened, Encrypt, Remove };
+
+struct TDocumentCore {
+    TPDFSourcePtr Source; ///< null until a new document is first saved
+    TZQPDFPages Pages;
+    TPDFPageTree PageTree{Pages};
+    /// Pages came, went or moved: the page tree of the source is out of date.
+    bool StructureChanged = false;
+    /// Pages of the source that are in the list no more.
+    std::vector<QPDFObjectHandle> DeletedPages;
+    int LastBatch = 0;
+    TDocumentChanges Changes;
+    std::unique_ptr<TPDFEmbeddedFiles> EmbeddedFiles;
+
+    TProtection Protection = TProtection::AsOpened;
+    std::unique_ptr<TPDFSecurityHandler> Handler;
+    NarrowString UserPassword;
+    NarrowString OwnerPassword;
+
+    string FileName;
+    bool Modified = false;
+    int Locks = 0;
+    int LastUsedPage = -1;
+    QStringList Warnings;
+
+    /// The catalog; a null object while there is no source.
+    [[nodiscard]] QPDFObjectHandle Root() const {
+        return Source ? Source->Pdf->getRoot() : QPDFObjectHandle::newNull();
+    }
+};

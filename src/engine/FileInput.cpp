@@ -1,0 +1,120 @@
+#include "engine/FileInput.h"
+
+#include "base/Exceptions.h"
+#include "base/Paths.h"
+#include "engine/Errors.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace {
+
+constexpr qpdf_offset_t WholeFile = 1 << 20; // files up to this size are read in one piece
+constexpr qpdf_offset_t Window = 1 << 16;
+constexpr qpdf_offset_t Alignment = 1 << 12;
+
+} // namespace
+
+TFileInput::TFileInput(const string& path) : FPath(path), FName(ExtractFileName(path).toStdString()) {
+    // O_NONBLOCK: a FIFO of that name must not hold us up.
+    FDescriptor = ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (FDescriptor < 0)
+        throw EFileError("open", path, errno);
+    if (::fstat(FDescriptor, &FInfo) == 0 && S_ISREG(FInfo.st_mode))
+        return;
+    ::close(FDescriptor);
+    throw EFileError("open", path, S_ISDIR(FInfo.st_mode) ? EISDIR : EINVAL);
+}
+
+TFileInput::~TFileInput() {
+    ::close(FDescriptor);
+}
+
+void TFileInput::RequireSound() const {
+    if (FError != 0)
+        throw EFileError("read", FPath, FError);
+    struct stat now {};
+    if (::fstat(FDescriptor, &now) != 0)
+        throw EFileError("read", FPath, errno);
+    if (now.st_size < FInfo.st_size)
+        throw EPDFError(QStringLiteral("\"%1\" was shortened while it was worked on.").arg(FPath));
+}
+
+qpdf_offset_t TFileInput::findAndSkipNextEOL() {
+    for (; InWindow() || FillWindow(); FPos = FWindowStart + qpdf_offset_t(FWindow.size())) {
+        const size_t from = FWindow.find_first_of("\r\n", size_t(FPos - FWindowStart));
+        if (from == std::string::npos)
+            continue;
+        const qpdf_offset_t found = FWindowStart + qpdf_offset_t(from);
+        for (FPos = found; InWindow() || FillWindow(); ++FPos) {
+            const char c = FWindow[size_t(FPos - FWindowStart)];
+            if (c != '\r' && c != '\n')
+                break;
+        }
+        return found;
+    }
+    return FPos;
+}
+
+void TFileInput::seek(qpdf_offset_t offset, int whence) {
+    const qpdf_offset_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? FPos : FInfo.st_size;
+    if (base + offset < 0)
+        throw std::runtime_error(FName + ": seek before the beginning of the file");
+    FPos = base + offset;
+}
+
+size_t TFileInput::read(char* to, size_t length) {
+    last_offset = FPos;
+    size_t done = 0;
+    while (done < length) {
+        if (!InWindow()) {
+            if (length - done >= size_t(Window)) { // stream data: straight to where it is wanted
+                const size_t direct = ReadAt(to + done, length - done, FPos);
+                FPos += qpdf_offset_t(direct);
+                return done + direct;
+            }
+            if (!FillWindow())
+                break;
+        }
+        const auto at = size_t(FPos - FWindowStart);
+        const size_t part = std::min(length - done, FWindow.size() - at);
+        std::memcpy(to + done, FWindow.data() + at, part);
+        done += part;
+        FPos += qpdf_offset_t(part);
+    }
+    if (done == 0 && length > 0) { // as a read at the end leaves a file
+        FPos = std::min<qpdf_offset_t>(FPos, FInfo.st_size);
+        last_offset = FPos;
+    }
+    return done;
+}
+
+bool TFileInput::FillWindow() {
+    if (FPos >= FInfo.st_size)
+        return false;
+    const bool whole = FInfo.st_size <= WholeFile;
+    FWindowStart = whole ? 0 : FPos / Alignment * Alignment;
+    const qpdf_offset_t size = std::min(whole ? WholeFile : Window, FInfo.st_size - FWindowStart);
+    FWindow.resize(size_t(size));
+    FWindow.resize(ReadAt(FWindow.data(), FWindow.size(), FWindowStart));
+    return InWindow();
+}
+
+size_t TFileInput::ReadAt(char* to, size_t length, qpdf_offset_t offset) {
+    size_t done = 0;
+    while (done < length) {
+        const ssize_t got = ::pread(FDescriptor, to + done, length - done, offset + qpdf_offset_t(done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            FError = errno;
+        if (got <= 0)
+            break;
+        done += size_t(got);
+    }
+    return done;
+}

@@ -1,0 +1,74 @@
+#include "base/PartFile.h"
+#include "engine/Attachments.h"
+#include "engine/DocumentCore.h"
+#include "engine/Encryption.h"
+#include "engine/InfoWriter.h"
+#include "engine/PageTreeWriter.h"
+#include "engine/Writer.h"
+
+#include <qpdf/Pipeline.hh>
+#include <qpdf/QPDFWriter.hh>
+
+#include <cstring>
+
+namespace {
+
+/// libqpdf's output into our file. libqpdf writes a few bytes at a time.
+class TFileOutput : public Pipeline {
+public:
+    explicit TFileOutput(TPartFile& file) : Pipeline("file", nullptr), FFile(file) { FBuffer.reserve(Size); }
+
+    void write(unsigned char const* data, size_t length) override {
+        if (FBuffer.size() + length > Size)
+            Flush();
+        if (length >= Size)
+            FFile.Write(data, length);
+        else
+            FBuffer.append(reinterpret_cast<const char*>(data), length);
+    }
+    void finish() override {} // also called at the end of each part; Flush is for the end of all
+
+    void Flush() {
+        FFile.Write(FBuffer.data(), FBuffer.size());
+        FBuffer.clear();
+    }
+
+private:
+    static constexpr size_t Size = 128 << 10;
+    TPartFile& FFile;
+    std::string FBuffer;
+};
+
+class TFullRewrite : public TDocumentWriter {
+public:
+    void Write(TDocumentCore& core, TPartFile& file) override {
+        if (!core.Source)
+            core.Source = NewSource();
+        ApplyPages(core);
+        ApplyInfo(core);
+        ApplyAttachments(core);
+        WriteObjects(core, file);
+    }
+
+private:
+    static void WriteObjects(const TDocumentCore& core, TPartFile& file) {
+        TFileOutput output(file);
+        QPDFWriter writer(*core.Source->Pdf);
+        writer.setOutputPipeline(&output);
+        writer.setCompressStreams(false);
+        writer.setDecodeLevel(qpdf_dl_none);
+        writer.setObjectStreamMode(qpdf_o_preserve);
+        if (core.Protection == TProtection::Encrypt)
+            SetEncryption(writer, core);
+        else if (core.Protection == TProtection::Remove)
+            writer.setPreserveEncryption(false);
+        writer.write();
+        output.Flush();
+    }
+};
+
+} // namespace
+
+std::unique_ptr<TDocumentWriter> NewFullRewrite() {
+    return std::make_unique<TFullRewrite>();
+}

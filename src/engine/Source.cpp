@@ -1,0 +1,141 @@
+#include "engine/Source.h"
+
+#include "base/Paths.h"
+#include "engine/Teardown.h"
+
+#include <qpdf/QUtil.hh>
+
+namespace {
+
+constexpr int HeaderSearch = 1024; // readers look for "%PDF-" in the first 1,024 bytes
+
+string Quoted(const string& doing, const string& path, const string& what) {
+    return QStringLiteral("Cannot %1 \"%2\": %3.").arg(doing, path, what);
+}
+
+bool HasHeader(TFileInput& input) {
+    char head[HeaderSearch];
+    input.seek(0, SEEK_SET);
+    const size_t size = input.read(head, sizeof head);
+    return QByteArrayView(head, qsizetype(size)).contains("%PDF-");
+}
+
+/// Up to version 4 passwords are PDFDocEncoding, from 5 on UTF-8; what we get is UTF-8.
+std::vector<std::string> Spellings(const NarrowString& password) {
+    std::vector<std::string> spellings{password.toStdString()};
+    std::string encoded;
+    if (QUtil::utf8_to_pdf_doc(spellings[0], encoded) && encoded != spellings[0])
+        spellings.push_back(encoded);
+    return spellings;
+}
+
+std::shared_ptr<QPDF> NewQpdf() {
+    auto pdf = QPDF::create();
+    pdf->setSuppressWarnings(true);
+    return pdf;
+}
+
+void Read(TPDFSource& source, const std::string& password) {
+    source.Pdf = NewQpdf();
+    source.Password = NarrowString::fromStdString(password);
+    source.Input->rewind();
+    source.Pdf->processInputSource(source.Input, password.c_str());
+}
+
+/// Tries each spelling of the password.
+void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
+    const auto spellings = Spellings(password);
+    for (size_t i = 0;; ++i) {
+        try {
+            return Read(source, spellings[i]);
+        } catch (const QPDFExc& e) {
+            if (e.getErrorCode() != qpdf_e_password || i + 1 == spellings.size())
+                throw;
+        }
+    }
+}
+
+bool SameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
+}
+
+thread_local TPDFSourcePtr Tested;
+
+EPDFError OpenError(const std::exception& e, TPDFSource& source, const NarrowString& password) {
+    const auto* own = dynamic_cast<const QPDFExc*>(&e);
+    const qpdf_error_code_e code = own ? own->getErrorCode() : qpdf_e_internal;
+    if (code == qpdf_e_password && password.isEmpty())
+        return EPDFError(Quoted("open", source.Path, "needs a password"), TPDFErrorKind::NeedsPassword);
+    if (code == qpdf_e_password)
+        return EPDFError(Quoted("open", source.Path, "the password is wrong"), TPDFErrorKind::WrongPassword);
+    if (code == qpdf_e_unsupported)
+        return EPDFError(Quoted("open", source.Path, "it is protected in a way that no password opens"),
+                         TPDFErrorKind::Unsupported);
+    if (!HasHeader(*source.Input))
+        return EPDFError(Quoted("open", source.Path, "not a PDF file"), TPDFErrorKind::NotPdf);
+    return EPDFError(Quoted("open", source.Path, "damaged: no pages can be read"), TPDFErrorKind::Damaged);
+}
+
+} // namespace
+
+TPDFSource::~TPDFSource() {
+    constexpr qint64 LargeFile = 4 << 20;
+    constexpr size_t ManyPages = 1000;
+    const bool large = Walk.Pages.size() > ManyPages || (Input && Input->Info().st_size > LargeFile);
+    if (!large || !Pdf)
+        return;
+    Walk.Pages.clear();
+    DisposeLater(std::move(Pdf));
+}
+
+void TPDFSource::CollectWarnings() {
+    for (const QPDFExc& warning : Pdf->getWarnings())
+        Warnings.append(QString::fromUtf8(warning.what()));
+}
+
+TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
+    auto source = std::make_shared<TPDFSource>();
+    source->Path = path;
+    source->Input = std::make_shared<TFileInput>(path);
+    try {
+        ReadWithPassword(*source, password);
+        source->Walk = WalkPages(*source->Pdf);
+    } catch (const std::exception& e) {
+        source->Input->RequireSound();
+        throw OpenError(e, *source, password);
+    }
+    source->Input->RequireSound();
+    if (source->Walk.Pages.empty())
+        throw EPDFError(Quoted("open", path, "damaged: no pages can be read"), TPDFErrorKind::Damaged);
+    source->CollectWarnings();
+    return source;
+}
+
+TPDFSourcePtr NewSource() {
+    auto source = std::make_shared<TPDFSource>();
+    source->Pdf = NewQpdf();
+    source->Pdf->emptyPDF();
+    source->Walk.Irregular = true;
+    return source;
+}
+
+void KeepTested(TPDFSourcePtr source) {
+    Tested = std::move(source);
+}
+
+TPDFSourcePtr TakeTested(const string& path, const NarrowString& password) {
+    TPDFSourcePtr source = std::move(Tested);
+    Tested.reset();
+    struct stat now {};
+    if (!source || source->Path != path || source->Password != password ||
+        ::stat(PathBytes(path).constData(), &now) != 0 || !SameFile(now, source->Input->Info()))
+        return nullptr;
+    return source;
+}
+
+EPDFError Translated(const std::exception& e, const string& doing, const string& path) {
+    const auto* own = dynamic_cast<const QPDFExc*>(&e);
+    const string detail = QString::fromStdString(own ? own->getMessageDetail() : std::string(e.what()));
+    return EPDFError(Quoted(doing, path, detail));
+}

@@ -1,0 +1,98 @@
+#pragma once
+// TJSPDFDocument: the one view of a PDF document that actions and scripts see. Actions find a method by
+// its name and fill its parameters by theirs, and scripts call the same methods, so names of methods and
+// parameters are a contract. Pages count from 1 here, from 0 in the engine's list.
+//
+// Methods answer false or null where the document's permissions refuse the operation, without a message;
+// what the engine raises passes. An object belongs to the thread that runs the actions or the script.
+#include "base/Reflection.h"
+#include "engine/Types.h"
+#include "scripting/DocumentDescription.h"
+#include "scripting/PageInfo.h"
+
+#include <QPointer>
+
+class TZQPDFDocument;
+
+class TJSPDFDocument : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("ScriptName", "TPDFDocument")
+public:
+    /// Owns a new document of one blank page.
+    Q_INVOKABLE TJSPDFDocument();
+    /// Frees the document if it is owned.
+    ~TJSPDFDocument() override;
+
+    /// The engine document. Raises Exception where its owner has freed it.
+    [[nodiscard]] TZQPDFDocument& Document() const;
+    /// Takes another document on loan; an owned one is freed. The path of the last load or save and the
+    /// error code stay as they are.
+    void SetDocument(TZQPDFDocument* Value);
+
+    // Life cycle and security (ScriptDocument.cpp)
+    /// To the path of the last load or save; without one nothing is written, and the answer is still true.
+    Q_INVOKABLE bool Save();
+    Q_INVOKABLE bool SaveAs(const string& fileName);
+    /// 0, or 2 once a file to load did not exist. Nothing resets it.
+    Q_INVOKABLE int GetLastError();
+    /// These three ask about the file named, not about the open document.
+    Q_INVOKABLE bool IsPasswordOK(const string& fileName, const string& Password);
+    Q_INVOKABLE bool IsOpenPasswordOK(const string& fileName, const string& Password);
+    Q_INVOKABLE bool IsPermissionPasswordOK(const string& fileName, const string& Password);
+    /// Only a document that was opened with its owner password and carries no signature.
+    Q_INVOKABLE bool Decrypt();
+
+    // Content (ScriptDocumentContent.cpp)
+    /// An attachment of the same name is replaced.
+    Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
+    Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);
+
+    // Pages (ScriptDocumentPages.cpp). A page range is the engine's (engine/PageRange.h).
+    Q_INVOKABLE bool InsertPages(int Index, int Count, float AWidth, float AHeight, bool BeforeCurrentPage);
+    /// Deletes the pages `Index` to `Index + Count`: one more than the count says, on purpose, since
+    /// existing lists count with it.
+    Q_INVOKABLE bool DeletePages(int Index, int Count);
+    Q_INVOKABLE bool DeletePagesEx(const string& pageRange);
+    /// A new document with copies of the pages, saved under `fileName` unless that is empty. The caller owns
+    /// it; saving never gives it a path of its own.
+    Q_INVOKABLE TJSPDFDocument* ExtractPages(const string& pageRange, const string& fileName,
+                                             bool OverwriteExisting);
+    Q_INVOKABLE bool CropPages(const string& pageRange, double top, double left, double right, double bottom);
+    Q_INVOKABLE bool ImportPages(const TFileName& fileName, const string& pageRange, bool insertAfter,
+                                 TZQPDFPagePosition pagePosition);
+    /// False if nothing was imported.
+    Q_INVOKABLE bool ImportPagesFromDocument(TJSPDFDocument* Doc, const string& pageRange, bool insertAfter,
+                                             TZQPDFPagePosition pagePosition);
+    Q_INVOKABLE bool RotatePages(const string& pageRange, int Angle);
+    /// All five answer true on every path; a page that doesn't exist leaves the current one.
+    Q_INVOKABLE bool GotoPage(int pageNumber);
+    Q_INVOKABLE bool GotoNextPage();
+    Q_INVOKABLE bool GotoPreviousPage();
+    Q_INVOKABLE bool GotoFirstPage();
+    Q_INVOKABLE bool GotoLastPage();
+
+    // View and metadata (ScriptDocumentView.cpp)
+    Q_INVOKABLE TPDFPageInfo GetPageInfo();
+    Q_INVOKABLE bool SetPageMode(TPDFPageMode NewMode);
+    Q_INVOKABLE TPDFPageMode GetPageMode();
+    Q_INVOKABLE bool SetPageLayout(TPDFPageLayout NewLayout);
+    Q_INVOKABLE TPDFPageLayout GetPageLayout();
+    /// The XMP packet, passed through unparsed.
+    Q_INVOKABLE void SetXMLMetaData(const NarrowString& XMP);
+    Q_INVOKABLE NarrowString GetXMLMetaData();
+
+private:
+    enum class Ownership { Owned, Borrowed };
+
+    [[nodiscard]] int GetCurrentPage() const;
+    [[nodiscard]] int GetPagesCount() const;
+    void SetCurrentPage(int Page);
+    void RenderPageSafe(int Page);
+    void RenderPage(int Page);
+    [[nodiscard]] int InsertionIndex(bool insertAfter, TZQPDFPagePosition pagePosition) const;
+
+    int FLastError = 0;
+    Ownership FDocOwner = Ownership::Owned;
+    QPointer<TZQPDFDocument> FDocument;
+    string FFilename;
+};

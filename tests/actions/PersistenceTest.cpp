@@ -1,0 +1,186 @@
+// The two configuration files: what is written, what is read back, what is refused.
+#include "actions/ActionClasses.h"
+#include "actions/ActionManager.h"
+#include "actions/ContentActions.h"
+#include "actions/PageActions.h"
+#include "actions/WatchedFolders.h"
+#include "base/Exceptions.h"
+#include "engine/Document.h"
+#include "testing/Workspace.h"
+
+#include <QRegularExpression>
+
+class Persistence : public testing::Test {
+protected:
+    Persistence() {
+        RegisterActionClasses();
+        qputenv("XDG_CONFIG_HOME", FWorkspace.Path("settings").toUtf8());
+        FWorkspace.Write("settings/morvane/settings.ini",
+                         "ConfigurationFolder=" + FWorkspace.Path("configuration").toUtf8());
+        QDir().mkpath(FWorkspace.Path("configuration"));
+    }
+    /// Members of the classes, as the run-time tables know them.
+    static QStringList MemberNames(const QMetaObject& type) {
+        QStringList names;
+        for (const QMetaProperty& member : Reflection::Members(type))
+            names.append(QString::fromLatin1(member.name()));
+        return names;
+    }
+    TWorkspace FWorkspace;
+};
+
+TEST_F(Persistence, MembersOfEveryClassAreInTheTable) {
+    // moc drops members without a word where it can't resolve an include, so they are counted here.
+    const QHash<string, int> expected{{"TPDFActionDecrypt", 0},
+                                      {"TPDFActionAddFileAttachment", 1},
+                                      {"TPDFActionImportPages", 4},
+                                      {"TPDFActionRotatePages", 2},
+                                      {"TPDFActionInsertPages", 5},
+                                      {"TPDFActionDeletePages", 2},
+                                      {"TPDFActionDeletePagesEx", 1},
+                                      {"TPDFActionExtractPages", 3},
+                                      {"TPDFActionCropPages", 5},
+                                      {"TPDFActionGotoPage", 2},
+                                      {"TPDFActionGotoNextPage", 1},
+                                      {"TPDFActionGotoPreviousPage", 1},
+                                      {"TPDFActionGotoFirstPage", 1},
+                                      {"TPDFActionGotoLastPage", 1},
+                                      {"TPDFActionAddDocumentDescription", 1}};
+    for (auto it = expected.begin(); it != expected.end(); ++it) {
+        const QMetaObject* type = Reflection::FindClass(it.key());
+        ASSERT_NE(type, nullptr) << it.key().toStdString();
+        EXPECT_EQ(MemberNames(*type).size(), it.value() + 2) << it.key().toStdString(); // Name and Tag
+    }
+    EXPECT_EQ(MemberNames(TPDFDocumentDescription::staticMetaObject).size(), 8);
+    EXPECT_EQ(MemberNames(TPDFActionList::staticMetaObject).join(u' '),
+              "Name Description ExecuteOnActiveDocument ExecuteOnAllDocuments OutputFolder Files "
+              "OverwriteExistingFiles Actions");
+}
+
+TEST_F(Persistence, ListOfEveryClassSurvivesSaveAndLoad) {
+    TPDFActionManager manager;
+    TPDFActionList& list = manager.AddAction("All <of> them", "two\nlines & \x01");
+    list.FExecuteOnAllDocuments = true;
+    list.FOutputFolder = "/out";
+    list.FFiles = {{"a.pdf", false, false}, {"/folder", true, true}};
+    int number = 0;
+    for (const QMetaObject* type : Reflection::KnownClasses()) {
+        if (!type->inherits(&TPDFAction::staticMetaObject) ||
+            Reflection::ClassName(*type) == "TPDFUnknownAction")
+            continue;
+        auto action = TPDFAction::CreateInstance(*type);
+        action->FName = QStringLiteral("action %1").arg(++number);
+        action->FTag = -number;
+        list.FActions->Add(std::move(action));
+    }
+    static_cast<TPDFActionInsertPages*>(
+        (*list.FActions)[list.IndexOf(TPDFActionInsertPages::staticMetaObject)])
+        ->Fwidth = 0.1F;
+    manager.Save();
+    const QByteArray first = FWorkspace.Read("configuration/actions.xml");
+    EXPECT_EQ(RunProgram("xmllint", {"--noout", FWorkspace.Path("configuration/actions.xml")}).Exit, 0);
+
+    TPDFActionManager loaded;
+    loaded.Load({});
+    ASSERT_EQ(loaded.Count(), 1);
+    EXPECT_EQ(loaded[0].FDescription, "two\nlines & \x01");
+    EXPECT_EQ(loaded[0].FFiles, list.FFiles);
+    ASSERT_EQ(loaded[0].FActions->Count(), number);
+    for (int i = 0; i < number; ++i)
+        EXPECT_EQ((*loaded[0].FActions)[i]->metaObject(), (*list.FActions)[i]->metaObject());
+    loaded.Save();
+    EXPECT_EQ(FWorkspace.Read("configuration/actions.xml"), first);
+}
+
+TEST_F(Persistence, FileFormat) {
+    FWorkspace.Write("configuration/watchedfolders.xml", R"(<?xml version="1.0" encoding="UTF-8"?>
+<WatchedFolder>
+  <Folders>
+    <Folder>
+      <Name>/srv/scans</Name>
+      <Enabled>True</Enabled>
+      <CheckEvery>9223372036854775807</CheckEvery>
+      <Action>Stamp</Action>
+      <Newer>ignored</Newer>
+    </Folder>
+  </Folders>
+</WatchedFolder>
+)");
+    TPDFWatchedFolders folders;
+    folders.Load({});
+    const TPDFWatchedFolder expected{"/srv/scans", true, false, 9223372036854775807, "Stamp"};
+    ASSERT_EQ(folders.FFolders, TPDFWatchedFolderList{expected});
+    folders.Save();
+    EXPECT_EQ(FWorkspace.Read("configuration/watchedfolders.xml"), R"(<?xml version="1.0" encoding="UTF-8"?>
+<WatchedFolder>
+  <Folders>
+    <Folder>
+      <Name>/srv/scans</Name>
+      <Enabled>true</Enabled>
+      <OverwriteExistingFiles>false</OverwriteExistingFiles>
+      <CheckEvery>9223372036854775807</CheckEvery>
+      <Action>Stamp</Action>
+    </Folder>
+  </Folders>
+</WatchedFolder>
+)");
+}
+
+TEST_F(Persistence, UnknownActionIsKeptAndRaises) {
+    FWorkspace.Write("configuration/actions.xml", R"(<?xml version="1.0" encoding="UTF-8"?>
+<ActionManager><ManagerActions><ActionList><Name>n</Name><Actions>
+<Action Class="TPDFActionFromTomorrow"><Deep a="1"><Member>x &amp; y</Member></Deep></Action>
+</Actions></ActionList></ManagerActions></ActionManager>)");
+    TPDFActionManager manager;
+    manager.Load({});
+    TZQPDFDocument document(nullptr);
+    try {
+        manager[0].Execute(document);
+        FAIL() << "no exception";
+    } catch (const Exception& e) {
+        EXPECT_EQ(e.Message(), "Unknown action class \"TPDFActionFromTomorrow\".");
+    }
+    manager.Save();
+    const QByteArray saved = FWorkspace.Read("configuration/actions.xml");
+    EXPECT_TRUE(saved.contains(
+        R"(<Action Class="TPDFActionFromTomorrow"><Deep a="1"><Member>x &amp; y</Member></Deep></Action>)"))
+        << saved.constData();
+}
+
+TEST_F(Persistence, MissingFileIsEmptyAndABadOneRaises) {
+    TPDFActionManager manager;
+    manager.AddAction("old", "");
+    manager.Load({});
+    EXPECT_EQ(manager.Count(), 0);
+    manager.AddAction("old", "");
+    const string bad = FWorkspace.Write("bad.xml", "<ActionManager>\n<Manager");
+    try {
+        manager.Load(bad);
+        FAIL() << "no exception";
+    } catch (const Exception& e) {
+        EXPECT_TRUE(e.Message().contains("bad.xml") && e.Message().contains(QRegularExpression("\\b2\\b")))
+            << e.what();
+    }
+    EXPECT_EQ(manager.Count(), 0) << "the list was emptied before the file was read";
+}
+
+TEST_F(Persistence, AssignCopiesDeeply) {
+    TPDFActionList source;
+    source.FName = "source";
+    source.FActions->Add(std::make_unique<TPDFActionRotatePages>())->FAngle = 180;
+    TPDFActionList copy;
+    copy.FActions->Add(std::make_unique<TPDFActionCropPages>());
+    copy.Assign(source);
+    ASSERT_EQ(copy.FActions->Count(), 1);
+    auto* rotate = qobject_cast<TPDFActionRotatePages*>((*copy.FActions)[0]);
+    ASSERT_NE(rotate, nullptr);
+    EXPECT_EQ(rotate->FAngle, 180);
+    rotate->FAngle = 270;
+    EXPECT_EQ(static_cast<TPDFActionRotatePages*>((*source.FActions)[0])->FAngle, 180);
+
+    TPDFWatchedFolders folders;
+    folders.FFolders = {{"/a", true, true, -1, "x"}};
+    TPDFWatchedFolders other;
+    other.Assign(folders);
+    EXPECT_EQ(other.FFolders, folders.FFolders);
+}

@@ -1,0 +1,183 @@
+// Actions carried out on real documents, their results judged by other programs.
+#include "actions/ActionDocument.h"
+#include "actions/ContentActions.h"
+#include "actions/NavigationActions.h"
+#include "actions/PageActions.h"
+#include "actions/SecurityActions.h"
+#include "base/Exceptions.h"
+#include "engine/Document.h"
+#include "scripting/ParkedDocuments.h"
+#include "testing/SamplePdf.h"
+#include "testing/Workspace.h"
+
+class RunActions : public testing::Test {
+protected:
+    void Open(int pages, const TSampleOptions& options = {}) {
+        MakePdf(FWorkspace.Path("in.pdf"), pages, options);
+        FDocument.OpenFromFile(FWorkspace.Path("in.pdf"), Narrow(options.OwnerPassword));
+    }
+    /// Saves and gives the number each page shows of itself, as another program reads them.
+    string Pages() {
+        FDocument.SaveToPath(FWorkspace.Path("out.pdf"), /*keepSource=*/true, /*takeName=*/false);
+        return PagesOf("out.pdf");
+    }
+    [[nodiscard]] string PagesOf(const string& name) const {
+        EXPECT_EQ(RunProgram("qpdf", {"--check", FWorkspace.Path(name)}).Exit, 0);
+        QStringList numbers;
+        const QByteArray text = RunProgram("pdftotext", {FWorkspace.Path(name), "-"}).Out;
+        for (const QByteArray& page : text.split('\f').mid(0, text.count('\f')))
+            numbers.append(QString::fromUtf8(page).remove("Page").trimmed());
+        return numbers.join(u' ');
+    }
+    [[nodiscard]] QByteArray Info(const QStringList& options = {}) const {
+        return RunProgram("pdfinfo", options + QStringList(FWorkspace.Path("out.pdf"))).Out;
+    }
+    TWorkspace FWorkspace;
+    TZQPDFDocument FDocument{nullptr};
+};
+
+TEST_F(RunActions, DeletePagesReachesOnePageFurther) {
+    Open(6);
+    TPDFActionDeletePages action;
+    action.FIndex = 2;
+    action.Execute(FDocument);
+    EXPECT_EQ(Pages(), "1 4 5 6");
+}
+
+TEST_F(RunActions, DeletePagesExOnANewActionDeletesPageOne) {
+    Open(3);
+    TPDFActionDeletePagesEx().Execute(FDocument);
+    EXPECT_EQ(Pages(), "2 3");
+}
+
+TEST_F(RunActions, CurrentPageCountsForTheImportBehindIt) {
+    MakePdf(FWorkspace.Path("other.pdf"), 2);
+    TPDFActionImportPages import;
+    import.FfileName = FWorkspace.Path("other.pdf");
+    struct TCase {
+        int Page;
+        bool After;
+        TZQPDFPagePosition Position;
+        string Expected;
+    };
+    for (const TCase& row : {TCase{2, true, TZQPDFPagePosition::ppCurrent, "1 2 1 2 3"},
+                             TCase{2, false, TZQPDFPagePosition::ppCurrent, "1 1 2 2 3"},
+                             TCase{3, true, TZQPDFPagePosition::ppFirst, "1 1 2 2 3"},
+                             TCase{1, false, TZQPDFPagePosition::ppLast, "1 2 1 2 3"},
+                             TCase{1, true, TZQPDFPagePosition::ppLast, "1 2 3 1 2"}}) {
+        Open(3);
+        TPDFActionGotoPage go;
+        go.PageNumber = row.Page;
+        go.Execute(FDocument);
+        import.finsertAfter = row.After;
+        import.FpagePosition = row.Position;
+        import.Execute(FDocument);
+        EXPECT_EQ(Pages(), row.Expected);
+    }
+}
+
+TEST_F(RunActions, GotoActionsStayWithinTheDocument) {
+    Open(2);
+    const auto at = [&] { return FDocument.PageTree().CurrentPage(); };
+    TPDFActionGotoLastPage().Execute(FDocument);
+    EXPECT_EQ(at(), 2);
+    TPDFActionGotoNextPage().Execute(FDocument);
+    EXPECT_EQ(at(), 2);
+    TPDFActionGotoPreviousPage().Execute(FDocument);
+    EXPECT_EQ(at(), 1);
+    TPDFActionGotoPreviousPage().Execute(FDocument);
+    EXPECT_EQ(at(), 1);
+    TPDFActionGotoPage beyond;
+    beyond.PageNumber = 3;
+    beyond.Execute(FDocument);
+    EXPECT_EQ(at(), 1);
+    TPDFActionGotoLastPage().Execute(FDocument);
+    TPDFActionGotoFirstPage().Execute(FDocument);
+    EXPECT_EQ(at(), 1);
+}
+
+TEST_F(RunActions, CropAndRotate) {
+    Open(2);
+    TPDFActionRotatePages rotate;
+    rotate.FText = "2";
+    rotate.Execute(FDocument);
+    TPDFActionCropPages crop;
+    crop.Ftop = 10;
+    crop.Fleft = 20;
+    crop.Fright = 30;
+    crop.Fbottom = 40;
+    crop.Execute(FDocument);
+    Pages();
+    const QByteArray info = Info({"-box", "-f", "1", "-l", "2"});
+    // A4 upright loses 40 above and below what it loses left and right; the turned page as it is seen.
+    EXPECT_TRUE(info.contains("Page    1 size:  545 x 792")) << info.constData();
+    EXPECT_TRUE(info.contains("Page    2 size:  545 x 792") || info.contains("Page    2 size:  545 x 792"))
+        << info.constData();
+    EXPECT_TRUE(info.contains("Page    2 rot:   90")) << info.constData();
+}
+
+TEST_F(RunActions, ExtractedDocumentsAreSavedAndParked) {
+    Open(4);
+    TPDFActionExtractPages extract;
+    extract.FPageRange = "4,2";
+    extract.FfileName = FWorkspace.Path("part.pdf");
+    const int parked = ParkedCount();
+    extract.Execute(FDocument);
+    extract.Execute(FDocument);
+    EXPECT_EQ(PagesOf("part.pdf"), "4 2");
+    EXPECT_EQ(PagesOf("part (1).pdf"), "4 2");
+    extract.FfileName.clear();
+    extract.Execute(FDocument);
+    EXPECT_EQ(ParkedCount(), parked + 3);
+    EXPECT_EQ(Pages(), "1 2 3 4") << "the document itself is untouched";
+}
+
+TEST_F(RunActions, DescriptionKeepsWhatIsMarkedAsIs) {
+    Open(1);
+    TPDFActionAddDocumentDescription action;
+    action.Description = {"Титул 題", "S", "A", "K", false, false, false, true};
+    action.Execute(FDocument);
+    action.Description = {"no", "", "no", "no", true, false, true, true};
+    action.Execute(FDocument);
+    Pages();
+    const QByteArray info = Info();
+    EXPECT_TRUE(info.contains("Title:           Титул 題")) << info.constData();
+    EXPECT_TRUE(info.contains("Author:          A")) << info.constData();
+    EXPECT_FALSE(info.contains("Subject:         S")) << "an empty text without the flag empties the entry";
+}
+
+TEST_F(RunActions, AttachingTwiceLeavesOneEntry) {
+    Open(1);
+    TPDFActionAddFileAttachment action;
+    action.fileName = FWorkspace.Write("note.txt", "first");
+    action.Execute(FDocument);
+    FWorkspace.Write("note.txt", "second");
+    action.Execute(FDocument);
+    Pages();
+    EXPECT_EQ(RunProgram("qpdf", {"--list-attachments", FWorkspace.Path("out.pdf")}).Out.count("note.txt"),
+              1);
+    EXPECT_EQ(RunProgram("qpdf", {"--show-attachment=note.txt", FWorkspace.Path("out.pdf")}).Out, "second");
+}
+
+TEST_F(RunActions, DecryptWantsTheOwner) {
+    Open(1, {.UserPassword = "", .OwnerPassword = "owner"});
+    TPDFActionDecrypt().Execute(FDocument);
+    Pages();
+    EXPECT_EQ(RunProgram("qpdf", {"--is-encrypted", FWorkspace.Path("out.pdf")}).Exit, 2);
+    FDocument.OpenFromFile(FWorkspace.Path("in.pdf"), {});
+    TPDFActionDecrypt().Execute(FDocument);
+    Pages();
+    EXPECT_EQ(RunProgram("qpdf", {"--is-encrypted", FWorkspace.Path("out.pdf")}).Exit, 0);
+}
+
+TEST_F(RunActions, ABadRangeRaises) {
+    Open(1);
+    TPDFActionRotatePages action;
+    action.FText = "1-x";
+    try {
+        action.Execute(FDocument);
+        FAIL() << "no exception";
+    } catch (const Exception& e) {
+        EXPECT_EQ(e.Message(), "Invalid page range \"1-x\".");
+    }
+}

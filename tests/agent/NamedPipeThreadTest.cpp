@@ -1,0 +1,110 @@
+#include "agent/NamedPipeThread.h"
+#include "base/Exceptions.h"
+#include "platform/NamedPipeServer.h"
+#include "testing/RuntimeFolder.h"
+
+#include <QFileInfo>
+
+#include <chrono>
+#include <gmock/gmock.h>
+
+namespace {
+
+/// The form, as the pipe sees it.
+struct TTarget : TRefreshTarget {
+    void RefreshFolders() override {
+        if (Gone)
+            throw Exception("The folders thread has ended.");
+        ++Folders;
+    }
+    void RefreshActions() override { ++Actions; }
+
+    std::atomic<int> Folders = 0;
+    std::atomic<int> Actions = 0;
+    std::atomic<bool> Gone = false;
+};
+
+class NamedPipeThreadTest : public TRuntimeFolderTest {
+protected:
+    /// What the agent answers to these messages on one connection, the last of them being "check".
+    static QString Say(const QStringList& messages) {
+        TNamedPipeClient client("morvane_watched_folders");
+        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (true) {
+            try {
+                client.OpenPipe();
+                break;
+            } catch (const EPipeError&) { // the thread has yet to bring the pipe up
+                if (std::chrono::steady_clock::now() > patience)
+                    throw;
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        }
+        for (const QString& message : messages)
+            client.WritePipe(message);
+        client.WritePipe("check");
+        QStringList replies;
+        while (replies.size() <= messages.count("check"))
+            replies += client.Read(5000);
+        return replies.join(' ') + client.Read(0);
+    }
+
+    TTarget FTarget;
+    std::atomic<TRefreshTarget*> FForm = nullptr;
+    const TNamedPipeThread::TFindTarget FFind = [this] { return FForm.load(); };
+};
+
+TEST_F(NamedPipeThreadTest, AnswersCheckAndPassesRefreshesOnExactly) {
+    const TNamedPipeThread thread(FFind);
+    EXPECT_EQ(Say({"refresh.folders"}), "OK"); // no form yet: the command is dropped
+    FForm = &FTarget;
+    EXPECT_EQ(FTarget.Folders, 0);
+    EXPECT_EQ(Say({"CHECK", " check", "check ", "chec", "refresh", "Refresh.folders", "refresh.folders "}),
+              "OK");
+    EXPECT_EQ(FTarget.Folders + FTarget.Actions, 0);
+    EXPECT_EQ(Say({"refresh.folders", "check", "refresh.folders"}), "OK OK");
+    EXPECT_EQ(FTarget.Folders, 2);
+    EXPECT_EQ(FTarget.Actions, 0);
+    EXPECT_EQ(Say({"refresh.actions"}), "OK");
+    EXPECT_EQ(FTarget.Folders, 2);
+    EXPECT_EQ(FTarget.Actions, 1);
+}
+
+TEST_F(NamedPipeThreadTest, StopsWithinItsReadAndTakesThePipeAway) {
+    const auto start = std::chrono::steady_clock::now();
+    {
+        const TNamedPipeThread thread(FFind);
+        EXPECT_EQ(Say({}), "OK");
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+    EXPECT_FALSE(QFileInfo::exists(Path("morvane_watched_folders")));
+}
+
+TEST_F(NamedPipeThreadTest, NobodyLeftToRefreshEndsThePipeAndNothingElse) {
+    FForm = &FTarget;
+    FTarget.Gone = true;
+    testing::internal::CaptureStderr();
+    TNamedPipeThread thread(FFind);
+    EXPECT_EQ(Say({}), "OK");
+    TNamedPipeClient client("morvane_watched_folders");
+    client.OpenPipe();
+    client.WritePipe("refresh.folders");
+    thread.WaitFor();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "The thread \"control pipe\" ended: The folders thread has ended.\n");
+    EXPECT_THROW(client.OpenPipe(), EPipeError);
+}
+
+TEST_F(NamedPipeThreadTest, APipeThatIsTakenEndsTheThreadWithALine) {
+    const TNamedPipeThread first(FFind);
+    EXPECT_EQ(Say({}), "OK");
+    testing::internal::CaptureStderr();
+    TNamedPipeThread second(FFind);
+    second.WaitFor();
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "The thread \"control pipe\" ended: Another process serves the pipe \"morvane_watched_folders\".\n");
+    EXPECT_EQ(Say({}), "OK");
+}
+
+} // namespace

@@ -1,0 +1,194 @@
+// One pass: where each file ends up and what the log says, to the letter.
+#include "agent/PlayedRun.h"
+
+#include <QRegularExpression>
+
+class Pass : public TPlayedRun {};
+
+TEST_F(Pass, RoadOfOneFile) {
+    ConfigureOne();
+    const string path = Drop("a.PDF", 2);
+    Play();
+    const string in = FWorkspace.Path("in");
+    EXPECT_EQ(Tree(), "output/a.PDF process/a.PDF");
+    EXPECT_EQ(RunProgram("qpdf", {"--check", in + "/output/a.PDF"}).Exit, 0);
+    EXPECT_TRUE(RunProgram("pdfinfo", {in + "/output/a.PDF"}).Out.contains("Page rot:        90"));
+    EXPECT_EQ(LogLines(), QStringList({
+                              string(256, u'-'),
+                              "Started at 15-Nov-2026 12:00:01, Folder=\"" + in + "\"",
+                              string(256, u'-'),
+                              "Executing \"Rotate\" on " + in + "/output/a.PDF, SUCCESS.",
+                              "Saving \"" + in + "/output/a.PDF\", SUCCESS.",
+                              "Done at 15-Nov-2026 12:00:01",
+                          }));
+    EXPECT_TRUE(FWorkspace.Read("c/logs/2026.11.15.txt").endsWith("12:00:01\r\n"));
+    EXPECT_EQ(FHint.Hints(), QStringList({"Executing \"Rotate\" on \"" + in + "/output/a.PDF\".",
+                                          "Morvane Folder Watcher"}));
+}
+
+TEST_F(Pass, EmptyFolderGetsItsSubfoldersAndNoLine) {
+    ConfigureOne();
+    Play(3);
+    EXPECT_EQ(FWorkspace.Names("in"), QStringList({"Error", "output", "process"}));
+    EXPECT_TRUE(LogLines().isEmpty());
+    EXPECT_TRUE(FWorkspace.Has("c/logs/2026.11.15.txt"));
+}
+
+TEST_F(Pass, NothingIsReplacedUnlessTheFolderSaysSo) {
+    ConfigureOne();
+    for (int i = 0; i < 3; ++i) {
+        Drop("a.pdf", i + 1);
+        Play();
+    }
+    EXPECT_EQ(Tree(), "output/a (1).pdf output/a (2).pdf output/a.pdf "
+                      "process/a (1).pdf process/a (2).pdf process/a.pdf");
+    FThread.reset();
+
+    QDir(FWorkspace.Path("in")).removeRecursively();
+    ConfigureOne("<OverwriteExistingFiles>true</OverwriteExistingFiles>");
+    for (int i = 0; i < 2; ++i) {
+        Drop("a.pdf", i + 1);
+        Play();
+    }
+    EXPECT_EQ(Tree(), "output/a.pdf process/a (1).pdf process/a.pdf");
+    EXPECT_TRUE(
+        RunProgram("qpdf", {"--show-npages", FWorkspace.Path("in/output/a.pdf")}).Out.startsWith("2"));
+}
+
+TEST_F(Pass, ProtectedFileStaysAndIsReportedAtEachTurn) {
+    ConfigureOne();
+    const string path = FWorkspace.Path("in/secret.pdf");
+    MakePdf(path, 1, {.UserPassword = "open", .OwnerPassword = "owner"});
+    Play(2);
+    EXPECT_EQ(Tree(), "/secret.pdf");
+    EXPECT_EQ(Log().count("\"" + path + "\" is password protected, FAILURE."), 2);
+    EXPECT_EQ(Log().count("Done at"), 2);
+}
+
+TEST_F(Pass, FailedFilesGoToErrorAndTheirLineTellsWhy) {
+    ConfigureOne();
+    FWorkspace.Write("in/text.pdf", "no PDF");
+    FWorkspace.Write("in/empty.pdf", "");
+    Drop("z.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "output/z.pdf process/z.pdf Error/empty.pdf Error/text.pdf");
+    EXPECT_TRUE(Log().contains(
+        QRegularExpression("Excution failed. Unhandled exception .*text.pdf.*not a PDF file.*\\.")))
+        << Log().toStdString();
+    EXPECT_EQ(FWorkspace.Read("in/Error/text.pdf"), "no PDF");
+}
+
+TEST_F(Pass, AnActionThatRaisesFailsTheFile) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    WriteFolders(Folder(FWorkspace.Path("in"), "Insert"));
+    WriteActions(List("Insert", RotateAction + "<Action Class=\"TPDFActionInsertPages\"/>"));
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "Error/a.pdf");
+    EXPECT_TRUE(Log().contains("Excution failed. Unhandled exception TPDFAction.Execute invalid "
+                               "propert/parameter name AWidth."));
+}
+
+TEST_F(Pass, UnknownListMovesTheSourceWithoutAResult) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    WriteFolders(Folder(FWorkspace.Path("in"), "None"));
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "process/a.pdf");
+    EXPECT_TRUE(Log().contains("Excution failed. Invalid action specified \"None\"."));
+    EXPECT_FALSE(Log().contains("Executing"));
+}
+
+TEST_F(Pass, UnknownActionClassLeavesNothingOutInSilence) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    WriteFolders(Folder(FWorkspace.Path("in"), "New"));
+    WriteActions(List("New", "<Action Class=\"TPDFActionFromTomorrow\"/>"));
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "Error/a.pdf");
+    EXPECT_TRUE(Log().contains("Unhandled exception Unknown action class \"TPDFActionFromTomorrow\"."));
+}
+
+TEST_F(Pass, BadFoldersAreToldAndTheOthersServed) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    const string in = FWorkspace.Path("in");
+    WriteFolders("<Folder><Name>/off</Name><Enabled>false</Enabled><CheckEvery>1</CheckEvery></Folder>" +
+                 Folder("/no/such", "Rotate") +
+                 "<Folder><Name>/never</Name><CheckEvery>0</CheckEvery></Folder>" + Folder(in, "Rotate"));
+    WriteActions(List("ROTATE", RotateAction));
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf");
+    const QStringList lines = LogLines();
+    EXPECT_EQ(
+        lines.mid(0, 6),
+        QStringList({string(256, u'*'), "Folder \"/off\" is disabled.", string(256, u'*'), string(256, u'*'),
+                     "Watched folder path \"/no/such\" is invalid.", string(256, u'*')}));
+    EXPECT_FALSE(Log().contains("never"));
+}
+
+TEST_F(Pass, DoneLineFollowsTheListReadLast) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    QDir().mkpath(FWorkspace.Path("empty"));
+    WriteActions(List("Rotate", RotateAction));
+    WriteFolders(Folder(FWorkspace.Path("in"), "Rotate") + Folder(FWorkspace.Path("empty"), "Rotate"));
+    Drop("a.pdf");
+    Play();
+    EXPECT_TRUE(Log().contains("Started at"));
+    EXPECT_FALSE(Log().contains("Done at"));
+}
+
+TEST_F(Pass, NamesThatMakeNoPatternBelongToTheirFile) {
+    ConfigureOne();
+    for (int i = 0; i < 3; ++i) {
+        Drop("a(b.pdf", i + 1);
+        Drop("z.pdf", i + 1);
+        Play();
+    }
+    // The first is worked on, the second finds its output name taken and fails, and the third can't even be
+    // named in Error: it stays, and what lies behind it is served all the same.
+    EXPECT_EQ(Tree(), "/a(b.pdf output/a(b.pdf output/z (1).pdf output/z (2).pdf output/z.pdf "
+                      "process/a(b.pdf process/z (1).pdf process/z (2).pdf process/z.pdf Error/a(b.pdf");
+    EXPECT_TRUE(Log().contains("missing closing parenthesis"));
+}
+
+TEST_F(Pass, LogIsAsciiAndOneLineStaysOne) {
+    ConfigureOne();
+    Drop(QStringLiteral("Договор\n😀.pdf"));
+    Play();
+    EXPECT_TRUE(FWorkspace.Has(QStringLiteral("in/output/Договор\n😀.pdf")));
+    EXPECT_TRUE(Log().contains("Saving \"" + FWorkspace.Path("in/output/") + "?????????.pdf\", SUCCESS."))
+        << Log().toStdString();
+}
+
+TEST_F(Pass, FilesInSubfoldersAndOtherNamesAreLeftAlone) {
+    ConfigureOne();
+    QDir().mkpath(FWorkspace.Path("in/sub"));
+    MakePdf(FWorkspace.Path("in/sub/a.pdf"), 1);
+    FWorkspace.Write("in/a.pdf.txt", "x");
+    FWorkspace.Write("in/.b.pdf", "x");
+    Play();
+    EXPECT_EQ(Tree(), "/.b.pdf /a.pdf.txt");
+    EXPECT_TRUE(FWorkspace.Has("in/sub/a.pdf"));
+}
+
+TEST_F(Pass, LeftoversOfADeadRunAreSwept) {
+    ConfigureOne();
+    for (const char* folder : {"output", "process", "Error"})
+        FWorkspace.Write(string("in/") + folder + "/.morvane-abc123.part", "half");
+    Play();
+    for (const char* folder : {"output", "process", "Error"})
+        EXPECT_TRUE(FWorkspace.Names(string("in/") + folder).isEmpty());
+}
+
+TEST_F(Pass, SubfolderThatCannotBeMadeEndsThePassUntilItCan) {
+    ConfigureOne();
+    FWorkspace.Write("in/output", "a file where the subfolder should be");
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "/a.pdf /output");
+    EXPECT_EQ(FHint.Hints(), QStringList()) << "a pass that ended early leaves the hint";
+    QFile::remove(FWorkspace.Path("in/output"));
+    Play();
+    EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf");
+}

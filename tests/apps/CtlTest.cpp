@@ -1,0 +1,166 @@
+#include "agent/NamedPipeThread.h"
+#include "platform/NamedPipeServer.h"
+#include "testing/RuntimeFolder.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <gmock/gmock.h>
+
+using testing::HasSubstr;
+
+namespace {
+
+struct TResult {
+    int Code = -1;
+    std::string Out, Err;
+};
+
+TResult RunProgram(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(30'000))
+        return {};
+    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+            process.readAllStandardError().toStdString()};
+}
+
+TResult Ctl(const QString& words) {
+    return RunProgram(MORVANECTL, words.split(' ', Qt::SkipEmptyParts));
+}
+
+struct TTarget : TRefreshTarget {
+    void RefreshFolders() override { ++Folders; }
+    void RefreshActions() override { ++Actions; }
+    std::atomic<int> Folders = 0;
+    std::atomic<int> Actions = 0;
+};
+
+class CtlTest : public TRuntimeFolderTest {
+protected:
+    /// The pipe's thread needs a moment to bring its pipe up.
+    static void WaitForAgent() {
+        while (Ctl("-q check").Code != 0) {
+        }
+    }
+    static QString Source(const char* path) { return QString(MORVANE_SOURCE) + '/' + path; }
+};
+
+TEST_F(CtlTest, SaysWhetherTheAgentRuns) {
+    const TResult without = Ctl("check");
+    EXPECT_EQ(without.Code, 1);
+    EXPECT_EQ(without.Out, "");
+    EXPECT_EQ(without.Err, "The agent is not running.\n");
+    EXPECT_EQ(Ctl("--quiet refresh actions").Code, 1);
+
+    const TNamedPipeThread agent(nullptr);
+    WaitForAgent();
+    const TResult with = Ctl("check");
+    EXPECT_EQ(with.Code, 0);
+    EXPECT_EQ(with.Out, "The agent is running.\n");
+    EXPECT_EQ(with.Err, "");
+    EXPECT_EQ(Ctl("check -q").Out, "");
+}
+
+TEST_F(CtlTest, ARefreshHasReachedTheAgentWhenTheCommandEnds) {
+    TTarget target;
+    const TNamedPipeThread agent([&] { return &target; });
+    WaitForAgent();
+    EXPECT_EQ(Ctl("refresh folders").Code, 0);
+    EXPECT_EQ(target.Folders, 1);
+    EXPECT_EQ(target.Actions, 0);
+    const TResult actions = Ctl("refresh actions");
+    EXPECT_EQ(actions.Code, 0);
+    EXPECT_EQ(actions.Out + actions.Err, "");
+    EXPECT_EQ(target.Folders, 1);
+    EXPECT_EQ(target.Actions, 1);
+}
+
+TEST_F(CtlTest, AnAgentThatHangsIsNotWaitedForLongerThanTold) {
+    TNamedPipeServer hanging("morvane_watched_folders", ".");
+    hanging.OpenPipe();
+    for (const char* words : {"check --timeout 0.2", "-t 0 refresh folders"}) {
+        const TResult result = Ctl(words);
+        EXPECT_EQ(result.Code, 3) << words;
+        EXPECT_EQ(result.Err, "The agent does not answer.\n") << words;
+    }
+}
+
+TEST_F(CtlTest, WrongUsageIsToldApart) {
+    const struct {
+        const char* Words;
+        const char* Message;
+    } cases[] = {
+        {"", "A command is missing."},
+        {"start", "Unknown command \"start\"."},
+        {"Check", "Unknown command \"Check\"."},
+        {"check now", "The command \"check\" takes nothing more."},
+        {"refresh", "The command \"refresh\" needs one of: folders actions."},
+        {"refresh all", "The command \"refresh\" needs one of: folders actions."},
+        {"refresh folders actions", "The command \"refresh\" needs one of: folders actions."},
+        {"check -t soon", "\"soon\" is not a number of seconds up to 3600."},
+        {"check -t -1", "\"-1\" is not a number of seconds up to 3600."},
+        {"check -t nan", "\"nan\" is not a number of seconds up to 3600."},
+        {"check --loud", "Unknown option 'loud'."},
+    };
+    for (const auto& c : cases) {
+        const TResult result = Ctl(c.Words);
+        EXPECT_EQ(result.Code, 2) << c.Words;
+        EXPECT_EQ(result.Out, "") << c.Words;
+        EXPECT_EQ(result.Err, std::string("morvanectl: ") + c.Message + " Try \"morvanectl --help\".\n");
+    }
+}
+
+TEST_F(CtlTest, TheManualAndTheCompletionKnowWhatTheHelpKnows) {
+    EXPECT_EQ(Ctl("--version").Out, "morvanectl " MORVANE_VERSION "\n");
+    const TResult help = Ctl("--help");
+    ASSERT_EQ(help.Code, 0);
+    QFile manual(Source("docs/man/morvanectl.1"));
+    QFile completion(Source("completions/bash/morvanectl"));
+    ASSERT_TRUE(manual.open(QIODevice::ReadOnly) && completion.open(QIODevice::ReadOnly));
+    const std::string manualText = manual.readAll().replace("\\-", "-").toStdString();
+    const std::string completionText = completion.readAll().toStdString();
+    int words = 0;
+    for (const QString& line : QString::fromStdString(help.Out).split('\n')) {
+        if (!line.startsWith("  "))
+            continue;
+        // Everything in the left column but placeholders.
+        for (const QString& word : line.mid(2, 24).split(QRegularExpression("[ ,|]+"), Qt::SkipEmptyParts)) {
+            if (word.startsWith('<'))
+                continue;
+            ++words;
+            EXPECT_THAT(manualText, HasSubstr(word.toStdString()));
+            EXPECT_THAT(completionText, HasSubstr(word.toStdString()));
+        }
+    }
+    EXPECT_GE(words, 12);
+}
+
+TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
+    const struct {
+        const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
+        const char* Offered;
+    } cases[] = {
+        {"_", "check refresh"},
+        {"re", "refresh"},
+        {"refresh _", "folders actions"},
+        {"-q refresh f", "folders"},
+        {"--timeout _", ""},
+        {"--timeout 3 c", "check"},
+        {"check _", ""},
+        {"refresh folders _", ""},
+        {"check --q", "--quiet"},
+    };
+    for (const auto& c : cases) {
+        const QString words = QString(c.Line).replace('_', "''");
+        const TResult result = RunProgram(
+            "bash",
+            {"-c", QString("source '%1'; COMP_WORDS=(morvanectl %2); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); "
+                           "_morvanectl; echo \"${COMPREPLY[*]}\"")
+                       .arg(Source("completions/bash/morvanectl"), words)});
+        EXPECT_EQ(result.Out, std::string(c.Offered) + "\n") << c.Line << result.Err;
+    }
+}
+
+} // namespace

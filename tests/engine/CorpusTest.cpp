@@ -1,0 +1,145 @@
+// Files that nobody made for us: opened, worked on as the run does, and judged by others.
+#include "engine/Document.h"
+#include "engine/PdfJudges.h"
+
+namespace {
+
+struct TCorpusFile {
+    string Path;
+    int Pages = 0;
+    string Class;
+    int QpdfExit = 0;
+};
+
+/// The corpus lies beside the working copy where there is one.
+std::vector<TCorpusFile> CorpusFiles(const QStringList& classes) {
+    const string folder = QStringLiteral(CORPUS_FOLDER "/");
+    std::vector<TCorpusFile> files;
+    QFile manifest(folder + QStringLiteral("MANIFEST.tsv"));
+    if (!manifest.open(QIODevice::ReadOnly))
+        return files;
+    const QStringList lines = QString::fromUtf8(manifest.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList columns = lines[0].split(u'\t');
+    for (const QString& line : lines.mid(1)) {
+        const QStringList row = line.split(u'\t');
+        const auto column = [&](const char* name) {
+            return row.value(int(columns.indexOf(QLatin1String(name))));
+        };
+        if (classes.contains(column("expected_class")))
+            files.push_back({folder + column("path"), column("pages").toInt(), column("expected_class"),
+                             column("checks").mid(5, 1).toInt()});
+    }
+    return files;
+}
+
+/// Pages that libqpdf finds: none where the page tree itself is lost, and other readers guess.
+bool HasReadableTree(const TCorpusFile& file) {
+    return RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--show-npages"), file.Path}).Out.trimmed() !=
+           "0";
+}
+
+struct TCorpus : testing::Test {
+    void SetUp() override {
+        if (!QFileInfo::exists(QStringLiteral(CORPUS_FOLDER "/MANIFEST.tsv")))
+            GTEST_SKIP() << "no corpus at " CORPUS_FOLDER;
+    }
+};
+
+TEST_F(TCorpus, GoodAndRepairableFilesAreRotatedDescribedAndSaved) {
+    const TWorkspace files;
+    const string out = files.Path(QStringLiteral("out.pdf"));
+    for (const TCorpusFile& file : CorpusFiles({"ok", "damaged-recoverable"})) {
+        SCOPED_TRACE(file.Path.toStdString());
+        if (!HasReadableTree(file)) {
+            EXPECT_THROW(static_cast<void>(TPDFDocument::IsPasswordProtected(file.Path)), EPDFError);
+            continue;
+        }
+        EXPECT_FALSE(TPDFDocument::IsPasswordProtected(file.Path));
+        TZQPDFDocument document(nullptr);
+        document.OpenFromFile(file.Path, {});
+        EXPECT_EQ(document.GetPageCount(), file.Pages);
+        std::vector<int> rotations;
+        for (int i = 0; i < document.GetPageCount(); ++i)
+            rotations.push_back(document.Pages().getItem(i).Geometry().Rotation);
+        document.RotatePages({}, 90);
+        document.SetInfoString("Title", QStringLiteral("Titel Ω"), false);
+        document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
+        EXPECT_LE(QpdfCheck(out), file.QpdfExit == 3 ? 3 : 0);
+        EXPECT_EQ(PdfInfo(out, QStringLiteral("Pages")).toInt(), file.Pages);
+        EXPECT_EQ(PdfInfo(out, QStringLiteral("Title")), QStringLiteral("Titel Ω"));
+        TZQPDFDocument saved(nullptr);
+        saved.OpenFromFile(out, {});
+        ASSERT_EQ(saved.GetPageCount(), file.Pages);
+        for (int i = 0; i < saved.GetPageCount(); ++i)
+            ASSERT_EQ(saved.Pages().getItem(i).Geometry().Rotation, (rotations[size_t(i)] + 90) % 360);
+    }
+}
+
+TEST_F(TCorpus, PagesCanBeTakenOutAndPutTogether) {
+    const TWorkspace files;
+    const string out = files.Path(QStringLiteral("out.pdf"));
+    TZQPDFDocument all(nullptr);
+    int expected = 1;
+    for (const TCorpusFile& file : CorpusFiles({"ok", "damaged-recoverable"})) {
+        SCOPED_TRACE(file.Path.toStdString());
+        if (file.Pages > 50 || !HasReadableTree(file))
+            continue;
+        TZQPDFDocument source(nullptr);
+        source.OpenFromFile(file.Path, {});
+        TZQPDFDocument extract(nullptr);
+        ASSERT_EQ(extract.ImportPagesFrom(source, "last", -1), 1);
+        extract.DeletePage(0);
+        extract.SaveCopyToFile(out, /*keepSource*/ true, /*takeName*/ false);
+        EXPECT_LE(QpdfCheck(out), file.QpdfExit == 3 ? 3 : 0);
+        EXPECT_EQ(PdfInfo(out, QStringLiteral("Pages")), "1");
+        EXPECT_EQ(CountOfType(out, QStringLiteral("/Page")), 1);
+        expected += all.ImportPagesFrom(source, "1,last", 1);
+        if (source.GetPageCount() > 1) {
+            source.DeletePageRange(QStringLiteral("1"));
+            source.SaveToPath(out, true, false);
+            EXPECT_LE(QpdfCheck(out), file.QpdfExit == 3 ? 3 : 0);
+            EXPECT_EQ(PdfInfo(out, QStringLiteral("Pages")).toInt(), file.Pages - 1);
+        }
+    }
+    all.SaveToPath(out, true, false);
+    EXPECT_LE(QpdfCheck(out), 3);
+    EXPECT_EQ(PdfInfo(out, QStringLiteral("Pages")).toInt(), expected);
+}
+
+TEST_F(TCorpus, ProtectedFilesAreTold) {
+    for (const TCorpusFile& file : CorpusFiles({"needs-password"})) {
+        SCOPED_TRACE(file.Path.toStdString());
+        EXPECT_TRUE(TPDFDocument::IsPasswordProtected(file.Path));
+        TZQPDFDocument document(nullptr);
+        EXPECT_THROW(document.OpenFromFile(file.Path, {}), EPDFError);
+    }
+}
+
+TEST_F(TCorpus, WhatIsNoPdfOrBeyondRepairIsRefusedWithAReason) {
+    for (const TCorpusFile& file : CorpusFiles({"damaged", "not-pdf"})) {
+        SCOPED_TRACE(file.Path.toStdString());
+        EXPECT_THROW(static_cast<void>(TPDFDocument::IsPasswordProtected(file.Path)), EPDFError);
+        try {
+            TZQPDFDocument document(nullptr);
+            document.OpenFromFile(file.Path, {});
+            ADD_FAILURE() << "opened";
+        } catch (const EPDFError& e) {
+            const char* reason = file.Class == "damaged" ? "damaged: no pages can be read" : "not a PDF file";
+            EXPECT_EQ(e.Message(),
+                      QStringLiteral("Cannot open \"%1\": %2.").arg(file.Path, QLatin1String(reason)));
+        }
+    }
+}
+
+TEST_F(TCorpus, SignaturesAreCounted) {
+    const string folder = QStringLiteral(CORPUS_FOLDER "/signed/");
+    for (const QString& name : QDir(folder).entryList({"*.pdf"}, QDir::Files)) {
+        TZQPDFDocument document(nullptr);
+        document.OpenFromFile(folder + name, {});
+        const QByteArray judged =
+            RunProgram(QStringLiteral("pdfsig"), {QStringLiteral("-nocert"), folder + name}).Out;
+        EXPECT_EQ(document.GetSignaturesCount(), judged.count("Signature #")) << name.toStdString();
+    }
+}
+
+} // namespace

@@ -1,0 +1,182 @@
+// Protection: permissions, encryption, and what saving does to it.
+#include "base/Reflection.h"
+#include "engine/Document.h"
+#include "engine/PdfJudges.h"
+
+namespace {
+
+using THandler = TPDFPasswordSecurityHandler;
+
+struct TSecurityCase : testing::Test {
+    const TWorkspace Files;
+    const string In = Files.Path(QStringLiteral("in.pdf"));
+    const string Out = Files.Path(QStringLiteral("out.pdf"));
+    TZQPDFDocument Document{nullptr};
+
+    /// As the script document encrypts.
+    void Encrypt(quint32 cipher, int bits, const NarrowString& owner, const NarrowString& user) {
+        auto* handler = new THandler(nullptr);
+        Document.SetSecurityHandler(handler);
+        handler->StreamCipher = handler->StringCipher = cipher;
+        handler->SetStreamEncryptionKeyBits(bits);
+        handler->SetStringEncryptionKeyBits(bits);
+        Document.SetUserPassword(user);
+        Document.SetOwnerPassword(owner);
+        TPDFDocPermissions allowed;
+        allowed.FPrint = false;
+        allowed.FCopy = false;
+        handler->Permissions()->Load(&allowed);
+        handler->SetOwnerPassword(Widen(Document.OwnerPassword()));
+        handler->SetUserPassword(Widen(Document.UserPassword()));
+        Document.Encrypt();
+    }
+    void Save() { Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false); }
+    [[nodiscard]] QString ShowEncryption(const string& password) const {
+        return QString::fromUtf8(
+            RunProgram(QStringLiteral("qpdf"),
+                       {QStringLiteral("--password=") + password, QStringLiteral("--show-encryption"), Out})
+                .Out);
+    }
+};
+
+TEST_F(TSecurityCase, EachAlgorithmProtectsAsItSays) {
+    struct {
+        quint32 Cipher;
+        int Bits;
+        const char* Owner;
+        const char* User;
+        const char* Shown;
+    } const cases[] = {
+        {THandler::CipherRC4, 40, "own", "open", "R = 2"},
+        {THandler::CipherRC4, 128, "ownÄ", "öffne", "R = 3"},
+        {THandler::CipherAES128, 0, "own", "open", "AESv2"},
+        {THandler::CipherAES256, 0, "所有者", "開く", "AESv3"},
+        {THandler::CipherAES256, 0, "", "open", "AESv3"},
+        {THandler::CipherAES256, 0, "own", "", "AESv3"},
+        {THandler::CipherAES128, 0, "", "", "AESv2"},
+    };
+    for (const auto& c : cases) {
+        MakePdf(In, 2);
+        Document.OpenFromFile(In, {});
+        EXPECT_FALSE(Document.getIsEncrypted());
+        Encrypt(c.Cipher, c.Bits, c.Owner, c.User);
+        EXPECT_TRUE(Document.getIsEncrypted());
+        Save();
+        EXPECT_EQ(TPDFDocument::IsPasswordProtected(Out), *c.User != '\0') << c.Shown;
+        TZQPDFDocument reader(nullptr);
+        reader.OpenFromFile(Out, c.User);
+        EXPECT_TRUE(reader.getIsEncrypted());
+        EXPECT_FALSE(static_cast<THandler*>(reader.SecurityHandler())->IsOwnerPasswordValid())
+            << "nobody becomes the owner by the open password";
+        EXPECT_EQ(static_cast<THandler*>(reader.SecurityHandler())->StreamCipher, c.Cipher);
+        const QString shown = ShowEncryption(QString::fromUtf8(c.User));
+        EXPECT_TRUE(shown.contains(QLatin1String(c.Shown))) << shown.toStdString();
+        EXPECT_TRUE(shown.contains(QStringLiteral("extract for any purpose: not allowed")));
+        EXPECT_TRUE(shown.contains(QStringLiteral("print low resolution: not allowed")));
+        EXPECT_TRUE(shown.contains(QStringLiteral("modify annotations: allowed")));
+        if (*c.Owner != '\0') {
+            TZQPDFDocument owner(nullptr);
+            owner.OpenFromFile(Out, c.Owner);
+            EXPECT_TRUE(static_cast<THandler*>(owner.SecurityHandler())->IsOwnerPasswordValid());
+        }
+    }
+}
+
+TEST_F(TSecurityCase, AnUnchosenCipherMakesSavingRaiseAndWritesNothing) {
+    MakePdf(In, 1);
+    Document.OpenFromFile(In, {});
+    for (const auto& [cipher, bits] : {std::pair(THandler::CipherNone, 0), std::pair(THandler::CipherRC4, 0),
+                                       std::pair(quint32(0x1234), 128)}) {
+        Encrypt(cipher, bits, "own", "open");
+        EXPECT_THROW(Save(), EPDFError);
+        EXPECT_EQ(Files.Names(), QStringList{"in.pdf"});
+    }
+    Encrypt(THandler::CipherRC4, 128, "own", "日本"); // not encodable before 256 bits
+    EXPECT_THROW(Save(), EPDFError);
+    EXPECT_EQ(Files.Names(), QStringList{"in.pdf"});
+}
+
+TEST_F(TSecurityCase, SavingKeepsTheEncryptionItFound) {
+    MakePdf(In, 2,
+            {.UserPassword = QStringLiteral("open"),
+             .OwnerPassword = QStringLiteral("own"),
+             .Restrictions = {QStringLiteral("--print=none")}});
+    Document.OpenFromFile(In, "open");
+    Document.RotatePages({}, 90);
+    Document.SetInfoString("Title", QStringLiteral("Secret"), false);
+    Save();
+    EXPECT_FALSE(Files.Read(QStringLiteral("out.pdf")).contains("Secret"));
+    EXPECT_TRUE(
+        ShowEncryption(QStringLiteral("open")).contains(QStringLiteral("print low resolution: not allowed")));
+    EXPECT_TRUE(ShowEncryption(QStringLiteral("own"))
+                    .contains(QStringLiteral("Supplied password is owner password")));
+    EXPECT_EQ(PageTexts(Out, {QStringLiteral("-upw"), QStringLiteral("open")}),
+              (QStringList{"Page 1", "Page 2"}));
+    Document.SaveToPath(Out, /*keepSource*/ false, false); // reopens with the same password
+    EXPECT_EQ(Document.GetInfoString("Title"), "Secret");
+}
+
+TEST_F(TSecurityCase, OnlyTheOwnerLiftsIt) {
+    MakePdf(In, 1, {.UserPassword = QStringLiteral("open"), .OwnerPassword = QStringLiteral("own")});
+    Document.OpenFromFile(In, "open");
+    EXPECT_FALSE(Document.Decrypt());
+    EXPECT_TRUE(Document.getIsEncrypted());
+    Document.OpenFromFile(In, "own");
+    EXPECT_TRUE(Document.Decrypt());
+    EXPECT_FALSE(Document.getIsEncrypted());
+    EXPECT_EQ(Document.SecurityHandler(), nullptr);
+    Document.SaveToPath(Out, /*keepSource*/ false, /*takeName*/ true);
+    EXPECT_EQ(PageTexts(Out), QStringList{"Page 1"});
+    EXPECT_FALSE(TPDFDocument::IsPasswordProtected(Out));
+    EXPECT_FALSE(Document.Decrypt()) << "nothing to lift";
+}
+
+TEST_F(TSecurityCase, PermissionsFollowTheirBits) {
+    struct {
+        QStringList Restrictions;
+        bool Modify, Annots, Pages;
+    } const cases[] = {
+        {{}, true, true, true},
+        {{"--modify=none"}, false, false, false},
+        {{"--modify=assembly"}, false, false, true},
+        {{"--modify=annotate"}, false, true, true},
+        {{"--modify-other=n"}, false, true, true},
+        {{"--assemble=n"}, true, true, true}, // who may change anything may change pages, too
+        {{"--annotate=n"}, true, false, true},
+    };
+    for (const auto& c : cases) {
+        MakePdf(In, 1, {.OwnerPassword = QStringLiteral("own"), .Restrictions = c.Restrictions});
+        Document.OpenFromFile(In, {});
+        const std::string which = c.Restrictions.join(u' ').toStdString();
+        EXPECT_EQ(Document.GetCanModify(), c.Modify) << which;
+        EXPECT_EQ(Document.GetCanChangeDocument(), c.Modify) << which;
+        EXPECT_EQ(Document.GetCanModifyAnnots(), c.Annots) << which;
+        EXPECT_EQ(Document.GetCanModifyPages(), c.Pages) << which;
+        EXPECT_EQ(Document.GetCanModifyOutlines(), c.Pages) << which;
+        Document.OpenFromFile(In, "own");
+        EXPECT_TRUE(Document.GetCanModify() && Document.GetCanModifyAnnots() && Document.GetCanModifyPages())
+            << which;
+    }
+    TZQPDFDocument blank(nullptr);
+    EXPECT_TRUE(blank.GetCanModify() && blank.GetCanModifyPages());
+}
+
+TEST(DocPermissions, EveryPermissionIsAMemberAndCopied) {
+    TPDFDocPermissions all;
+    TPDFDocPermissions none;
+    const auto members = Reflection::Members(TPDFDocPermissions::staticMetaObject);
+    QStringList names;
+    for (const QMetaProperty& member : members) {
+        names.append(QString::fromLatin1(member.name()));
+        EXPECT_TRUE(member.read(&all).toBool());
+        member.write(&none, false);
+    }
+    EXPECT_EQ(names.join(u' '),
+              "Print PrintHighResolution Modify Copy Accessibility Annotate FillForms Assemble");
+    all.Load(&none);
+    all.Load(nullptr);
+    for (const QMetaProperty& member : members)
+        EXPECT_FALSE(member.read(&all).toBool()) << member.name();
+}
+
+} // namespace

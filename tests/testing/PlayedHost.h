@@ -1,0 +1,88 @@
+#pragma once
+// The world of the run as a test plays it: ticks come when they are told to, every file is ready at once, and
+// hints are noted.
+#include "agent/RunHost.h"
+#include "base/FolderListing.h"
+
+#include <condition_variable>
+#include <mutex>
+
+/// Lets as many ticks pass as the test asks for.
+class TPlayedClock : public TRunClock {
+public:
+    [[nodiscard]] QDateTime Now() override {
+        const std::lock_guard lock(FMutex);
+        return FNow;
+    }
+    void WaitTick() override {
+        std::unique_lock lock(FMutex);
+        FIdle = true;
+        FChanged.notify_all();
+        FChanged.wait(lock, [this] { return FAllowed > 0 || FAwake; });
+        if (FAllowed > 0)
+            --FAllowed;
+        FNow = FNow.addSecs(1);
+        FIdle = false;
+    }
+    void Wake() override {
+        const std::lock_guard lock(FMutex);
+        FAwake = true;
+        FChanged.notify_all();
+    }
+    void Play(int ticks) {
+        std::unique_lock lock(FMutex);
+        FAllowed = ticks;
+        FIdle = false;
+        FChanged.notify_all();
+        FChanged.wait(lock, [this] { return FIdle && FAllowed == 0; });
+    }
+    /// Serves another thread after one was told to end.
+    void Restart() {
+        const std::lock_guard lock(FMutex);
+        FAwake = false;
+        FIdle = false;
+    }
+    /// One tick, without waiting for its end.
+    void PlayOne() {
+        const std::lock_guard lock(FMutex);
+        FAllowed = 1;
+        FChanged.notify_all();
+    }
+    void SetNow(const QDateTime& now) {
+        const std::lock_guard lock(FMutex);
+        FNow = now;
+    }
+
+private:
+    std::mutex FMutex;
+    std::condition_variable FChanged;
+    QDateTime FNow{QDate(2026, 11, 15), QTime(12, 0)};
+    int FAllowed = 0;
+    bool FIdle = false;
+    bool FAwake = false;
+};
+
+/// Every file is ready at once.
+class TPlainFiles : public TFolderFiles {
+public:
+    [[nodiscard]] QStringList ReadyFiles(const string& folder, qint64) override {
+        return ListFiles(folder, QStringLiteral("*.pdf"));
+    }
+};
+
+class TNotedHint : public TTrayHint {
+public:
+    void SetHint(const string& text) override {
+        const std::lock_guard lock(FMutex);
+        if (FHints.isEmpty() || FHints.last() != text)
+            FHints.append(text);
+    }
+    [[nodiscard]] QStringList Hints() {
+        const std::lock_guard lock(FMutex);
+        return FHints;
+    }
+
+private:
+    std::mutex FMutex;
+    QStringList FHints;
+};

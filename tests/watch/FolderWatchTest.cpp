@@ -1,0 +1,219 @@
+#include "watch/FolderWatch.h"
+#include "base/Exceptions.h"
+#include "platform/ChangeNotification.h"
+#include "testing/Delivery.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+class FolderWatchTest : public testing::Test {
+protected:
+    FolderWatchTest() {
+        for (const char* folder : {"one/sub", "two"})
+            QDir(FBase.path()).mkpath(folder);
+        FWatch.SetNotifyFilters(TFolderWatch::nfLastWrite);
+        FWatch.SetDirectory(Path("one"));
+        FWatch.SetOnChange([this](TFolderWatch& sender) {
+            EXPECT_EQ(&sender, &FWatch);
+            EXPECT_EQ(std::this_thread::get_id(), FMaker);
+            ++FChanges;
+        });
+    }
+    QString Path(const QString& name) const { return FBase.filePath(name); }
+    void Write(const QString& name) const {
+        QFile file(Path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("text");
+    }
+    bool Reports(const std::function<void()>& change) {
+        FChanges = 0;
+        change();
+        return DeliverUntil([&] { return FChanges > 0; });
+    }
+    bool IsSilent(const std::function<void()>& change) {
+        FChanges = 0;
+        change();
+        DeliverFor(60);
+        return FChanges == 0;
+    }
+
+    /// A new watch takes a moment to open, and nothing tells when it has: changes are made until one is seen.
+    void AwaitWatch(const QString& folder) {
+        int probes = 0;
+        do {
+            FChanges = 0;
+            Write(folder + "/probe");
+            QDir(Path(folder)).mkdir(QString("probe%1").arg(++probes));
+            DeliverFor(60);
+        } while (FChanges == 0 && probes < 200);
+        ASSERT_GT(FChanges, 0) << folder.toStdString();
+        DeliverFor(60);
+    }
+
+    QTemporaryDir FBase;
+    const std::thread::id FMaker = std::this_thread::get_id();
+    int FChanges = 0;
+    TFolderWatch FWatch{nullptr};
+};
+
+TEST_F(FolderWatchTest, StartsWithTheseDefaults) {
+    const TFolderWatch watch(nullptr);
+    EXPECT_EQ(watch.Directory(), "/");
+    EXPECT_EQ(watch.NotifyFilters(),
+              TFolderWatch::nfFilename | TFolderWatch::nfDirname | TFolderWatch::nfLastWrite);
+    EXPECT_FALSE(watch.WatchSubDirs());
+    EXPECT_FALSE(watch.Active());
+    EXPECT_EQ(watch.Thread(), nullptr);
+    QStringList names;
+    for (const QMetaProperty& member : Reflection::Members(TFolderWatch::staticMetaObject))
+        names += member.name();
+    EXPECT_EQ(names.join(' '), "Name Tag Directory NotifyFilters WatchSubDirs Active OnChange");
+}
+
+TEST_F(FolderWatchTest, FiltersAreTheseFlagsOfThePlatform) {
+    const Cardinal flags[] = {1, 2, 4, 8, 16, 256};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(ChangeFiltersOf(TFolderWatch::TNotifyFilters(1 << i)), flags[i]);
+    EXPECT_EQ(ChangeFiltersOf(TFolderWatch::TNotifyFilters(63)), 287u);
+    EXPECT_EQ(ChangeFiltersOf({}), 0u);
+}
+
+TEST_F(FolderWatchTest, OneSaveIsOneEvent) {
+    FWatch.SetActive(/*active=*/true);
+    AwaitWatch("one");
+    // The promise holds for what comes within a few milliseconds, so a save that was itself held up by a
+    // busy machine proves nothing and is made again.
+    for (int attempt = 0; attempt < 50; ++attempt) {
+        FChanges = 0;
+        const auto start = std::chrono::steady_clock::now();
+        QFile file(Path("one/watchedfolders.xml"));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        for (int i = 0; i < 20; ++i)
+            file.write("piece");
+        file.close();
+        const auto took = std::chrono::steady_clock::now() - start;
+        ASSERT_TRUE(DeliverUntil([&] { return FChanges > 0; }));
+        DeliverFor(60);
+        if (took < std::chrono::milliseconds(5))
+            break;
+    }
+    EXPECT_EQ(FChanges, 1);
+    EXPECT_TRUE(Reports([&] { QFile::rename(Path("one/watchedfolders.xml"), Path("one/renamed.xml")); }));
+}
+
+TEST_F(FolderWatchTest, TheDirectoryChangesUnderTheRunningThread) {
+    FWatch.SetActive(/*active=*/true);
+    const auto* thread = FWatch.Thread();
+    ASSERT_NE(thread, nullptr);
+    for (const char* same : {"one", "one/"})
+        FWatch.SetDirectory(Path(same));
+    AwaitWatch("one");
+    EXPECT_TRUE(Reports([&] { Write("one/file"); }));
+    FWatch.SetDirectory(Path("two"));
+    EXPECT_EQ(FWatch.Directory(), Path("two") + "/");
+    EXPECT_EQ(FWatch.Thread(), thread);
+    AwaitWatch("two");
+    EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
+    EXPECT_TRUE(Reports([&] { Write("two/file"); }));
+}
+
+TEST_F(FolderWatchTest, AnotherFilterOrAnotherTreeTakesANewThread) {
+    FWatch.SetActive(/*active=*/true);
+    AwaitWatch("one");
+    EXPECT_TRUE(IsSilent([&] { Write("one/sub/file"); }));
+    FWatch.SetWatchSubDirs(/*watchSubDirs=*/true);
+    EXPECT_TRUE(FWatch.Active());
+    AwaitWatch("one");
+    EXPECT_TRUE(Reports([&] { Write("one/sub/file"); }));
+    FWatch.SetNotifyFilters(TFolderWatch::nfDirname);
+    AwaitWatch("one");
+    EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
+    EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("new"); }));
+    FWatch.SetActive(/*active=*/false);
+    EXPECT_EQ(FWatch.Thread(), nullptr);
+    FWatch.SetWatchSubDirs(/*watchSubDirs=*/false); // starts nothing
+    EXPECT_FALSE(FWatch.Active());
+    EXPECT_TRUE(IsSilent([&] { QDir(Path("one")).mkdir("newer"); }));
+    FWatch.SetActive(/*active=*/true);
+    AwaitWatch("one");
+    EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("newest"); }));
+}
+
+TEST_F(FolderWatchTest, AMissingDirectoryRaisesAndChangesNothing) {
+    const auto messageOf = [](const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const Exception& e) {
+            return e.Message();
+        }
+        return QString("nothing raised");
+    };
+    const QString missing = Path("missing");
+    EXPECT_EQ(messageOf([&] { FWatch.SetDirectory(missing); }), "Invalid Directory: " + missing + "/");
+    EXPECT_EQ(FWatch.Directory(), Path("one") + "/");
+    FWatch.SetDirectory(Path("two"));
+    QDir(Path("two")).removeRecursively();
+    EXPECT_EQ(messageOf([&] { FWatch.SetActive(/*active=*/true); }),
+              "Invalid Directory: " + Path("two") + "/");
+    EXPECT_FALSE(FWatch.Active());
+    EXPECT_EQ(FWatch.Thread(), nullptr);
+    FWatch.SetDirectory(Path("one"));
+    FWatch.SetActive(/*active=*/true);
+    FWatch.SetDirectory("");
+    EXPECT_FALSE(FWatch.Active());
+    EXPECT_EQ(FWatch.Directory(), "");
+    EXPECT_EQ(messageOf([&] { FWatch.SetActive(/*active=*/true); }), "Invalid Directory: ");
+}
+
+TEST_F(FolderWatchTest, AVanishedDirectoryIsWaitedOutUntilAnotherIsSet) {
+    FWatch.SetDirectory(Path("two"));
+    FWatch.SetActive(/*active=*/true);
+    AwaitWatch("two");
+    EXPECT_TRUE(IsSilent([&] {
+        QDir(Path("two")).removeRecursively();
+        QDir().mkdir(Path("two"));
+        Write("two/file");
+    }));
+    FWatch.SetDirectory(Path("one"));
+    AwaitWatch("one");
+    EXPECT_TRUE(Reports([&] { Write("one/file"); }));
+}
+
+TEST_F(FolderWatchTest, TheHandlerMayStopOrFreeTheWatch) {
+    FWatch.SetActive(/*active=*/true);
+    FWatch.SetOnChange([this](TFolderWatch& sender) {
+        sender.SetActive(/*active=*/false);
+        ++FChanges;
+    });
+    auto owner = std::make_unique<TComponent>(nullptr);
+    auto* owned = new TFolderWatch(owner.get());
+    owned->SetDirectory(Path("two"));
+    owned->SetOnChange([&](TFolderWatch&) {
+        owner.reset();
+        ++FChanges;
+    });
+    owned->SetActive(/*active=*/true);
+    AwaitWatch("one");
+    EXPECT_FALSE(FWatch.Active());
+    AwaitWatch("two");
+    EXPECT_EQ(owner, nullptr);
+}
+
+TEST_F(FolderWatchTest, OnADesignersFormItOnlyRemembers) {
+    TFolderWatch watch(nullptr, TDesigning::Yes);
+    watch.SetDirectory(Path("missing"));
+    watch.SetActive(/*active=*/true);
+    EXPECT_TRUE(watch.Active());
+    EXPECT_EQ(watch.Thread(), nullptr);
+    watch.SetActive(/*active=*/false);
+    EXPECT_EQ(watch.Directory(), Path("missing") + "/");
+}
+
+} // namespace

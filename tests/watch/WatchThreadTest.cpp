@@ -1,0 +1,162 @@
+#include "watch/WatchThread.h"
+#include "base/Exceptions.h"
+#include "testing/Delivery.h"
+
+#include <gmock/gmock.h>
+#include <thread>
+
+using testing::ElementsAre;
+
+namespace {
+
+/// What the test and the notifications that it hands out share.
+struct TFolders {
+    std::mutex Lock;
+    std::vector<QString> Opened;
+    std::vector<std::thread::id> Threads;
+    int Pending = 0; ///< changes not yet armed away; Endless for a burst that doesn't stop
+    int Armed = 0;
+    TEvent Ready;
+
+    static constexpr int Endless = -1;
+
+    void Change(int count) {
+        const std::lock_guard guard(Lock);
+        Pending = count;
+        if (count != 0)
+            Ready.Set();
+    }
+    template <class T> T Get(T TFolders::*member) {
+        const std::lock_guard guard(Lock);
+        return this->*member;
+    }
+};
+
+class TFakeNotification : public TChangeNotification {
+public:
+    explicit TFakeNotification(TFolders& folders) : FFolders(folders) {}
+    int Descriptor() const override { return FFolders.Ready.Descriptor(); }
+    bool Take() override {
+        const std::lock_guard guard(FFolders.Lock);
+        if (FFolders.Pending == 0)
+            (void)FFolders.Ready.Take();
+        return FFolders.Pending != 0;
+    }
+    void FindNext() override {
+        const std::lock_guard guard(FFolders.Lock);
+        ++FFolders.Armed;
+        if (FFolders.Pending > 0)
+            --FFolders.Pending;
+    }
+
+private:
+    TFolders& FFolders;
+};
+
+class WatchThreadTest : public testing::Test {
+protected:
+    ~WatchThreadTest() override {
+        if (FThread)
+            FThread->Terminate();
+    }
+    void Watch(const QString& directory) {
+        FThread =
+            TWatchThread::Start({.Owner = FWindow.Handle(),
+                                 .Directory = directory,
+                                 .Subtree = TSubtree::Yes,
+                                 .Filters = 16,
+                                 .Open = [this](const string& folder, TSubtree subtree,
+                                                Cardinal filters) -> std::unique_ptr<TChangeNotification> {
+                                     const std::lock_guard guard(FFolders.Lock);
+                                     FFolders.Opened.push_back(folder);
+                                     FFolders.Threads.push_back(std::this_thread::get_id());
+                                     EXPECT_EQ(subtree, TSubtree::Yes);
+                                     EXPECT_EQ(filters, 16u);
+                                     if (folder == "missing")
+                                         return nullptr;
+                                     if (folder == "raises")
+                                         throw Exception("no such luck");
+                                     return std::make_unique<TFakeNotification>(FFolders);
+                                 }});
+    }
+    bool Opens(std::vector<QString> folders) {
+        return DeliverUntil([&] { return FFolders.Get(&TFolders::Opened) == folders; });
+    }
+
+    TFolders FFolders;
+    int FMessages = 0;
+    THiddenWindow FWindow{[this](TMessage& message) {
+        EXPECT_EQ(message.Number, 1025u);
+        EXPECT_EQ(message.WParam, 0u);
+        EXPECT_EQ(message.LParam, 0);
+        ++FMessages;
+    }};
+    std::shared_ptr<TWatchThread> FThread;
+};
+
+TEST_F(WatchThreadTest, ABurstIsOneMessageAndTheNextBurstAnother) {
+    Watch("a");
+    for (int burst = 1; burst <= 3; ++burst) {
+        FFolders.Change(burst * 3);
+        EXPECT_TRUE(DeliverUntil([&] { return FMessages == burst; }));
+        DeliverFor(50);
+        EXPECT_EQ(FMessages, burst);
+    }
+    EXPECT_EQ(FFolders.Get(&TFolders::Armed), 3 + 6 + 9);
+}
+
+TEST_F(WatchThreadTest, ABurstThatDoesNotEndIsNotReportedButHoldsUpNothing) {
+    Watch("a");
+    FFolders.Change(TFolders::Endless);
+    EXPECT_TRUE(DeliverUntil([&] { return FFolders.Get(&TFolders::Armed) > 100; }));
+    EXPECT_EQ(FMessages, 0);
+    FThread->SetDirectory("b");
+    EXPECT_TRUE(Opens({"a", "b"}));
+    FFolders.Change(1);
+    EXPECT_TRUE(DeliverUntil([&] { return FMessages == 1; }));
+    FFolders.Change(TFolders::Endless);
+    FThread->Terminate();
+    FFolders.Change(0);
+    const int armed = FFolders.Get(&TFolders::Armed);
+    DeliverFor(50);
+    EXPECT_EQ(FMessages, 1);
+    EXPECT_EQ(FFolders.Get(&TFolders::Armed), armed);
+}
+
+TEST_F(WatchThreadTest, ASeriesOfDirectoriesEndsInTheLastOnTheSameThread) {
+    Watch("a");
+    EXPECT_TRUE(Opens({"a"}));
+    FThread->SetDirectory("a");
+    DeliverFor(150);
+    EXPECT_TRUE(Opens({"a"}));
+    FThread->SetDirectory("b");
+    FThread->SetDirectory("c");
+    EXPECT_TRUE(Opens({"a", "c"}));
+    FThread->SetDirectory("d");
+    EXPECT_TRUE(Opens({"a", "c", "d"}));
+    const auto threads = FFolders.Get(&TFolders::Threads);
+    EXPECT_THAT(threads, testing::Each(threads[0]));
+    EXPECT_NE(threads[0], std::this_thread::get_id());
+}
+
+TEST_F(WatchThreadTest, AFolderThatCannotBeOpenedIsNotTriedAgainUntilAnotherIsGiven) {
+    Watch("missing");
+    EXPECT_TRUE(Opens({"missing"}));
+    DeliverFor(150);
+    EXPECT_TRUE(Opens({"missing"}));
+    FThread->SetDirectory("b");
+    EXPECT_TRUE(Opens({"missing", "b"}));
+    FThread->SetDirectory("missing");
+    EXPECT_TRUE(Opens({"missing", "b", "missing"}));
+    FThread->Terminate(); // also from there
+}
+
+TEST_F(WatchThreadTest, AThreadThatFailedCanStillBeEnded) {
+    testing::internal::CaptureStderr();
+    Watch("raises");
+    EXPECT_TRUE(Opens({"raises"}));
+    FThread->Terminate();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "The folder watch ended: no such luck\n");
+}
+
+} // namespace
