@@ -6,6 +6,11 @@
 
 #include <string>
 
+/// A number from the environment.
+inline int Setting(const char* name, int fallback) {
+    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : fallback;
+}
+
 struct TTestClipboard : TMemoClipboard {
     string Held;
     string Text() const override { return Held; }
