@@ -154,6 +154,7 @@ void TMemoBlocks::BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo rec
                 FMemo.SetModifiedState(row);
         }
         FMemo.UpdateWrap();
+        FMemo.Caret().SetColumn(FMemo.Caret().X()); // its line may be shorter now
     });
     if (record == RecordUndo::Yes)
         FMemo.AddUndoStep(std::make_unique<TIndentUndo>(rowFrom, rowTo, indent));

@@ -65,9 +65,7 @@ void TMemoEditing::NewLine() {
         ++indent;
     // Blanks at the end of what goes down vanish on purpose, and with indentation those before it: an undo
     // doesn't bring them back.
-    qsizetype from = x0, to = line.size();
-    while (to > from && line[to - 1] == u' ')
-        --to;
+    qsizetype from = x0, to = std::max(x0, FMemo.TrimmedLength(y0));
     while (FMemo.Settings.FAutoIndent && from < to && line[from] == u' ')
         ++from;
     FMemo.CompoundEdit([&] {
@@ -105,6 +103,14 @@ bool TMemoEditing::SmartBackSpace() {
     return true;
 }
 
+/// One character left. Between two pieces of a wrapped line there is none.
+void TMemoEditing::StepBack() {
+    const bool cut = FMemo.Caret().X() == 0 && FMemo.IsContinuation(FMemo.Caret().Y());
+    FMemo.Moves().MoveCaret(-1, 0, 0);
+    if (cut)
+        FMemo.Moves().MoveCaret(-1, 0, 0);
+}
+
 void TMemoEditing::BackSpace() {
     if (SmartBackSpace())
         return;
@@ -112,7 +118,7 @@ void TMemoEditing::BackSpace() {
     const int x = caret.X(), y = caret.Y();
     if (x == 0 && y > 0)
         FMemo.Folding().ExpandNode(y - 1);
-    FMemo.Moves().MoveCaret(-1, 0, 0);
+    StepBack();
     if (!caret.IsAt(x, y))
         DeleteChar(x, y);
     const int last = FMemo.Lines().Count() - 1;
@@ -189,9 +195,9 @@ void TMemoEditing::DeleteWordLeft() {
     TMemoCaret& caret = FMemo.Caret();
     const int row = caret.Y();
     bool moved = true, blankLeft = false;
-    while (moved && caret.Y() == row && !blankLeft) {
+    for (int steps = caret.X() + 1; steps > 0 && moved && caret.Y() == row && !blankLeft; --steps) {
         const int x = caret.X(), y = caret.Y();
-        FMemo.Moves().MoveCaret(-1, 0, 0);
+        StepBack();
         moved = !caret.IsAt(x, y);
         if (moved)
             DeleteChar(x, y);

@@ -14,20 +14,20 @@ struct TBalance {
 
 TBalance BalanceOf(QStringView line, QStringView open, QStringView close) {
     TBalance balance;
-    for (qsizetype at = 0; at < line.size();) {
-        const QStringView rest = line.mid(at);
-        if (rest.startsWith(open)) {
+    qsizetype nextOpen = line.indexOf(open), nextClose = line.indexOf(close);
+    while (nextOpen >= 0 || nextClose >= 0) {
+        const bool opens = nextOpen >= 0 && (nextClose < 0 || nextOpen <= nextClose);
+        const qsizetype at = opens ? nextOpen + open.size() : nextClose + close.size();
+        if (opens)
             ++balance.Opens;
-            at += open.size();
-        } else if (rest.startsWith(close)) {
-            if (balance.Opens > 0)
-                --balance.Opens;
-            else
-                ++balance.Closes;
-            at += close.size();
-        } else {
-            ++at;
-        }
+        else if (balance.Opens > 0)
+            --balance.Opens;
+        else
+            ++balance.Closes;
+        if (nextOpen >= 0 && nextOpen < at)
+            nextOpen = line.indexOf(open, at);
+        if (nextClose >= 0 && nextClose < at)
+            nextClose = line.indexOf(close, at);
     }
     return balance;
 }

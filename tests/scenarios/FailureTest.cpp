@@ -33,6 +33,10 @@ struct TFullDisk {
     const char* Where; // of the source while the disk is full
 };
 
+void PrintTo(const TFullDisk& disk, std::ostream* out) {
+    *out << disk.Name;
+}
+
 class FullDisk : public testing::TestWithParam<TFullDisk> {};
 
 TEST_P(FullDisk, LosesNothingAndGoesOnWhenThereIsRoom) {
