@@ -21,7 +21,8 @@ void TMemoBlocks::InsertBuffer(const string& text, Linked linked) {
     if (text.isEmpty())
         return;
     caret.SetLine(caret.Y());
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     const string whole = TabsToBlanks(text, FMemo.Settings.FTabSize);
     std::vector<string> pieces = Pieces(whole);
     const int added = int(pieces.size()) - 1;

@@ -110,11 +110,11 @@ void TAdvCustomMemo::AllowAutoHint(bool allow) {
 }
 
 bool TAdvCustomMemo::TakesKey(int key, TShiftState shift) {
-    return Assist && Assist->TakesKey(key, shift);
+    return Assist != nullptr && Assist->TakesKey(key, shift);
 }
 
 bool TAdvCustomMemo::TakesChar(QChar c) {
-    return Assist && Assist->TakesChar(c);
+    return Assist != nullptr && Assist->TakesChar(c);
 }
 
 void TAdvCustomMemo::CharTyped(QChar c) {
