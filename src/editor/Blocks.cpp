@@ -21,7 +21,8 @@ void TMemoBlocks::InsertBuffer(const string& text, Linked linked) {
     if (text.isEmpty())
         return;
     caret.SetLine(caret.Y());
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     const string whole = TabsToBlanks(text, FMemo.Settings.FTabSize);
     std::vector<string> pieces = Pieces(whole);
     const int added = int(pieces.size()) - 1;
@@ -154,6 +155,7 @@ void TMemoBlocks::BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo rec
                 FMemo.SetModifiedState(row);
         }
         FMemo.UpdateWrap();
+        FMemo.Caret().SetColumn(FMemo.Caret().X()); // its line may be shorter now
     });
     if (record == RecordUndo::Yes)
         FMemo.AddUndoStep(std::make_unique<TIndentUndo>(rowFrom, rowTo, indent));

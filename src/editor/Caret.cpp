@@ -16,15 +16,14 @@ void TMemoCaret::SetLine(int y) {
         if (FMemo.Events.FOnActiveLineChange)
             FMemo.Events.FOnActiveLineChange(y);
     }
-    if (y != FCurY) {
+    const bool leaves = y != FCurY;
+    if (leaves) {
         LeaveLine(std::exchange(FCurY, y));
         SetColumn(FCurX); // the new line may be shorter
     }
     Placed();
-    if (FShouldCheckCodeFolding) {
-        FShouldCheckCodeFolding = false;
+    if (leaves && std::exchange(FShouldCheckCodeFolding, false))
         FMemo.Folding().AutoCodeFold();
-    }
 }
 
 void TMemoCaret::LeaveLine(int y) {

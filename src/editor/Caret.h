@@ -27,7 +27,7 @@ public:
         SetColumn(x);
     }
 
-    /// Folds are recomputed when the caret next changes lines or is set.
+    /// Folds are recomputed when the caret next leaves its line.
     bool FShouldCheckCodeFolding = false;
 
 private:

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 bool TCaretMoves::Extends(TShiftState shift) const {
-    return (shift & ssShift) && FMemo.Selection().EndsAtCaret();
+    return Held(shift, ssShift) && FMemo.Selection().EndsAtCaret();
 }
 
 void TCaretMoves::EndMove(bool extends) {
@@ -17,7 +17,7 @@ void TCaretMoves::EndMove(bool extends) {
 
 void TCaretMoves::MoveCaret(int dx, int dy, TShiftState shift) {
     const bool extends = Extends(shift);
-    if (shift & ssCtrl) {
+    if (Held(shift, ssCtrl)) {
         if (dx > 0)
             WordRight();
         else if (dx < 0)
@@ -30,7 +30,7 @@ void TCaretMoves::MoveCaret(int dx, int dy, TShiftState shift) {
         caret.SetLine(FMemo.Folding().StepVisible(caret.Y(), dy));
     MoveColumn(dx, dy, shift);
     EndMove(extends);
-    if ((shift & ssShift) && FMemo.Settings.FSelectSingleLine && !FMemo.Settings.FAutoExpand)
+    if (Held(shift, ssShift) && FMemo.Settings.FSelectSingleLine && !FMemo.Settings.FAutoExpand)
         FMemo.Selection().SetStart(FMemo.Selection().Range().StartX, FMemo.Selection().Range().EndY);
 }
 
@@ -38,10 +38,10 @@ void TCaretMoves::MoveColumn(int dx, int dy, TShiftState shift) {
     TMemoCaret& caret = FMemo.Caret();
     const TMemoSettings& settings = FMemo.Settings;
     const int x = caret.X() + dx;
-    const bool block = (shift & ssShift) && settings.FSelectionMode == smBlock;
+    const bool block = Held(shift, ssShift) && settings.FSelectionMode == smBlock;
     if (block || settings.FAutoExpand) {
         caret.SetColumn(x);
-    } else if ((shift & ssShift) && settings.FSelectSingleLine) {
+    } else if (Held(shift, ssShift) && settings.FSelectSingleLine) {
         caret.SetColumn(std::clamp(x, 0, FMemo.LineLength(caret.Y())));
     } else if (dx >= 0 && dy == 0 && caret.X() >= FMemo.TrimmedLength(caret.Y())) {
         // Column first, line then, on purpose: at the end of the last line the caret jumps to its start.
@@ -93,7 +93,7 @@ void TCaretMoves::Home(TShiftState shift) {
         return;
     }
     const TSelectionRange before = FMemo.Selection().Range();
-    if (shift & ssCtrl)
+    if (Held(shift, ssCtrl))
         caret.MoveTo(0, 0);
     const bool extends = Extends(shift);
     if (FMemo.Settings.FEnhancedHomeKey) {
@@ -113,7 +113,7 @@ void TCaretMoves::End(TShiftState shift) {
         return;
     }
     const TSelectionRange before = FMemo.Selection().Range();
-    if (shift & ssCtrl) {
+    if (Held(shift, ssCtrl)) {
         const int last = FMemo.Folding().StepVisible(FMemo.Lines().Count() - 1, 0);
         caret.MoveTo(FMemo.LineLength(last), last);
     }
@@ -126,7 +126,7 @@ void TCaretMoves::End(TShiftState shift) {
 
 /// Ctrl has carried the caret away from where the selection ended: its start is put back.
 void TCaretMoves::EndJump(TShiftState shift, int startX, int startY) {
-    if ((shift & ssCtrl) && (shift & ssShift))
+    if (Held(shift, ssCtrl) && Held(shift, ssShift))
         FMemo.Selection().SetStart(startX, startY);
 }
 
@@ -135,7 +135,7 @@ void TCaretMoves::Page(int direction, TShiftState shift) {
     TMemoCaret& caret = FMemo.Caret();
     const int last = std::max(0, FMemo.Lines().Count() - 1);
     const int rows = FMemo.Scroll().RowsInView();
-    if (shift & ssCtrl) {
+    if (Held(shift, ssCtrl)) {
         if (direction < 0)
             caret.MoveTo(0, 0);
         else

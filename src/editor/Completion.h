@@ -23,7 +23,7 @@ enum class AddBrackets { No, Yes };
 
 class TMemoCompletion : public TMemoAssist {
 public:
-    /// Becomes the control's assistant as long as it lives.
+    /// Becomes the control's assistant as long as it lives; it goes before the control.
     explicit TMemoCompletion(TAdvCustomMemo& memo);
     ~TMemoCompletion() override;
     TMemoCompletion(const TMemoCompletion&) = delete;

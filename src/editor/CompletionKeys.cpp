@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-bool TMemoCompletion::TakesKey(int key, TShiftState) {
+bool TMemoCompletion::TakesKey(int key, TShiftState /*shift*/) {
     if (FWindow)
         FWindow->StopTimer();
     if (!FListCompletion)
@@ -144,9 +144,11 @@ void TMemoCompletion::Accept(Path path, AddBrackets brackets) {
 }
 
 void TMemoCompletion::Replace(const string& text, Path path) {
-    const int x = FMemo.Caret().X(), y = FMemo.Caret().Y();
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
     const string line = FMemo.LineText(y);
-    int from = x, to = x;
+    int from = 0;
+    int to = 0;
     if (FAutoCompleteDot && !text.contains(u'.')) {
         from = std::min(FDotX, x);
         to = path == Path::Key ? x : FDotX + int(FMemo.Words().TokenAtXY(FDotX, FDotY).size());

@@ -10,10 +10,10 @@
 string TMemoEditing::TabText(int& x) {
     const int size = FMemo.Settings.FTabSize;
     if (!FMemo.Settings.FOverwrite)
-        return string(size, u' ');
+        return {size, u' '};
     const int left = std::max(0, FMemo.LineLength(FMemo.Caret().Y()) - x);
     x += std::min(size, left);
-    return string(size - std::min(size, left), u' ');
+    return {size - std::min(size, left), u' '};
 }
 
 /// Moves the caret `count` characters behind (x, y), through a new wrapping if that is on.
@@ -31,7 +31,8 @@ void TMemoEditing::PlaceBehind(int x, int y, int count) {
 void TMemoEditing::InsertChar(QChar c) {
     TMemoCaret& caret = FMemo.Caret();
     caret.SetLine(caret.Y());
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     string line = FMemo.LineText(y0);
     int x = x0;
     const string text = c == u'\t' ? TabText(x) : string(c);
@@ -57,7 +58,8 @@ void TMemoEditing::InsertChar(QChar c) {
 void TMemoEditing::NewLine() {
     TMemoCaret& caret = FMemo.Caret();
     caret.SetLine(caret.Y());
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     const string line = FMemo.LineText(y0);
     int indent = 0;
     while (FMemo.Settings.FAutoIndent && indent < std::min<qsizetype>(x0, line.size()) &&
@@ -65,9 +67,8 @@ void TMemoEditing::NewLine() {
         ++indent;
     // Blanks at the end of what goes down vanish on purpose, and with indentation those before it: an undo
     // doesn't bring them back.
-    qsizetype from = x0, to = line.size();
-    while (to > from && line[to - 1] == u' ')
-        --to;
+    qsizetype from = x0;
+    qsizetype to = std::max(x0, FMemo.TrimmedLength(y0));
     while (FMemo.Settings.FAutoIndent && from < to && line[from] == u' ')
         ++from;
     FMemo.CompoundEdit([&] {
@@ -89,7 +90,8 @@ void TMemoEditing::NewLine() {
 
 bool TMemoEditing::SmartBackSpace() {
     TMemoCaret& caret = FMemo.Caret();
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     const string line = FMemo.LineText(y0);
     const bool blank = x0 > 0 && x0 <= line.size() && QStringView(line).left(x0).trimmed().isEmpty();
     if (!FMemo.Settings.FSmartTabs || !blank)
@@ -105,14 +107,23 @@ bool TMemoEditing::SmartBackSpace() {
     return true;
 }
 
+/// One character left. Between two pieces of a wrapped line there is none.
+void TMemoEditing::StepBack() {
+    const bool cut = FMemo.Caret().X() == 0 && FMemo.IsContinuation(FMemo.Caret().Y());
+    FMemo.Moves().MoveCaret(-1, 0, 0);
+    if (cut)
+        FMemo.Moves().MoveCaret(-1, 0, 0);
+}
+
 void TMemoEditing::BackSpace() {
     if (SmartBackSpace())
         return;
     TMemoCaret& caret = FMemo.Caret();
-    const int x = caret.X(), y = caret.Y();
+    const int x = caret.X();
+    const int y = caret.Y();
     if (x == 0 && y > 0)
         FMemo.Folding().ExpandNode(y - 1);
-    FMemo.Moves().MoveCaret(-1, 0, 0);
+    StepBack();
     if (!caret.IsAt(x, y))
         DeleteChar(x, y);
     const int last = FMemo.Lines().Count() - 1;
@@ -188,10 +199,12 @@ void TMemoEditing::DeleteLine() {
 void TMemoEditing::DeleteWordLeft() {
     TMemoCaret& caret = FMemo.Caret();
     const int row = caret.Y();
-    bool moved = true, blankLeft = false;
-    while (moved && caret.Y() == row && !blankLeft) {
-        const int x = caret.X(), y = caret.Y();
-        FMemo.Moves().MoveCaret(-1, 0, 0);
+    bool moved = true;
+    bool blankLeft = false;
+    for (int steps = caret.X() + 1; steps > 0 && moved && caret.Y() == row && !blankLeft; --steps) {
+        const int x = caret.X();
+        const int y = caret.Y();
+        StepBack();
         moved = !caret.IsAt(x, y);
         if (moved)
             DeleteChar(x, y);
@@ -216,7 +229,8 @@ void TMemoEditing::TabKey(bool shift, bool ctrl) {
 
 void TMemoEditing::SmartTab() {
     TMemoCaret& caret = FMemo.Caret();
-    const int x0 = caret.X(), y0 = caret.Y();
+    const int x0 = caret.X();
+    const int y0 = caret.Y();
     const string indent(SmartTabIndent(FMemo), u' ');
     if (indent.isEmpty()) {
         InsertChar(u'\t');

@@ -24,6 +24,7 @@ public:
 private:
     [[nodiscard]] string TabText(int& x);
     void PlaceBehind(int x, int y, int count);
+    void StepBack();
     [[nodiscard]] bool SmartBackSpace();
     [[nodiscard]] string JoinNext(int row);
     void SmartTab();

@@ -14,20 +14,21 @@ struct TBalance {
 
 TBalance BalanceOf(QStringView line, QStringView open, QStringView close) {
     TBalance balance;
-    for (qsizetype at = 0; at < line.size();) {
-        const QStringView rest = line.mid(at);
-        if (rest.startsWith(open)) {
+    qsizetype nextOpen = line.indexOf(open);
+    qsizetype nextClose = line.indexOf(close);
+    while (nextOpen >= 0 || nextClose >= 0) {
+        const bool opens = nextOpen >= 0 && (nextClose < 0 || nextOpen <= nextClose);
+        const qsizetype at = opens ? nextOpen + open.size() : nextClose + close.size();
+        if (opens)
             ++balance.Opens;
-            at += open.size();
-        } else if (rest.startsWith(close)) {
-            if (balance.Opens > 0)
-                --balance.Opens;
-            else
-                ++balance.Closes;
-            at += close.size();
-        } else {
-            ++at;
-        }
+        else if (balance.Opens > 0)
+            --balance.Opens;
+        else
+            ++balance.Closes;
+        if (nextOpen >= 0 && nextOpen < at)
+            nextOpen = line.indexOf(open, at);
+        if (nextClose >= 0 && nextClose < at)
+            nextClose = line.indexOf(close, at);
     }
     return balance;
 }
@@ -135,7 +136,7 @@ void TMemoFolding::MoveFoldEnd(int line) {
 
 bool TMemoFolding::IsExpanded(int line) const {
     const TLineProp* prop = FMemo.Lines().GetLineProp(line);
-    return !prop || prop->FExpanded;
+    return prop == nullptr || prop->FExpanded;
 }
 
 void TMemoFolding::SetExpanded(int line, bool expanded) {
@@ -158,7 +159,7 @@ void TMemoFolding::Refresh() const {
     FAnyClosed = false;
     for (int row = 0; FEnabled && row < lines.Count() && !FAnyClosed; ++row) {
         const TLineProp* prop = lines.GetLineProp(row);
-        FAnyClosed = prop && prop->FHasChildren && !prop->FExpanded;
+        FAnyClosed = prop != nullptr && prop->FHasChildren && !prop->FExpanded;
     }
     int hidden = 0; // depth inside a closed fold; its first line shows, its last doesn't
     for (int row = 0; FAnyClosed && row < lines.Count(); ++row) {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-void TIntList::CheckIndex(int index, int end) const {
+void TIntList::CheckIndex(int index, int end) {
     if (index < 0 || index >= end)
         throw Exception(string("List index out of bounds (%1)").arg(index));
 }

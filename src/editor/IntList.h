@@ -28,7 +28,7 @@ public:
     [[nodiscard]] int IndexOf(Integer value) const;
 
 private:
-    void CheckIndex(int index, int end) const;
+    static void CheckIndex(int index, int end);
 
     std::vector<Integer> FItems;
 };

@@ -37,8 +37,8 @@ TAdvJSMemoStyler::TAdvJSMemoStyler(TComponent* owner) : TAdvCustomMemoStyler(own
     TElementStyle& calls = AddElement(FAllStyles, stKeyword, Green, fsBold);
     calls.SetInfo("Functions");
     calls.SetKeyWords({"--alert", "--confirm"});
-    AddQuotes(FAllStyles, "Simple quotes", u'\'');
-    AddQuotes(FAllStyles, "Double quotes", u'"');
+    AddQuotes(FAllStyles, "Single-quoted text", u'\'');
+    AddQuotes(FAllStyles, "Double-quoted text", u'"');
     TElementStyle& symbols = AddElement(FAllStyles, stSymbol, Teal);
     symbols.SetInfo("Symbols");
     symbols.SetSymbols(" ,;:.()[]=-*/^%<>#\r\n");

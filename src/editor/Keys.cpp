@@ -23,7 +23,7 @@ void TMemoKeys::KeyDown(int key, TShiftState shift) {
         return;
     if (FMemo.View && key != keyControl)
         FMemo.View->RestartCaretBlink();
-    FMemo.AllowAutoHint(!(shift & ssCtrl));
+    FMemo.AllowAutoHint(!Held(shift, ssCtrl));
     if (!KeepsCaret(key) && FMemo.Lines().Count() > 0)
         FMemo.Caret().MoveTo(FMemo.Caret().X(), FMemo.Caret().Y());
     if (!FMemo.TakesKey(key, shift) && !Shortcut(key, shift))
@@ -31,14 +31,15 @@ void TMemoKeys::KeyDown(int key, TShiftState shift) {
 }
 
 bool TMemoKeys::Shortcut(int key, TShiftState shift) {
-    const bool ctrl = shift & ssCtrl, alt = shift & ssAlt;
+    const bool ctrl = Held(shift, ssCtrl);
+    const bool alt = Held(shift, ssAlt);
     if (ctrl && !alt && key == keyZ) {
         FMemo.Undo(); // also when read-only, on purpose; redo isn't
     } else if (ctrl && key == keyY) {
         if (!FMemo.Settings.FReadOnly)
             FMemo.Redo();
     } else if (alt && key == keyBackspace) {
-        if (shift & ssShift)
+        if (Held(shift, ssShift))
             FMemo.Redo();
         else
             FMemo.Undo();
@@ -49,7 +50,7 @@ bool TMemoKeys::Shortcut(int key, TShiftState shift) {
         if (FMemo.Events.FOnReplace)
             FMemo.Events.FOnReplace();
     } else if (key == keySpace && ctrl && !alt) {
-        FMemo.AskForCompletion(shift & ssShift);
+        FMemo.AskForCompletion(Held(shift, ssShift));
     } else {
         return false;
     }
@@ -58,7 +59,7 @@ bool TMemoKeys::Shortcut(int key, TShiftState shift) {
 
 void TMemoKeys::Dispatch(int key, TShiftState shift) {
     TCaretMoves& moves = FMemo.Moves();
-    const bool ctrl = shift & ssCtrl;
+    const bool ctrl = Held(shift, ssCtrl);
     switch (key) {
     case keyLeft:
         return moves.MoveCaret(-1, 0, shift);
@@ -88,7 +89,7 @@ void TMemoKeys::Tab(TShiftState shift) {
     const TSelectionRange range = selection.Ordered();
     const int size = FMemo.Settings.FTabSize;
     FMemo.Blocks().BlockIndent(range.StartY, range.EndY - (range.EndX == 0 ? 1 : 0),
-                               shift & ssShift ? -size : size, RecordUndo::Yes);
+                               Held(shift, ssShift) ? -size : size, RecordUndo::Yes);
 }
 
 void TMemoKeys::ExecuteKey(int key, TShiftState shift) {
@@ -114,9 +115,9 @@ bool TMemoKeys::ReadOnlyKey(int key, TShiftState shift) {
         FMemo.Blocks().CopyToClipBoard();
         return true;
     case keyInsert:
-        if (shift & ssCtrl)
+        if (Held(shift, ssCtrl))
             FMemo.Blocks().CopyToClipBoard();
-        return shift & ssCtrl;
+        return Held(shift, ssCtrl);
     case keyEscapeChar:
     case keyEscape:
         return true;
@@ -134,7 +135,7 @@ void TMemoKeys::EditKey(int key, TShiftState shift) {
         return Erase(shift);
     case keyTabChar:
     case keyTab:
-        FMemo.Editing().TabKey(shift & ssShift, shift & ssCtrl);
+        FMemo.Editing().TabKey(Held(shift, ssShift), Held(shift, ssCtrl));
         return MarkModified();
     case keyEnterChar:
         return Enter();
@@ -143,9 +144,9 @@ void TMemoKeys::EditKey(int key, TShiftState shift) {
     case keyCtrlX:
         return FMemo.Blocks().CutToClipBoard();
     case keyInsert:
-        return shift & ssShift ? FMemo.Blocks().PasteFromClipBoard() : ToggleOverwrite();
+        return Held(shift, ssShift) ? FMemo.Blocks().PasteFromClipBoard() : ToggleOverwrite();
     case keyDelete:
-        return shift & ssShift ? FMemo.Blocks().CutToClipBoard() : Remove();
+        return Held(shift, ssShift) ? FMemo.Blocks().CutToClipBoard() : Remove();
     default:
         return;
     }
@@ -158,7 +159,7 @@ void TMemoKeys::MarkModified() {
 void TMemoKeys::Erase(TShiftState shift) {
     if (!FMemo.EditingAllowed() || FMemo.Lines().Count() == 0)
         return;
-    if (shift & ssCtrl)
+    if (Held(shift, ssCtrl))
         FMemo.Editing().DeleteWordLeft();
     else if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
         FMemo.Blocks().DeleteSelection();

@@ -40,7 +40,7 @@ public:
 
 private:
     [[nodiscard]] bool Empty() const { return FAt >= FText.size(); }
-    [[nodiscard]] bool Starts(char16_t c) const { return !Empty() && c && FText[FAt] == QChar(c); }
+    [[nodiscard]] bool Starts(char16_t c) const { return !Empty() && c != 0 && FText[FAt] == QChar(c); }
     [[nodiscard]] bool AtLineComment() const {
         const string& marker = FRules.Styler->FLineComment;
         return !marker.isEmpty() && FText.mid(FAt).startsWith(marker);
@@ -65,7 +65,7 @@ private:
 
 /// Applies the character at hand to the element in the state; true ends the walk over the elements.
 bool TStateWalk::FlipsBracket() {
-    if (FState.EndBracket) {
+    if (FState.EndBracket != 0) {
         if (!Starts(FState.StartBracket) && !Starts(FState.EndBracket))
             return false;
         FState.isBracket = !FState.isBracket;

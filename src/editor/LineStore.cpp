@@ -1,5 +1,7 @@
 #include "editor/LineStore.h"
 
+#include <QStringList>
+
 #include <algorithm>
 
 string TabsToBlanks(const string& text, int tabSize) {

@@ -61,7 +61,7 @@ void TAdvMemoStrings::TrimTrailingBlanks() {
 }
 
 void TAdvMemoStrings::SaveToFile(const string& name) {
-    const bool wrapped = Memo && Memo->WordWrapOn();
+    const bool wrapped = Memo != nullptr && Memo->WordWrapOn();
     if (wrapped)
         Memo->Unwrap();
     const auto wrapAgain = [&] {

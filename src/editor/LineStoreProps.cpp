@@ -43,9 +43,9 @@ TLineProp& TAdvMemoStrings::CreateLineProp(int index) {
 void TAdvMemoStrings::PlaceFolds(int index, TLineProp& prop) const {
     const TLineProp* above = GetLineProp(index - 1);
     const TLineProp* below = GetLineProp(index + 1);
-    const bool underParent = above && above->FHasParent && above->FLastChildOfParents == 0;
-    const bool underFold = above && above->FHasChildren && above->FExpanded;
-    prop.FHasParent = underParent || underFold || (below && below->FHasParent);
+    const bool underParent = above != nullptr && above->FHasParent && above->FLastChildOfParents == 0;
+    const bool underFold = above != nullptr && above->FHasChildren && above->FExpanded;
+    prop.FHasParent = underParent || underFold || (below != nullptr && below->FHasParent);
 }
 
 TLineProp& TAdvMemoStrings::NeedLineProp(int index) {

@@ -93,7 +93,7 @@ void TAdvCustomMemo::Redo() {
 
 bool TAdvCustomMemo::IsContinuation(int row) const {
     const TLineProp* prop = Lines().GetLineProp(row);
-    return prop && prop->Wrapped;
+    return prop != nullptr && prop->Wrapped;
 }
 
 TLineModifiedState TAdvCustomMemo::GetModifiedState(int line) const {
@@ -162,7 +162,8 @@ void TAdvCustomMemo::SetWordWrap(TWordWrapStyle style) {
         Unwrap();
     Settings.FWordWrap = style;
     UpdateWrap();
-    int x = 0, y = 0;
+    int x = 0;
+    int y = 0;
     FWords.PosFromText(offset, x, y);
     FCaret.Write(x, y);
     FSelection.Clear();

@@ -158,6 +158,7 @@ private:
     QMetaObject::Connection FStylerGone;
     TStyleRules FRules;
     TLineStates FLineStates;
+    unsigned FStylesRevision = 0;
     TWordWrap FWrap;
     TMemoCaret FCaret{*this};
     TCaretMoves FMoves{*this};

@@ -14,9 +14,9 @@ public:
     /// The first control acts; all are told what changed.
     std::vector<TAdvCustomMemo*> FMemos;
 
-    int TabSize() const override;
-    int CaretX() const override;
-    int CaretY() const override;
+    [[nodiscard]] int TabSize() const override;
+    [[nodiscard]] int CaretX() const override;
+    [[nodiscard]] int CaretY() const override;
     void WriteCaret(int x, int y) override;
     void MoveCaret(int x, int y) override;
     void ClearSelection() override;
@@ -25,13 +25,13 @@ public:
     void RowsInserted(int index, int count) override;
     void RowsRemoved(int index, int count) override;
     void DeleteCaretLine() override;
-    bool CodeFolding() const override;
+    [[nodiscard]] bool CodeFolding() const override;
     void RemoveCodeFolding(int line) override;
     void MoveFoldEnd(int line) override;
     void AutoCodeFold() override;
     void LoadBegins() override;
     void LoadEnds(int maxLength) override;
-    bool WordWrapOn() const override;
+    [[nodiscard]] bool WordWrapOn() const override;
     void Wrap() override;
     void Unwrap() override;
     void UpdateWrap() override;
@@ -40,7 +40,7 @@ public:
 
     void MoveToLine(int y) override;
     void MoveToColumn(int x) override;
-    string LineText(int y) const override;
+    [[nodiscard]] string LineText(int y) const override;
     void StoreLine(int y, const string& text) override;
     void SetModifiedState(int line) override;
     void InsertChar(QChar c) override;
@@ -56,7 +56,7 @@ public:
     void BeginSelectionUpdate() override;
     void EndSelectionUpdate() override;
     void SetOverwrite(bool overwrite) override;
-    bool AutoIndent() const override;
+    [[nodiscard]] bool AutoIndent() const override;
     void SetAutoIndent(bool autoIndent) override;
     void UndoChanged(bool canUndo, bool canRedo) override;
     void Changed() override;

@@ -68,4 +68,4 @@ int TAdvCustomMemoStyler::FindCommentEnd(QStringView text, int& length) const {
     return FindFirstKind(CommentEnds(), text, length);
 }
 
-void TAdvCustomMemoStyler::DrawKeyword(void*, const string&, const QRect&) {}
+void TAdvCustomMemoStyler::DrawKeyword(void* /*canvas*/, const string& /*word*/, const QRect& /*rect*/) {}

@@ -52,6 +52,10 @@ void TAdvCustomMemo::ResetStyling() {
 std::vector<TStyleRun> TAdvCustomMemo::RunsOf(int row) {
     if (row < 0 || row >= Lines().Count())
         return {};
+    // Another control may have been told of the change instead.
+    const unsigned revision = FRules.Styler ? FRules.Styler->FAllStyles.Revision() : 0;
+    if (std::exchange(FStylesRevision, revision) != revision)
+        FLineStates.Reset();
     return RunsOfLine(Lines()[row], FLineStates.LineStartState(row, Lines(), FRules), FRules);
 }
 
@@ -106,11 +110,11 @@ void TAdvCustomMemo::AllowAutoHint(bool allow) {
 }
 
 bool TAdvCustomMemo::TakesKey(int key, TShiftState shift) {
-    return Assist && Assist->TakesKey(key, shift);
+    return Assist != nullptr && Assist->TakesKey(key, shift);
 }
 
 bool TAdvCustomMemo::TakesChar(QChar c) {
-    return Assist && Assist->TakesChar(c);
+    return Assist != nullptr && Assist->TakesChar(c);
 }
 
 void TAdvCustomMemo::CharTyped(QChar c) {

@@ -5,6 +5,9 @@
 /// Modifier keys that are held.
 enum TShift : unsigned { ssShift = 1, ssCtrl = 2, ssAlt = 4 };
 using TShiftState = unsigned; ///< a set of TShift
+[[nodiscard]] constexpr bool Held(TShiftState shift, TShift key) {
+    return (shift & key) != 0;
+}
 
 struct TCellSize {
     int W = 0; ///< pixels; 0 as long as there is no window

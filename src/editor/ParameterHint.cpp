@@ -39,7 +39,7 @@ void TParameterHint::RestTimerFired() {
         ShowParameterHint();
 }
 
-void TParameterHint::FindCall(string&, int&, bool&, bool&) {}
+void TParameterHint::FindCall(string& /*word*/, int& /*paramCount*/, bool& /*found*/, bool& /*shown*/) {}
 
 string TParameterHint::Comparable(const string& text) const {
     return FMemo.Rules().FCaseSensitive ? text : text.toUpper();
@@ -55,7 +55,8 @@ void TParameterHint::ShowParameterHint() {
     const THintParameter& chars = FMemo.GetStyler()->FHintParameter;
     string word;
     int paramCount = 0;
-    bool found = false, shown = false;
+    bool found = false;
+    bool shown = false;
     FindCall(word, paramCount, found, shown);
     const bool noCall =
         found ? !shown
@@ -109,7 +110,8 @@ void TParameterHint::Split(string text, int paramCount) {
     text = text.mid(text.indexOf(chars.HintCharStart) + 1);
     if (const qsizetype end = text.indexOf(chars.HintCharEnd); end >= 0)
         text.truncate(end);
-    qsizetype start = paramCount == 0 ? 0 : text.size(), end = text.size();
+    qsizetype start = paramCount == 0 ? 0 : text.size();
+    qsizetype end = text.size();
     int count = 0;
     for (qsizetype i = 0; i < text.size() && count <= paramCount; ++i) {
         if (text[i] != chars.HintCharWriteDelimiter && text[i] != chars.HintCharDelimiter)
@@ -147,7 +149,7 @@ void TParameterHint::Place() {
 }
 
 void TParameterHint::HideHint() {
-    if (!std::exchange(FVisible, false) || !Window)
+    if (!std::exchange(FVisible, false) || Window == nullptr)
         return;
     Window->HideHint();
 }

@@ -151,7 +151,7 @@ TLineScan::TNext TLineScan::InBracket(QChar c) {
         Consume(1);
         return AtEnd() ? TNext::End : TNext::Loop;
     }
-    const bool closes = FState.EndBracket ? c == QChar(FState.EndBracket) : FRules.IsWordBreakChar(c);
+    const bool closes = FState.EndBracket != 0 ? c == QChar(FState.EndBracket) : FRules.IsWordBreakChar(c);
     if (closes && !FRules.IsEscape(FPrev)) {
         Consume(1);
         FState.isBracket = false;
@@ -177,7 +177,7 @@ TLineScan::TNext TLineScan::OpenBracket(QChar c) {
         FState.StartBracket = element.BracketStart().unicode();
         FState.EndBracket = element.BracketEnd().unicode();
         FState.index = i;
-        FState.isBracket = FState.StartBracket && c == element.BracketStart() && !FRules.IsEscape(FPrev);
+        FState.isBracket = FState.StartBracket != 0 && c == element.BracketStart() && !FRules.IsEscape(FPrev);
     }
     if (!FState.isBracket)
         return TNext::On;
@@ -204,20 +204,13 @@ qsizetype TLineScan::NumberEnd() {
     string allowed = FTables.Number;
     const string& hex = FTables.Hex;
     qsizetype end = FAt;
-    const auto isHex = [&hex](QStringView text) {
-        return !hex.isEmpty() && text.size() == hex.size() && text.compare(hex, Qt::CaseInsensitive) == 0;
-    };
-    if (isHex(FText.mid(FAt, hex.size()))) {
+    if (!hex.isEmpty() && FText.mid(FAt).startsWith(hex, Qt::CaseInsensitive)) {
         allowed += "ABCDEF";
         end += hex.size();
     }
     bool dotSeen = false;
     qsizetype dotAt = FAt;
     for (; end < FText.size() && allowed.contains(FText[end].toUpper()); ++end) {
-        // As many characters as the position counts, passed text included, on purpose: a prefix is only
-        // told late in numbers near the start of the scanned text.
-        if (isHex(FText.mid(FAt, FPassed.size() + end - FAt + 1)))
-            allowed = FTables.Number + "ABCDEF";
         if (FText[end] != u'.')
             continue;
         if (dotSeen)

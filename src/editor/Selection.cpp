@@ -42,7 +42,8 @@ string TMemoSelection::Text() const {
     for (int row = range.StartY; row <= last; ++row) {
         if (row > range.StartY && (FBlock || !FMemo.IsContinuation(row)))
             text += u'\r';
-        int from = 0, to = 0;
+        int from = 0;
+        int to = 0;
         if (ColumnsOf(row, from, to))
             text += QStringView(FMemo.LineText(row)).mid(from, to - from);
     }

@@ -25,7 +25,7 @@ std::vector<QStringView> SplitLines(QStringView text) {
     return lines;
 }
 
-void TStringList::CheckIndex(int index, int end) const {
+void TStringList::CheckIndex(int index, int end) {
     if (index < 0 || index >= end)
         throw Exception(string("List index out of bounds (%1)").arg(index));
 }

@@ -62,7 +62,7 @@ protected:
     void Changed();
     [[nodiscard]] TLineObject* Slot(int index) const { return FItems[size_t(index)].Object; }
     void SetSlot(int index, TLineObject* object) { FItems[size_t(index)].Object = object; }
-    void CheckIndex(int index, int end) const;
+    static void CheckIndex(int index, int end);
     /// The list operations themselves, with their events and nothing else.
     int RawAdd(const string& text, TLineObject* object);
     void RawInsert(int index, const std::vector<string>& lines);

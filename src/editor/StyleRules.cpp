@@ -44,7 +44,7 @@ QChar TStyleRules::Literal() const {
 }
 
 bool TStyleRules::IsEscape(QChar c) const {
-    return Styler && Styler->FEscapeChar.size() == 1 && Styler->FEscapeChar[0] == c;
+    return Styler != nullptr && Styler->FEscapeChar.size() == 1 && Styler->FEscapeChar[0] == c;
 }
 
 TStyleRules::TTables TStyleRules::Tables() const {

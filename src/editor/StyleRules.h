@@ -14,7 +14,7 @@ public:
     string FUrlDelimiters = " \"',";
     TCharStyle FUrlStyle{0xFF0000, clNone, fsUnderline}; ///< blue
 
-    [[nodiscard]] bool InForce() const { return Styler && FUseStyler; }
+    [[nodiscard]] bool InForce() const { return Styler != nullptr && FUseStyler; }
     [[nodiscard]] virtual bool IsWordBreakChar(QChar c) const;
     [[nodiscard]] virtual bool WordIsURL(QStringView word) const;
     /// The pieces of `line`, alternately without and with URL delimiters; the whole line unless FUrlAware.

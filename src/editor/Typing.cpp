@@ -55,7 +55,8 @@ void TMemoTyping::CheckFinished(QChar c) {
 void TMemoTyping::ReplaceBeforeCaret(const string& word, const string& by) {
     if (by == word)
         return;
-    const int row = FMemo.Caret().Y(), x = FMemo.Caret().X();
+    const int row = FMemo.Caret().Y();
+    const int x = FMemo.Caret().X();
     string line = FMemo.LineText(row);
     line.replace(x - word.size(), word.size(), by);
     ReplaceLine(row, line, x + int(by.size() - word.size()));

@@ -9,16 +9,15 @@ void TakeBackTyped(TUndoTarget& memo, const string& text) {
     for (qsizetype i = text.size() - 1; i >= 0; --i) {
         const string line = memo.LineText(memo.CaretY());
         const int x = memo.CaretX();
-        if (text[i] == LineBreak && x == 0)
-            memo.BackSpace();
-        else if (x > 0 && x <= line.size() && line[x - 1] == text[i])
+        const bool broken = text[i] == LineBreak && x == 0;
+        if (broken || (x > 0 && x <= line.size() && line[x - 1] == text[i]))
             memo.BackSpace();
     }
 }
 
 } // namespace
 
-bool TUndo::Append(const TUndo&) {
+bool TUndo::Append(const TUndo& /*next*/) {
     return false;
 }
 

@@ -24,22 +24,20 @@ void TAdvUndoList::TellChange() {
 }
 
 bool TAdvUndoList::BeginPerforming() {
-    const bool autoIndent = FMemo && FMemo->AutoIndent();
-    if (FMemo)
-        FMemo->SetAutoIndent(false); // replayed line breaks must not indent by themselves
+    const bool autoIndent = FMemo->AutoIndent();
+    FMemo->SetAutoIndent(false); // replayed line breaks must not indent by themselves
     FIsPerforming = true;
     return autoIndent;
 }
 
 void TAdvUndoList::EndPerforming(bool autoIndent) {
     FIsPerforming = false;
-    if (FMemo)
-        FMemo->SetAutoIndent(autoIndent);
+    FMemo->SetAutoIndent(autoIndent);
     TellChange();
 }
 
 void TAdvUndoList::Undo() {
-    if (!CanUndo())
+    if (!CanUndo() || !FMemo)
         return;
     const bool autoIndent = BeginPerforming();
     TUndo& entry = Get(FPos);
@@ -53,20 +51,20 @@ void TAdvUndoList::Undo() {
 }
 
 void TAdvUndoList::Redo() {
-    if (!CanRedo())
+    if (!CanRedo() || !FMemo)
         return;
     const bool autoIndent = BeginPerforming();
     Get(--FPos).Redo();
     if (FPos > 0 && Get(FPos - 1).FLinkedUndo)
         Get(--FPos).Redo();
     EndPerforming(autoIndent);
-    if (FMemo)
-        FMemo->Changed(); // undo leaves that out, on purpose: its replayed edits have told already
+    FMemo->Changed(); // undo leaves that out, on purpose: its replayed edits have told already
 }
 
 void TAdvUndoList::Clear() {
     FEntries.clear();
     FPos = 0;
+    FIsPerforming = false; // an empty history is whole, whatever broke off before
     TellChange();
 }
 

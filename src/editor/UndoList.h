@@ -14,7 +14,7 @@ public:
     /// 0: stored as a new entry, and the redo history is gone. -1: swallowed by the newest entry, or
     /// discarded because an undo or redo is running; the entry is destroyed.
     int Add(std::unique_ptr<TUndo> entry);
-    /// Both do nothing at their end of the history.
+    /// Both do nothing at their end of the history, and without a control.
     void Undo();
     void Redo();
     void Clear();
@@ -36,6 +36,7 @@ public:
     [[nodiscard]] TUndoTarget* Memo() const { return FMemo; }
 
 private:
+    /// Returns whether indentation was on.
     [[nodiscard]] bool BeginPerforming();
     void EndPerforming(bool autoIndent);
     void TellChange();

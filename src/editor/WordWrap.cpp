@@ -39,7 +39,7 @@ void TWordWrap::Unwrap(TAdvMemoStrings& store) {
     for (int i = 0; i < store.Count(); ++i) {
         TLineObject* object = store.GetObject(i);
         auto prop = store.TakeLineProp(i);
-        const bool wrapped = prop && prop->Wrapped;
+        const bool wrapped = prop != nullptr && prop->Wrapped;
         if (prop)
             prop->Wrapped = false;
         if (wrapped)

@@ -22,7 +22,8 @@ void TMemoWords::WordBounds(int x, int y, int& from, int& to) const {
 }
 
 string TMemoWords::TokenAtXY(int x, int y) const {
-    int from = 0, to = 0;
+    int from = 0;
+    int to = 0;
     WordBounds(x, y, from, to);
     return FMemo.LineText(y).mid(from, to - from);
 }
@@ -32,7 +33,8 @@ string TMemoWords::WordAtCursor() const {
 }
 
 string TMemoWords::WordTillCursor() const {
-    int from = 0, to = 0;
+    int from = 0;
+    int to = 0;
     WordBounds(FMemo.Caret().X(), FMemo.Caret().Y(), from, to);
     return FMemo.LineText(FMemo.Caret().Y()).mid(from, std::max(0, FMemo.Caret().X() - from));
 }

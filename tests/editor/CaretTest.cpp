@@ -87,8 +87,8 @@ TEST(Caret, EmptyStore) {
 TEST(Caret, TellsOfMoves) {
     TEditor editor("ab|\ncd");
     std::string told;
-    editor.Memo.Events.FOnColumnChange = [&](int x) { told += "x" + std::to_string(x); };
-    editor.Memo.Events.FOnActiveLineChange = [&](int y) { told += "y" + std::to_string(y); };
+    editor.Memo.Events.FOnColumnChange = [&](int x) { told.append("x").append(std::to_string(x)); };
+    editor.Memo.Events.FOnActiveLineChange = [&](int y) { told.append("y").append(std::to_string(y)); };
     editor.Key(keyDown);
     EXPECT_EQ(told.substr(0, 4), "y1x2");
 }

@@ -211,6 +211,20 @@ TEST(Completion, ClicksAndOwnTexts) {
     EXPECT_EQ(editor.Shown(), "own (text)|");
 }
 
+TEST(Completion, FilteringCutsEntriesBehindTheirDot) {
+    TCompletingEditor editor("Do|");
+    editor.Key(keySpace, ssCtrl);
+    EXPECT_THAT(editor.Offered(), ElementsAre("Document."));
+    editor.Type("c"); // nothing is left of "Document." to be found
+    EXPECT_THAT(editor.Offered(), ElementsAre());
+    editor.Type("\x1b");
+    editor.Given("x'do|'");
+    editor.Key(keySpace, ssCtrl);
+    ASSERT_TRUE(editor.Completion.IsOpen());
+    editor.Completion.ListClicked(0);
+    EXPECT_EQ(editor.Shown(), "x'Document.|'"); // a click stops at quotes, a key doesn't
+}
+
 TEST(Completion, OtherKeysInTheList) {
     TCompletingEditor editor("|");
     bool cancelled = false;

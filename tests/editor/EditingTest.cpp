@@ -336,6 +336,10 @@ TEST(Source, SharesTextHistoryAndStyler) {
     left.Memo.SetMemoSource(nullptr);
     EXPECT_EQ(left.Memo.Lines().Count(), 0);
     EXPECT_EQ(right.Lines(), "ab\nif");
+    right.Type("q");
+    right.Memo.SetMemoSource(nullptr);
+    source.UndoList.Undo(); // nobody is there to do it
+    EXPECT_EQ(source.Lines[0], "abq");
 }
 
 } // namespace

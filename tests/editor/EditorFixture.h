@@ -6,6 +6,11 @@
 
 #include <string>
 
+/// A number from the environment.
+inline int Setting(const char* name, int fallback) {
+    return qEnvironmentVariableIsSet(name) ? qEnvironmentVariableIntValue(name) : fallback;
+}
+
 struct TTestClipboard : TMemoClipboard {
     string Held;
     string Text() const override { return Held; }
@@ -54,7 +59,7 @@ struct TEditor {
     [[nodiscard]] std::string Lines() const {
         std::string text;
         for (int i = 0; i < Memo.Lines().Count(); ++i)
-            text += (i ? "\n" : "") + Memo.Lines()[i].toStdString();
+            text.append(i ? "\n" : "").append(Memo.Lines()[i].toStdString());
         return text;
     }
     /// The text with the bar.
@@ -64,7 +69,7 @@ struct TEditor {
             QString line = Memo.Lines()[i];
             if (i == Memo.Caret().Y())
                 line.insert(Memo.Caret().X(), '|');
-            text += (i ? "\n" : "") + line.toStdString();
+            text.append(i ? "\n" : "").append(line.toStdString());
         }
         return text;
     }
