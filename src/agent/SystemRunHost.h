@@ -28,9 +28,3 @@ private:
     TBusyFileTest FBusy;
     QSet<string> FWarned; // folders with names that can't be read as text
 };
-
-/// For an agent without a desktop.
-class TNoTrayHint : public TTrayHint {
-public:
-    void SetHint(const string&) override {}
-};

@@ -116,10 +116,28 @@ qint64 TPartFile::WriteAllOf(int source) {
             WithFaultPoint("sendfile", [&] { return ::sendfile(FDescriptor, source, &offset, Chunk); });
         if (copied < 0 && (errno == EINTR || errno == EAGAIN))
             continue;
+        if (copied < 0 && (errno == EINVAL || errno == ENOSYS)) // not every file system can do that
+            return WriteByReading(source, offset);
         if (copied < 0)
             throw EFileError("write", FFinalPath, errno);
         if (copied == 0)
             return offset;
+    }
+}
+
+qint64 TPartFile::WriteByReading(int source, qint64 offset) {
+    std::vector<char> buffer(256 << 10);
+    for (;;) {
+        const ssize_t got = WithFaultPoint(
+            "read", [&] { return ::pread(source, buffer.data(), buffer.size(), off_t(offset)); });
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            throw EFileError("read what becomes", FFinalPath, errno);
+        if (got == 0)
+            return offset;
+        Write(buffer.data(), size_t(got));
+        offset += got;
     }
 }
 

@@ -35,6 +35,7 @@ public:
 
 private:
     void Create();
+    qint64 WriteByReading(int source, qint64 offset);
     void Flush();
     void Published();
 

@@ -6,14 +6,6 @@
 
 namespace {
 
-string SettingsFile() {
-    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory rules tell programs to ignore a relative path.
-    const string base =
-        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
-    return base + QStringLiteral("/morvane/settings.ini");
-}
-
 /// A value with a comma comes back as a list.
 string TextOf(const QSettings& settings, const string& key, const string& standard) {
     const QVariant value = settings.value(key);
@@ -23,6 +15,14 @@ string TextOf(const QSettings& settings, const string& key, const string& standa
 }
 
 } // namespace
+
+string SettingsFile() {
+    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
+    // The base directory rules tell programs to ignore a relative path.
+    const string base =
+        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
+    return base + QStringLiteral("/morvane/settings.ini");
+}
 
 TEditorSettings GetEditorSettings() {
     const QSettings settings(SettingsFile(), QSettings::IniFormat);

@@ -9,5 +9,8 @@ struct TEditorSettings {
     string ConfigurationFolder;
 };
 
+/// The path of that file, whether it is there or not.
+[[nodiscard]] string SettingsFile();
+
 /// Reads the file; a missing file or key gives the default `%HOME%/.config/morvane/watched-folders`.
 [[nodiscard]] TEditorSettings GetEditorSettings();

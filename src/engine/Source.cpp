@@ -10,7 +10,7 @@ namespace {
 constexpr int HeaderSearch = 1024; // readers look for "%PDF-" in the first 1,024 bytes
 
 string Quoted(const string& doing, const string& path, const string& what) {
-    return QStringLiteral("Cannot %1 \"%2\": %3.").arg(doing, path, what);
+    return QStringLiteral("Cannot %1 \"%2\": %3").arg(doing, path, what);
 }
 
 bool HasHeader(TFileInput& input) {

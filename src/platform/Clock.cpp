@@ -46,6 +46,6 @@ TDateTime SystemTimeToDateTime(const TSystemTime& time) {
 }
 
 TClock& SystemClock() {
-    static TSystemClock clock;
+    static auto& clock = *new TSystemClock; // never destroyed: the timers' thread may outlast statics
     return clock;
 }

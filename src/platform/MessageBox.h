@@ -37,6 +37,9 @@ public:
     /// Shows a modal box and returns the code of the button that ended it. Any thread may call it, and it
     /// is held until then.
     virtual int Show(const string& text, const string& caption, int flags) = 0;
+    /// Answers the boxes that are open, and from now on every box at once, as if the user had closed it: the
+    /// program is stopping. On the main thread.
+    virtual void CloseAll() {}
 };
 
 /// The registered host, or the one that writes to the journal.

@@ -11,7 +11,8 @@ namespace {
 
 class TObjectReader {
 public:
-    explicit TObjectReader(const TXmlDocument& document) : FDocument(document) {}
+    TObjectReader(const TXmlDocument& document, const TNoteSkipped& noteSkipped)
+        : FDocument(document), FNoteSkipped(noteSkipped) {}
 
     void ReadRoot(QObject& object, const string& rootName) const;
 
@@ -31,9 +32,11 @@ private:
     [[nodiscard]] const QMetaObject* ItemType(const QMetaObject& itemClass, const TXmlElement& element) const;
     [[nodiscard]] std::unique_ptr<QObject> Make(const QMetaObject& type, const TXmlElement& element) const;
     void CheckItemName(const TXmlElement& item, const string& name) const;
+    void NoteSkipped(const TXmlElement& element, const string& what) const;
     [[noreturn]] void Raise(const TXmlElement& element, const string& what) const;
 
     const TXmlDocument& FDocument;
+    const TNoteSkipped& FNoteSkipped;
 };
 
 /// Index of the member whose element is `name`, -1 if there is none.
@@ -50,6 +53,11 @@ int FindElement(const QStringList& names, const string& name) {
 void TObjectReader::Raise(const TXmlElement& element, const string& what) const {
     throw EXmlError(
         QStringLiteral("%1, line %2: %3").arg(FDocument.Source, QString::number(element.Line), what));
+}
+
+void TObjectReader::NoteSkipped(const TXmlElement& element, const string& what) const {
+    if (FNoteSkipped)
+        FNoteSkipped(element.Line, what);
 }
 
 void TObjectReader::ReadRoot(QObject& object, const string& rootName) const {
@@ -71,8 +79,11 @@ void TObjectReader::ReadMembers(TInstance target, const TXmlElement& element) co
     QSet<int> seen;
     for (const TXmlElement& child : element.Children) {
         const int index = FindElement(names, child.Name);
-        if (index < 0)
+        if (index < 0) {
+            NoteSkipped(child,
+                        QStringLiteral("unknown element \"%1\" in \"%2\"").arg(child.Name, element.Name));
             continue;
+        }
         if (seen.contains(index))
             Raise(child, QStringLiteral("\"%1\" appears twice in \"%2\"").arg(child.Name, element.Name));
         seen.insert(index);
@@ -192,6 +203,7 @@ std::unique_ptr<QObject> TObjectReader::ReadItem(const QMetaObject& itemClass,
         const string className = element.Attribute(u"Class");
         if (placeholder == nullptr)
             Raise(element, QStringLiteral("unknown class \"%1\"").arg(className));
+        NoteSkipped(element, QStringLiteral("unknown class \"%1\"").arg(className));
         return KeepUnknown(*placeholder, className, element);
     }
     std::unique_ptr<QObject> item = Make(*type, element);
@@ -217,6 +229,7 @@ std::unique_ptr<QObject> TObjectReader::KeepUnknown(const QMetaObject& placehold
 
 } // namespace
 
-void ReadDocument(QObject& object, const TXmlDocument& document, const string& rootName) {
-    TObjectReader(document).ReadRoot(object, rootName);
+void ReadDocument(QObject& object, const TXmlDocument& document, const string& rootName,
+                  const TNoteSkipped& noteSkipped) {
+    TObjectReader(document, noteSkipped).ReadRoot(object, rootName);
 }

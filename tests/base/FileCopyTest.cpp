@@ -129,6 +129,14 @@ TEST(FileCopy, FileSystemsWithoutTheExclusiveRenameUseALink) {
     EXPECT_EQ(workspace.Names(), QStringList({"moved", "moved (1).pdf"}));
 }
 
+TEST(FileCopy, FileSystemsThatCannotSendFilesAreRead) {
+    const TWorkspace workspace;
+    const TFailing failing("sendfile", EINVAL);
+    const QByteArray contents(700'001, 'y'); // more than one buffer
+    CopyFileContents(workspace.Write("a.pdf", contents), workspace.Path("copy"));
+    EXPECT_EQ(workspace.Read("copy"), contents);
+}
+
 TEST(FileCopy, ASourceThatCannotBeDeletedStays) {
     const TWorkspace workspace;
     const TFailing failing("unlink source", EPERM);

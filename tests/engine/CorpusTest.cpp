@@ -126,7 +126,7 @@ TEST_F(TCorpus, WhatIsNoPdfOrBeyondRepairIsRefusedWithAReason) {
         } catch (const EPDFError& e) {
             const char* reason = file.Class == "damaged" ? "damaged: no pages can be read" : "not a PDF file";
             EXPECT_EQ(e.Message(),
-                      QStringLiteral("Cannot open \"%1\": %2.").arg(file.Path, QLatin1String(reason)));
+                      QStringLiteral("Cannot open \"%1\": %2").arg(file.Path, QLatin1String(reason)));
         }
     }
 }

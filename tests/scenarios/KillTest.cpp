@@ -49,7 +49,7 @@ TEST(Kill, AtRandomInstants) {
         DropMany(drops);
         WaitForChild(InChild([&] { PlayTicks(workspace, 1); }));
     }
-    const auto length = std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - begin).count();
+    auto length = std::chrono::duration_cast<std::chrono::microseconds>(TClock::now() - begin).count();
 
     int inside = 0;
     int secondCopies = 0;
@@ -60,8 +60,10 @@ TEST(Kill, AtRandomInstants) {
         const pid_t child = InChild([&] { PlayTicks(workspace, 1); });
         ::usleep(useconds_t(QRandomGenerator::global()->bounded(int(length))));
         ::kill(child, SIGKILL);
-        if (WaitForChild(child))
-            continue; // it was through already
+        if (WaitForChild(child)) { // it was through already: the machine was busier when it was timed
+            length -= length / 20;
+            continue;
+        }
         const TConservation found = drops.Look();
         ExpectConserved(found);
         EXPECT_LE(found.SecondCopies, 1);

@@ -50,7 +50,7 @@ TEST(RealAgent, WorksAndStopsOnSigterm) {
     EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf") && !workspace.Has("in/a.pdf"); }));
     EXPECT_EQ(RunProgram("qpdf", {"--check", workspace.Path("in/output/a.pdf")}).Exit, 0);
     agent.FProcess.terminate();
-    EXPECT_TRUE(agent.FProcess.waitForFinished(5000));
+    EXPECT_TRUE(agent.FProcess.waitForFinished());
     EXPECT_EQ(agent.FProcess.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }
@@ -59,7 +59,7 @@ TEST(RealAgent, MissingConfigurationFolderIsTold) {
     const TConfiguredWorkspace workspace;
     QDir(workspace.Path("c")).removeRecursively();
     TRealAgent agent(workspace.Path("settings"));
-    EXPECT_TRUE(agent.FProcess.waitForFinished(5000));
+    EXPECT_TRUE(agent.FProcess.waitForFinished());
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
     EXPECT_TRUE(agent.FProcess.readAllStandardError().contains("Configuration Path is missing or invalid. "));
 }

@@ -1,8 +1,23 @@
-#include "agent/HeadlessAgent.h"
+// morvane-agent: serves the watched folders of its user.
+#include "agent/AgentProgram.h"
+#include "base/Exceptions.h"
+#include "base/Journal.h"
+#include "desktop/Desktop.h"
+#include "platform/AppInstances.h"
+#include "platform/Signals.h"
+#include "timers/TimerManager.h"
 
-#include <QCoreApplication>
+#include <cstdlib>
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
-    return RunHeadlessAgent();
+    try {
+        IgnoreDisruptiveSignals();
+        const TTimerManagerUse timers;
+        const auto instances = CheckSingleInstance();
+        const TDesktop desktop(argc, argv);
+        return RunFoldersAgent(*instances);
+    } catch (const std::exception& e) {
+        JournalLine(QStringLiteral("Unhandled exception: %1").arg(MessageOf(e)));
+        return EXIT_FAILURE;
+    }
 }

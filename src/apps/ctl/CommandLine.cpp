@@ -1,5 +1,6 @@
 #include "apps/ctl/CommandLine.h"
 
+#include "apps/ctl/ConfigurationCommands.h"
 #include "apps/ctl/PipeCommands.h"
 #include "base/Exceptions.h"
 
@@ -12,12 +13,17 @@ namespace {
 
 struct TCommand {
     const char* Name;
-    const char* Arguments; ///< the words of which one must follow, separated by "|"; empty for none
+    const char*
+        Arguments; ///< the words of which one must follow, separated by "|"; empty for none; or Folder
     const char* Help;
     TOutcome (*Run)(const string& argument, int timeoutMs);
 };
 
+constexpr char Folder[] = "[FOLDER]"; ///< as arguments of a command: any one path, or none
+
 constexpr TCommand Commands[] = {
+    {"init", Folder, "Make a configuration to begin with, in FOLDER.", Init},
+    {"lint", Folder, "Look for faults in the configuration.", Lint},
     {"check", "", "Tell whether the agent runs.", Check},
     {"refresh", "folders|actions", "Have the agent read a configuration file again.", Refresh},
 };
@@ -29,7 +35,10 @@ Options:
   -h, --help               Print this.
   -v, --version            Print the version.
 
-Exit codes: 0 done, 1 the agent does not run, 2 wrong usage, 3 no answer in time.)";
+Without FOLDER, init and lint take the configuration folder of the settings.
+
+Exit codes: 0 done, 1 the agent does not run, or a file could not be used, 2 wrong usage,
+3 no answer in time, 4 faults in the configuration.)";
 
 /// The command line makes no sense.
 class EUsage : public Exception {
@@ -38,8 +47,10 @@ public:
 };
 
 string HelpText() {
-    string text = QStringLiteral("Usage: morvanectl [options] command\n"
-                                 "Talks to the folder watcher's agent of this user.\n\nCommands:\n");
+    string text =
+        QStringLiteral("Usage: morvanectl [options] command\n"
+                       "Makes and checks the folder watcher's configuration, and talks to this user's "
+                       "agent.\n\nCommands:\n");
     for (const TCommand& command : Commands) {
         const string words = QLatin1String(command.Name) + u' ' + QLatin1String(command.Arguments);
         text += QStringLiteral("  %1 %2\n").arg(words, -24).arg(QLatin1String(command.Help));
@@ -56,10 +67,17 @@ const TCommand& FindCommand(const string& name) {
     return *found;
 }
 
-void RequireArgument(const TCommand& command, const string& argument) {
+/// The one word behind the command, empty if there is none. Raises EUsage if it is no word of the command.
+string ArgumentOf(const TCommand& command, const QStringList& words) {
+    const string argument = words.mid(1).join(u' ');
+    if (command.Arguments == Folder) {
+        if (words.size() > 2)
+            throw EUsage(QStringLiteral("The command \"%1\" takes one folder.").arg(words[0]));
+        return argument;
+    }
     const QStringList allowed = QString::fromLatin1(command.Arguments).split(u'|');
     if (allowed.contains(argument))
-        return;
+        return argument;
     const QLatin1String name(command.Name);
     throw EUsage(allowed.first().isEmpty()
                      ? QStringLiteral("The command \"%1\" takes nothing more.").arg(name)
@@ -78,9 +96,7 @@ TOutcome RunWords(const QStringList& words, int timeoutMs) {
     if (words.isEmpty())
         throw EUsage(QStringLiteral("A command is missing."));
     const TCommand& command = FindCommand(words[0]);
-    const string argument = words.mid(1).join(u' ');
-    RequireArgument(command, argument);
-    return command.Run(argument, timeoutMs);
+    return command.Run(ArgumentOf(command, words), timeoutMs);
 }
 
 TOutcome RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
@@ -109,7 +125,7 @@ TExitCode RunCommandLine(const QStringList& arguments) {
     } catch (const EUsage& e) {
         outcome = {ExitUsage, QStringLiteral("morvanectl: %1 Try \"morvanectl --help\".").arg(e.Message())};
     } catch (const Exception& e) {
-        outcome = {ExitNotRunning, QStringLiteral("morvanectl: %1").arg(e.Message())};
+        outcome = {ExitFailed, QStringLiteral("morvanectl: %1").arg(e.Message())};
     }
     if (!outcome.Text.isEmpty() && !quiet)
         std::fprintf(outcome.Code == ExitDone ? stdout : stderr, "%s\n", Narrow(outcome.Text).constData());

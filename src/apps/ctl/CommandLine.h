@@ -7,9 +7,10 @@
 /// What scripts test for.
 enum TExitCode {
     ExitDone = 0,
-    ExitNotRunning = 1, ///< nobody serves the agent's pipe
-    ExitUsage = 2,      ///< the command line makes no sense
-    ExitNoAnswer = 3,   ///< the agent's pipe is there but gave no answer in time
+    ExitFailed = 1,   ///< nobody serves the agent's pipe, or a file could not be read or made
+    ExitUsage = 2,    ///< the command line makes no sense
+    ExitNoAnswer = 3, ///< the agent's pipe is there but gave no answer in time
+    ExitFaults = 4,   ///< the configuration has faults
 };
 
 /// What a command comes to: its text goes to standard output if it is done, else to standard error.

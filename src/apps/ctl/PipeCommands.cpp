@@ -18,7 +18,7 @@ TOutcome Send(const string& command, const string& done, int timeoutMs) {
             return {ExitDone, done};
         return {ExitNoAnswer, QStringLiteral("The agent does not answer.")};
     } catch (const EPipeError&) {
-        return {ExitNotRunning, QStringLiteral("The agent is not running.")};
+        return {ExitFailed, QStringLiteral("The agent is not running.")};
     }
 }
 

@@ -1,0 +1,82 @@
+#include "agent/AgentPicture.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+/// A rectangle with round corners, in a square of side 1 whose origin is at the top left.
+struct TShape {
+    double Left, Top, Right, Bottom, Radius;
+    quint32 Colour; ///< 0xRRGGBB
+
+    [[nodiscard]] bool Holds(double x, double y) const {
+        const double dx = std::max({Left + Radius - x, x - (Right - Radius), 0.0});
+        const double dy = std::max({Top + Radius - y, y - (Bottom - Radius), 0.0});
+        return std::hypot(dx, dy) <= Radius;
+    }
+};
+
+constexpr quint32 Back = 0xB45F06;
+constexpr quint32 Sheet = 0xFFFFFF;
+constexpr quint32 Writing = 0xC62828;
+constexpr quint32 Front = 0xF6A623;
+
+/// From back to front; `rise` is how far the sheet stands above its place.
+std::array<TShape, 6> Drawing(double rise) {
+    return {{{0.04, 0.20, 0.46, 0.60, 0.06, Back},
+             {0.04, 0.28, 0.96, 0.90, 0.06, Back},
+             {0.20, 0.12 - rise, 0.80, 0.80 - rise, 0.04, Sheet},
+             {0.28, 0.22 - rise, 0.72, 0.28 - rise, 0.0, Writing},
+             {0.28, 0.36 - rise, 0.72, 0.42 - rise, 0.0, Writing},
+             {0.04, 0.52, 0.96, 0.94, 0.08, Front}}};
+}
+
+/// The colour at a point, with full alpha; 0 where nothing is.
+quint32 ColourAt(const std::array<TShape, 6>& shapes, double x, double y) {
+    const auto top =
+        std::find_if(shapes.rbegin(), shapes.rend(), [&](const TShape& shape) { return shape.Holds(x, y); });
+    return top == shapes.rend() ? 0 : 0xFF000000 | top->Colour;
+}
+
+/// The mean of a pixel's sample points: transparent ones thin the colour out, they don't darken it.
+ARGB Mean(const std::array<TShape, 6>& shapes, int column, int row, int size) {
+    constexpr int Samples = 4;
+    std::array<quint32, 4> sums{}; // blue, green, red, points that have a colour
+    for (int i = 0; i < Samples * Samples; ++i) {
+        const double x = (column + (i % Samples + 0.5) / Samples) / size;
+        const double y = (row + (i / Samples + 0.5) / Samples) / size;
+        const quint32 colour = ColourAt(shapes, x, y);
+        if (colour == 0)
+            continue;
+        for (size_t part = 0; part < 3; ++part)
+            sums[part] += colour >> (8 * part) & 0xFF;
+        ++sums[3];
+    }
+    if (sums[3] == 0)
+        return {};
+    const quint32 alpha = sums[3] * 255 / (Samples * Samples);
+    return alpha << 24 | sums[2] / sums[3] << 16 | sums[1] / sums[3] << 8 | sums[0] / sums[3];
+}
+
+TPicture Draw(int size, double rise) {
+    TPicture picture{size, size, {}};
+    picture.Pixels.reserve(size_t(size) * size_t(size));
+    const auto shapes = Drawing(rise);
+    for (int row = 0; row < size; ++row)
+        for (int column = 0; column < size; ++column)
+            picture.Pixels.push_back(Mean(shapes, column, row, size));
+    return picture;
+}
+
+} // namespace
+
+TPicture AgentPicture(int size) {
+    return Draw(size, 0);
+}
+
+TPicture AgentFrame(int size, int frame) {
+    constexpr double Highest = 0.6;
+    return Draw(size, Highest * (AgentFrames - 1 - frame) / (AgentFrames - 1));
+}

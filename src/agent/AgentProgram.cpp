@@ -1,0 +1,53 @@
+#include "agent/AgentProgram.h"
+
+#include "actions/ActionClasses.h"
+#include "agent/FoldersAgentForm.h"
+#include "agent/SystemRunHost.h"
+#include "platform/AppInstances.h"
+#include "platform/MessagePump.h"
+#include "platform/Signals.h"
+
+#include <QCoreApplication>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr char Identity[] = "{53F95304-BFF6-4D89-971E-E1366F4F10D5}";
+
+/// A window system that dies makes its library call exit() in the middle of the event loop: the threads
+/// must have ended before what they use is taken down.
+void StopAtExit() {
+    if (TfrmFoldersAgent* form = frmFoldersAgent.load())
+        form->StopThreads();
+}
+
+} // namespace
+
+std::unique_ptr<TAppInstances> CheckSingleInstance() {
+    auto instances = JclAppInstances(QLatin1String(Identity));
+    if (instances->CheckInstance(1))
+        return instances;
+    [[maybe_unused]] const int reached =
+        instances->SendCmdLineParams(QLatin1String(TfrmFoldersAgent::WindowClass), 0);
+    instances->SwitchTo(0);
+    TAppInstances::KillInstance();
+}
+
+int RunFoldersAgent(TAppInstances& instances) {
+    TTerminationSignals endSignals;
+    RegisterActionClasses();
+    std::atexit(StopAtExit);
+    TMessagePump pump;
+    pump.Watch(endSignals.Descriptor(), [&endSignals] {
+        TfrmFoldersAgent* form = frmFoldersAgent.load();
+        if (form && endSignals.Take())
+            form->Terminate();
+    });
+    if (instances.Descriptor() >= 0)
+        pump.Watch(instances.Descriptor(), [&instances] { instances.Receive(); });
+    TSystemClock clock;
+    TSystemFolderFiles files;
+    const TfrmFoldersAgent form({clock, files});
+    return form.Terminated() ? EXIT_SUCCESS : QCoreApplication::exec();
+}

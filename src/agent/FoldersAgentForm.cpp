@@ -1,0 +1,148 @@
+#include "agent/FoldersAgentForm.h"
+
+#include "agent/AgentPicture.h"
+#include "agent/FoldersThread.h"
+#include "base/Exceptions.h"
+#include "base/Paths.h"
+#include "base/Settings.h"
+#include "platform/AppInstances.h"
+#include "platform/MessageBox.h"
+#include "watch/FolderWatch.h"
+
+#include <QCoreApplication>
+
+std::atomic<TfrmFoldersAgent*> frmFoldersAgent = nullptr;
+
+namespace {
+
+constexpr int FrameSize = 16;
+
+/// With a delimiter at its end; empty if there is no such folder.
+string ConfigurationPath() {
+    const string path = ExpandEnvironment(IncludeTrailingDelimiter(GetEditorSettings().ConfigurationFolder));
+    return DirectoryExists(path) ? path : string();
+}
+
+void ShowError(const string& text) {
+    [[maybe_unused]] const int answer = MessageBoxHost().Show(text, ApplicationTitle(), MB_OK | MB_ICONERROR);
+}
+
+} // namespace
+
+TfrmFoldersAgent::TfrmFoldersAgent(TFormHost host)
+    : TComponent(nullptr), FCaption(QStringLiteral("Watched Folders Agent")), Exit1{QStringLiteral("Exit"),
+                                                                                    [this] { Exit1Click(); }},
+      PopupMenu1{{Exit1}}, ImageList1(FrameSize, FrameSize), TrayIcon1(nullptr), FHost(host),
+      FWindow([this](TMessage& message) { WndProc(message); }, QLatin1String(WindowClass)) {
+    FillTrayIcon();
+    frmFoldersAgent.store(this);
+    try {
+        FormCreate();
+    } catch (const Exception& e) {
+        ShowError(e.Message());
+    }
+}
+
+TfrmFoldersAgent::~TfrmFoldersAgent() {
+    FormDestroy();
+    frmFoldersAgent.store(nullptr);
+}
+
+void TfrmFoldersAgent::FillTrayIcon() {
+    for (const int size : {16, 22, 24, 32, 48, 64})
+        TrayIcon1.Icon.push_back(AgentPicture(size));
+    for (int frame = 0; frame < AgentFrames; ++frame)
+        ImageList1.Add(AgentFrame(FrameSize, frame));
+    TrayIcon1.Icons = &ImageList1;
+    // The frames and their interval are in place, and nothing animates them: the picture stands still.
+    TrayIcon1.FAnimateInterval = 500;
+    TrayIcon1.PopupMenu = &PopupMenu1;
+}
+
+void TfrmFoldersAgent::FormCreate() {
+    FCronJobs = std::make_unique<TObjectList<TZQCronJob>>();
+    TrayIcon1.SetVisible(/*visible=*/true);
+    const string path = ConfigurationPath();
+    if (path.isEmpty() || !DirectoryExists(path)) {
+        ShowError(QStringLiteral("Configuration Path is missing or invalid. "));
+        Terminate();
+        return;
+    }
+    StartThreads(path);
+    StartWatch(path);
+}
+
+void TfrmFoldersAgent::StartThreads(const string& path) {
+    FWatchedFoldersThread =
+        std::make_unique<TWatchedFoldersThread>(path, TRunHost{FHost.Clock, FHost.Files, *this});
+    FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); });
+}
+
+void TfrmFoldersAgent::StartWatch(const string& path) {
+    auto* watch = new TFolderWatch(this);
+    watch->SetDirectory(path);
+    watch->SetOnChange([this](TFolderWatch& sender) { FolderChanged(sender); });
+    watch->SetNotifyFilters(TFolderWatch::nfLastWrite);
+    watch->SetActive(/*active=*/true);
+}
+
+void TfrmFoldersAgent::FormDestroy() {
+    FCronJobs.reset();
+    StopThreads();
+}
+
+void TfrmFoldersAgent::StopThreads() {
+    MessageBoxHost().CloseAll();
+    if (FWatchedFoldersThread) {
+        FWatchedFoldersThread->Terminate();
+        FWatchedFoldersThread->WaitForDelivering();
+        const std::lock_guard guard(FThreadLock);
+        FWatchedFoldersThread.reset();
+    }
+    if (FNamedPipeThread) {
+        FNamedPipeThread->Terminate();
+        FNamedPipeThread->WaitForDelivering();
+        FNamedPipeThread.reset();
+    }
+}
+
+bool TfrmFoldersAgent::Raise(TFlag flag) {
+    const std::lock_guard guard(FThreadLock);
+    if (!FWatchedFoldersThread)
+        return false;
+    (FWatchedFoldersThread.get()->*flag).store(true, std::memory_order_relaxed);
+    return true;
+}
+
+void TfrmFoldersAgent::FolderChanged(TFolderWatch& /*sender*/) {
+    [[maybe_unused]] const bool raised = Raise(&TWatchedFoldersThread::FDirChanged);
+}
+
+// A command that comes after the folders thread has gone ends the pipe's thread, which is stopped next
+// anyway.
+void TfrmFoldersAgent::RefreshFolders() {
+    if (!Raise(&TWatchedFoldersThread::FRefreshFolders))
+        throw Exception(QStringLiteral("The agent is stopping."));
+}
+
+void TfrmFoldersAgent::RefreshActions() {
+    if (!Raise(&TWatchedFoldersThread::FRefreshActions))
+        throw Exception(QStringLiteral("The agent is stopping."));
+}
+
+void TfrmFoldersAgent::Terminate() {
+    FTerminated = true; // before the event loop runs, the next call is lost
+    // Not quit(), which asks the open windows first, and a box without a Cancel button refuses.
+    QCoreApplication::exit();
+}
+
+void TfrmFoldersAgent::WndProc(TMessage& message) {
+    if (ReadMessageCheck(message, Handle()) != CopyDataCommandLine) {
+        DefWindowProc(message);
+        return;
+    }
+    // A second instance's command line: there are no options, so it is taken and dropped.
+    string text;
+    ReadMessageString(message, text);
+    text = text.trimmed();
+}

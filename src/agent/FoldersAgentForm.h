@@ -1,0 +1,86 @@
+#pragma once
+// TfrmFoldersAgent: the application's main form. It is never shown; it stands for the agent in the tray,
+// starts the folders thread, the control pipe and the watch of the configuration folder, and stops them in
+// order.
+#include "agent/NamedPipeThread.h"
+#include "agent/RunHost.h"
+#include "base/ObjectList.h"
+#include "platform/HiddenWindow.h"
+#include "platform/TrayIcon.h"
+#include "timers/CronJob.h"
+
+#include <atomic>
+
+class TFolderWatch;
+class TWatchedFoldersThread;
+
+/// What a form's run needs from outside; both outlive the form.
+struct TFormHost {
+    TRunClock& Clock;
+    TFolderFiles& Files;
+};
+
+/// Lives on the main thread; other threads use it as TTrayHint and TRefreshTarget alone.
+class TfrmFoldersAgent final : public TComponent, public TTrayHint, public TRefreshTarget {
+    Q_OBJECT
+public:
+    static constexpr char WindowClass[] = "TfrmFoldersAgent";
+
+    /// Runs FormCreate. A watch that can't be started is shown in a box, and the threads run on.
+    explicit TfrmFoldersAgent(TFormHost host);
+    /// Runs FormDestroy; the folder watch goes last.
+    ~TfrmFoldersAgent() override;
+
+    PUBLISHED(string, Caption, FCaption);
+    PUBLISHED(int, ClientWidth, FClientWidth) = 405;
+    PUBLISHED(int, ClientHeight, FClientHeight) = 240;
+    [[nodiscard]] TWindowHandle Handle() const { return FWindow.Handle(); }
+
+    // Declared in this order because the menu names its item, and the icon its frames and menu.
+    TMenuItem Exit1;
+    TPopupMenu PopupMenu1;
+    TImageList ImageList1;
+    TTrayIcon TrayIcon1;
+
+    /// Tells the application to end, whatever boxes are open.
+    void Terminate();
+    /// It has been told; the event loop need not be begun.
+    [[nodiscard]] bool Terminated() const { return FTerminated; }
+
+    /// Null where no configuration folder was found, and after the stop.
+    [[nodiscard]] const TWatchedFoldersThread* FoldersThread() const { return FWatchedFoldersThread.get(); }
+    [[nodiscard]] const TNamedPipeThread* PipeThread() const { return FNamedPipeThread.get(); }
+
+    /// Stops the folders thread, then the control pipe, waiting for each; open boxes are answered, and what
+    /// is queued for this thread is delivered meanwhile. A second call does nothing.
+    void StopThreads();
+
+    void SetHint(const string& text) override { TrayIcon1.SetHint(text); }
+    void RefreshFolders() override;
+    void RefreshActions() override;
+
+private:
+    using TFlag = std::atomic<bool> TWatchedFoldersThread::*;
+
+    void FormCreate();
+    void FormDestroy();
+    void FillTrayIcon();
+    void StartThreads(const string& path);
+    void StartWatch(const string& path);
+    void FolderChanged(TFolderWatch& sender);
+    void Exit1Click() { Terminate(); }
+    void WndProc(TMessage& message);
+    [[nodiscard]] bool Raise(TFlag flag);
+
+    TFormHost FHost;
+    bool FTerminated = false;
+    THiddenWindow FWindow;
+    /// The list of jobs that cron masks would start. Always empty: the folders' schedule is their CheckEvery.
+    std::unique_ptr<TObjectList<TZQCronJob>> FCronJobs;
+    std::mutex FThreadLock; ///< of the next pointer, which the pipe's thread follows
+    std::unique_ptr<TWatchedFoldersThread> FWatchedFoldersThread;
+    std::unique_ptr<TNamedPipeThread> FNamedPipeThread;
+};
+
+/// The one form; null while there is none.
+extern std::atomic<TfrmFoldersAgent*> frmFoldersAgent;

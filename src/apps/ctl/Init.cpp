@@ -1,0 +1,83 @@
+#include "apps/ctl/ConfigurationCommands.h"
+#include "base/Exceptions.h"
+#include "base/Paths.h"
+#include "base/Settings.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+constexpr char ExampleActions[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- The action lists that watched folders name. docs/configuration.md has every action. -->
+<ActionManager>
+  <ManagerActions>
+    <ActionList>
+      <Name>Upright</Name>
+      <Actions>
+        <Action Class="TPDFActionRotatePages">
+          <pageRange>odd</pageRange>
+          <Angle>90</Angle>
+        </Action>
+      </Actions>
+    </ActionList>
+  </ManagerActions>
+</ActionManager>
+)";
+
+constexpr char ExampleFolders[] = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!-- The folders that the agent serves, every so many seconds, with which list of actions.xml. -->
+<WatchedFolder>
+  <Folders>
+    <Folder>
+      <Name>%1</Name>
+      <Enabled>true</Enabled>
+      <OverwriteExistingFiles>false</OverwriteExistingFiles>
+      <CheckEvery>1</CheckEvery>
+      <Action>Upright</Action>
+    </Folder>
+  </Folders>
+</WatchedFolder>
+)";
+
+/// Never replaces a file, not even one that appears at this moment.
+string MakeFile(const string& path, const string& contents) {
+    if (NameTaken(path))
+        return QStringLiteral("kept %1").arg(path);
+    ForceDirectories(ExtractFilePath(path));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(Narrow(contents)) < 0 ||
+        !file.flush())
+        throw Exception(QStringLiteral("Cannot make \"%1\": %2").arg(path, file.errorString()));
+    return QStringLiteral("made %1").arg(path);
+}
+
+/// QSettings reads a value in quotes with backslashes and quotes escaped.
+string SettingsText(string folder) {
+    folder.replace(u'\\', QStringLiteral("\\\\")).replace(u'"', QStringLiteral("\\\""));
+    return QStringLiteral("[General]\nConfigurationFolder=\"%1\"\n").arg(folder);
+}
+
+} // namespace
+
+TOutcome Init(const string& folder, int /*timeoutMs*/) {
+    const string configured = GetEditorSettings().ConfigurationFolder;
+    const string wanted = folder.isEmpty() ? configured : QDir(folder).absolutePath();
+    const string path = folder.isEmpty() ? ExpandEnvironment(configured) : wanted;
+    if (path.isEmpty())
+        throw Exception(QStringLiteral("The configuration folder's path is too long."));
+    ForceDirectories(path);
+    const string inbox = path + QStringLiteral("/inbox");
+    QStringList done;
+    const bool first = !NameTaken(path + QStringLiteral("/watchedfolders.xml"));
+    done += MakeFile(path + QStringLiteral("/watchedfolders.xml"),
+                     string(QLatin1String(ExampleFolders)).arg(inbox.toHtmlEscaped()));
+    if (first)
+        ForceDirectories(inbox);
+    done += MakeFile(path + QStringLiteral("/actions.xml"), QLatin1String(ExampleActions));
+    done += MakeFile(SettingsFile(), SettingsText(wanted));
+    const string used = ExpandEnvironment(GetEditorSettings().ConfigurationFolder);
+    if (used != path)
+        done += QStringLiteral("The settings name another folder, which the agent uses: %1").arg(used);
+    return {ExitDone, done.join(u'\n')};
+}

@@ -1,0 +1,75 @@
+#include "desktop/DesktopTrayIcon.h"
+
+#include <QAction>
+#include <QIcon>
+#include <QImage>
+#include <QMenu>
+#include <QPixmap>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+namespace {
+
+QPixmap PixmapOf(const TPicture& picture) {
+    QImage image(picture.Width, picture.Height, QImage::Format_ARGB32);
+    for (int row = 0; row < picture.Height; ++row)
+        std::copy_n(picture.Pixels.begin() + row * picture.Width, picture.Width,
+                    reinterpret_cast<quint32*>(image.scanLine(row)));
+    return QPixmap::fromImage(image);
+}
+
+QIcon IconOf(const std::vector<TPicture>& sizes) {
+    QIcon icon;
+    for (const TPicture& picture : sizes)
+        icon.addPixmap(PixmapOf(picture));
+    return icon;
+}
+
+class TDesktopTrayIcon : public TTrayIconView {
+public:
+    explicit TDesktopTrayIcon(const TTrayIconLook& look) {
+        FIcon.setIcon(IconOf(look.Icon));
+        FIcon.setToolTip(look.Hint);
+        if (look.PopupMenu)
+            FillMenu(*look.PopupMenu);
+        FIcon.setContextMenu(&FMenu);
+        if (look.Animate && look.Icons && look.Icons->Count() > 0)
+            StartFrames(*look.Icons, look.AnimateInterval);
+        ShowWhenPossible();
+    }
+    void SetHint(const string& text) override { FIcon.setToolTip(text); }
+
+private:
+    void FillMenu(const TPopupMenu& menu) {
+        for (const TMenuItem& item : menu.Items)
+            QObject::connect(FMenu.addAction(item.Caption), &QAction::triggered, &FMenu, item.OnClick);
+    }
+
+    void StartFrames(const TImageList& icons, int intervalMs) {
+        QObject::connect(&FFrames, &QTimer::timeout, &FIcon, [this, &icons] {
+            FIcon.setIcon(QIcon(PixmapOf(icons[FFrame])));
+            FFrame = (FFrame + 1) % icons.Count();
+        });
+        FFrames.start(intervalMs);
+    }
+
+    /// At login an agent may be there before the panel is.
+    void ShowWhenPossible() {
+        constexpr int LookEveryMs = 5000;
+        if (QSystemTrayIcon::isSystemTrayAvailable())
+            FIcon.show();
+        else
+            QTimer::singleShot(LookEveryMs, &FIcon, [this] { ShowWhenPossible(); });
+    }
+
+    QMenu FMenu; // goes after the icon that shows it
+    QSystemTrayIcon FIcon;
+    QTimer FFrames;
+    int FFrame = 0;
+};
+
+} // namespace
+
+std::unique_ptr<TTrayIconView> TDesktopTrayIconHost::Show(const TTrayIconLook& look) {
+    return std::make_unique<TDesktopTrayIcon>(look);
+}

@@ -1,0 +1,82 @@
+#pragma once
+// TTrayIcon: a picture in the desktop's tray area, with a hint and a menu. Without a desktop it is there all
+// the same and shows nothing.
+#include "base/Component.h"
+#include "platform/Picture.h"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class TMessageQueue;
+
+struct TMenuItem {
+    string Caption;
+    std::function<void()> OnClick; ///< on the main thread
+};
+
+struct TPopupMenu {
+    std::vector<TMenuItem> Items;
+};
+
+/// A tray icon as a desktop shows it; gone with this object.
+class TTrayIconView {
+public:
+    virtual ~TTrayIconView() = default;
+    virtual void SetHint(const string& text) = 0;
+};
+
+/// What an icon looks like. What it points to outlives the view.
+struct TTrayIconLook {
+    const std::vector<TPicture>& Icon; ///< one picture in several sizes
+    const TImageList* Icons;           ///< frames, shown in turn while animated
+    bool Animate;
+    int AnimateInterval; ///< milliseconds a frame
+    const TPopupMenu* PopupMenu;
+    string Hint;
+};
+
+/// Whoever has a tray area. Called on the main thread.
+class TTrayIconHost {
+public:
+    virtual ~TTrayIconHost() = default;
+    [[nodiscard]] virtual std::unique_ptr<TTrayIconView> Show(const TTrayIconLook& look) = 0;
+};
+
+/// Null without a desktop.
+[[nodiscard]] TTrayIconHost* TrayIconHost();
+/// Not owned; null takes the registered one away. On the main thread, while no icon is visible.
+void SetTrayIconHost(TTrayIconHost* host);
+
+/// Belongs to the thread that made it; SetHint and Hint may be called from any.
+class TTrayIcon : public TComponent {
+    Q_OBJECT
+public:
+    explicit TTrayIcon(TComponent* owner);
+    ~TTrayIcon() override;
+
+    PUBLISHED(bool, Animate, FAnimate) = false;
+    PUBLISHED(int, AnimateInterval, FAnimateInterval) = 1000;
+    std::vector<TPicture> Icon;
+    const TImageList* Icons = nullptr; ///< not owned, as the next
+    const TPopupMenu* PopupMenu = nullptr;
+
+    [[nodiscard]] bool Visible() const { return FVisible; }
+    /// What was set before counts; only the hint follows later changes.
+    void SetVisible(bool visible);
+
+    [[nodiscard]] string Hint() const;
+    /// Never waits. The hint is shown soon after; of several in a row perhaps only the last one.
+    void SetHint(const string& text);
+
+private:
+    void ShowHint();
+
+    const std::shared_ptr<TMessageQueue> FQueue;
+    const std::shared_ptr<bool> FAlive; ///< for calls that are still queued when the icon goes
+    bool FVisible = false;
+    std::unique_ptr<TTrayIconView> FView;
+    mutable std::mutex FHintLock; ///< of the two below
+    string FHint;
+    bool FHintQueued = false;
+};

@@ -1,0 +1,170 @@
+#include "desktop/Desktop.h"
+#include "agent/AgentPicture.h"
+#include "platform/MessageBox.h"
+#include "platform/MessagePump.h"
+#include "platform/TrayIcon.h"
+#include "testing/Workspace.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <clocale>
+#include <future>
+
+namespace {
+
+/// A desktop that paints into memory, and an event loop.
+class DesktopTest : public testing::Test {
+protected:
+    DesktopTest() {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        qputenv("DISPLAY", ":0");
+        FDesktop = std::make_unique<TDesktop>(FArgc, FArgv);
+        FPump = std::make_unique<TMessagePump>();
+    }
+
+    /// Calls with the open box once there is one.
+    static void OnBox(const std::function<void(QMessageBox&)>& call) {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
+                call(*box);
+                return;
+            }
+        QTimer::singleShot(1, qApp, [call] { OnBox(call); });
+    }
+    static QStringList Captions(const QMessageBox& box) {
+        QStringList captions;
+        for (const QAbstractButton* button : box.buttons())
+            captions += button->text().remove('&');
+        captions.sort();
+        return captions;
+    }
+    static void Click(const QMessageBox& box, const QString& caption) {
+        for (QAbstractButton* button : box.buttons())
+            if (button->text().remove('&') == caption)
+                button->click();
+    }
+
+    int FArgc = 1;
+    char FName[5] = "test";
+    char* FArgv[2] = {FName, nullptr};
+    std::unique_ptr<TDesktop> FDesktop;
+    std::unique_ptr<TMessagePump> FPump;
+};
+
+TEST_F(DesktopTest, EachBoxHasItsButtonsAndTheirCodes) {
+    const struct {
+        int Flags;
+        QStringList Buttons; // sorted
+        QList<int> Codes;
+    } cases[] = {
+        {MB_OK | MB_ICONERROR, {"OK"}, {1}},
+        {MB_OKCANCEL, {"Cancel", "OK"}, {2, 1}},
+        {MB_ABORTRETRYIGNORE, {"Abort", "Ignore", "Retry"}, {3, 5, 4}},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, {"Cancel", "No", "Yes"}, {2, 7, 6}},
+        {MB_YESNO, {"No", "Yes"}, {7, 6}},
+        {MB_RETRYCANCEL, {"Cancel", "Retry"}, {2, 4}},
+        {MB_CANCELTRYCONTINUE, {"Cancel", "Continue", "Try Again"}, {2, 11, 10}},
+    };
+    for (const auto& c : cases)
+        for (int i = 0; i < c.Buttons.size(); ++i) {
+            OnBox([&](QMessageBox& box) {
+                EXPECT_EQ(Captions(box), c.Buttons);
+                EXPECT_EQ(box.text(), "<b>Really?</b>");
+                EXPECT_EQ(box.textFormat(), Qt::PlainText);
+                Click(box, c.Buttons[i]);
+            });
+            EXPECT_EQ(MessageBoxHost().Show("<b>Really?</b>", "Caption", c.Flags), c.Codes[i]) << c.Flags;
+        }
+}
+
+TEST_F(DesktopTest, EscapeIsCancelWhereThereIsOne) {
+    OnBox([](QMessageBox& box) { box.reject(); });
+    EXPECT_EQ(MessageBoxHost().Show("text", "", MB_YESNOCANCEL), IDCANCEL);
+    OnBox([](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(MessageBoxHost().Show("text", "", MB_OK), IDOK);
+}
+
+TEST_F(DesktopTest, AnyThreadMayAskAndSeveralAtOnce) {
+    auto first = std::async(std::launch::async, [] { return MessageBoxHost().Show("1", "", MB_YESNO); });
+    auto second = std::async(std::launch::async, [] { return MessageBoxHost().Show("2", "", MB_YESNO); });
+    int clicked = 0;
+    const std::function<void(QMessageBox&)> answer = [&](QMessageBox& box) {
+        Click(box, box.text() == "1" ? "Yes" : "No");
+        if (++clicked == 2)
+            QCoreApplication::exit();
+        else
+            OnBox(answer);
+    };
+    OnBox(answer);
+    QCoreApplication::exec();
+    EXPECT_EQ(first.get(), IDYES);
+    EXPECT_EQ(second.get(), IDNO);
+}
+
+TEST_F(DesktopTest, TheEndAnswersOpenBoxesAndEveryLaterOne) {
+    auto held = std::async(std::launch::async, [] { return MessageBoxHost().Show("", "", MB_OKCANCEL); });
+    OnBox([](QMessageBox&) {
+        MessageBoxHost().CloseAll();
+        QCoreApplication::exit();
+    });
+    QCoreApplication::exec();
+    EXPECT_EQ(held.get(), IDCANCEL);
+    EXPECT_EQ(MessageBoxHost().Show("", "", MB_YESNO), IDNO);
+}
+
+TEST_F(DesktopTest, ABoxDoesNotOutliveTheApplicationsEnd) {
+    OnBox([](QMessageBox&) { QCoreApplication::exit(); });
+    EXPECT_EQ(MessageBoxHost().Show("nobody answers", "", MB_YESNO), IDNO);
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        EXPECT_FALSE(widget->isVisible());
+}
+
+TEST_F(DesktopTest, ATrayIconWorksWithoutATrayAreaToo) {
+    TImageList frames(16, 16);
+    for (int i = 0; i < AgentFrames; ++i)
+        frames.Add(AgentFrame(16, i));
+    int clicks = 0;
+    const TPopupMenu menu{{{"Exit", [&] { ++clicks; }}}};
+    TTrayIcon icon(nullptr);
+    icon.Icon = {AgentPicture(16), AgentPicture(32)};
+    icon.Icons = &frames;
+    icon.PopupMenu = &menu;
+    icon.FAnimate = true;
+    icon.FAnimateInterval = 1;
+    icon.SetVisible(/*visible=*/true);
+    icon.SetHint("busy");
+    QTimer::singleShot(30, [] { QCoreApplication::exit(); });
+    QCoreApplication::exec();
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (const auto* shown = qobject_cast<QMenu*>(widget); shown && shown->actions().size() == 1) {
+            EXPECT_EQ(shown->actions()[0]->text(), "Exit");
+            shown->actions()[0]->trigger();
+        }
+    EXPECT_EQ(clicks, 1);
+    icon.SetVisible(/*visible=*/false);
+    EXPECT_EQ(QApplication::topLevelWidgets().size(), 0);
+}
+
+TEST_F(DesktopTest, NumbersKeepTheirPointWhateverTheLocale) {
+    EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
+    EXPECT_TRUE(FDesktop->IsThere());
+}
+
+TEST(NoDesktop, WithoutADisplayThereIsNone) {
+    qunsetenv("DISPLAY");
+    qunsetenv("WAYLAND_DISPLAY");
+    int argc = 1;
+    char name[] = "test";
+    char* argv[] = {name, nullptr};
+    const TDesktop desktop(argc, argv);
+    EXPECT_FALSE(desktop.IsThere());
+    EXPECT_EQ(TrayIconHost(), nullptr);
+    EXPECT_EQ(qobject_cast<QApplication*>(QCoreApplication::instance()), nullptr);
+    EXPECT_EQ(MessageBoxHost().Show("to the journal", "", MB_YESNO), IDNO);
+}
+
+} // namespace
