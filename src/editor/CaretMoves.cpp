@@ -39,11 +39,10 @@ void TCaretMoves::MoveColumn(int dx, int dy, TShiftState shift) {
     const TMemoSettings& settings = FMemo.Settings;
     const int x = caret.X() + dx;
     const bool block = Held(shift, ssShift) && settings.FSelectionMode == smBlock;
-    if (block || settings.FAutoExpand) {
-        caret.SetColumn(x);
-    } else if (Held(shift, ssShift) && settings.FSelectSingleLine) {
+    const bool free = block || settings.FAutoExpand;
+    if (!free && Held(shift, ssShift) && settings.FSelectSingleLine) {
         caret.SetColumn(std::clamp(x, 0, FMemo.LineLength(caret.Y())));
-    } else if (dx >= 0 && dy == 0 && caret.X() >= FMemo.TrimmedLength(caret.Y())) {
+    } else if (!free && dx >= 0 && dy == 0 && caret.X() >= FMemo.TrimmedLength(caret.Y())) {
         // Column first, line then, on purpose: at the end of the last line the caret jumps to its start.
         caret.SetColumn(0);
         caret.SetLine(FMemo.Folding().StepVisible(caret.Y(), 1));

@@ -27,7 +27,7 @@ bool TMemoCompletion::HasStartToken(const string& word) const {
     return std::any_of(word.begin(), word.end(), [this](QChar c) { return IsStartToken(c); });
 }
 
-bool TMemoCompletion::IsHintStart(QChar) const {
+bool TMemoCompletion::IsHintStart(QChar /*c*/) const {
     return false;
 }
 
@@ -35,7 +35,7 @@ bool TMemoCompletion::IsCompletionChar(QChar c) const {
     return c.isLetterOrNumber() || c == u'-' || c == u'_' || c == QChar(189);
 }
 
-bool TMemoCompletion::IsCompletionStop(QChar) const {
+bool TMemoCompletion::IsCompletionStop(QChar /*c*/) const {
     return false;
 }
 

@@ -74,7 +74,7 @@ private:
     void OpenWindow();
     [[nodiscard]] int ListWidth();
     void Accept(Path path, AddBrackets brackets);
-    [[nodiscard]] string EntryText(const string& entry, Path path) const;
+    [[nodiscard]] static string EntryText(const string& entry, Path path);
     void Replace(const string& text, Path path);
     void EraseInList();
     void InsertInMemo(QChar c);

@@ -115,10 +115,10 @@ void TMemoCompletion::ListClicked(int index) {
 }
 
 /// The identifier of an entry. A click doesn't stop at a colon, on purpose: the two paths were never alike.
-string TMemoCompletion::EntryText(const string& entry, Path path) const {
+string TMemoCompletion::EntryText(const string& entry, Path path) {
     const string text = entry.mid(KindLength(entry));
     const QStringView stops = path == Path::Key ? u"(; :" : u"(; ";
-    const auto end = std::find_if(text.begin(), text.end(), [stops](QChar c) { return stops.contains(c); });
+    const auto* end = std::find_if(text.begin(), text.end(), [stops](QChar c) { return stops.contains(c); });
     return text.left(end - text.begin());
 }
 
