@@ -15,7 +15,10 @@ void TConfigurationFile::LoadFirst() {
 }
 
 bool TConfigurationFile::LoadIfChanged() {
-    if (!FileExists(FPath) || HeldForWriting(FPath))
+    if (!FileExists(FPath))
+        return false;
+    const TReadLease lease(FPath); // or a writer that comes now would be read with half its work done
+    if (lease.Refused())
         return false;
     if (LastWriteTime(FPath) <= FTime)
         return true;

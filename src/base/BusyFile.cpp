@@ -15,25 +15,37 @@ constexpr qint64 Second = 1'000'000'000;
 enum class Lease { Free, Busy, NoAnswer };
 
 /// A read lease is refused while anybody has the file open for writing.
-Lease AskLease(int descriptor) {
+Lease TakeLease(int descriptor) {
     // The default signal of a broken lease would end the process; this one is ignored by default.
     if (::fcntl(descriptor, F_SETSIG, SIGURG) != 0)
         return Lease::NoAnswer;
     if (::fcntl(descriptor, F_SETLEASE, F_RDLCK) != 0)
         return errno == EAGAIN ? Lease::Busy : Lease::NoAnswer;
-    (void)::fcntl(descriptor, F_SETLEASE, F_UNLCK);
     return Lease::Free;
+}
+
+Lease AskLease(int descriptor) {
+    const Lease lease = TakeLease(descriptor);
+    if (lease == Lease::Free)
+        (void)::fcntl(descriptor, F_SETLEASE, F_UNLCK);
+    return lease;
 }
 
 } // namespace
 
 bool HeldForWriting(const string& path) {
-    const int descriptor = ::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const Lease lease = AskLease(descriptor);
-    ::close(descriptor);
-    return lease == Lease::Busy;
+    return TReadLease(path).Refused();
+}
+
+TReadLease::TReadLease(const string& path)
+    : FDescriptor(::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
+    if (FDescriptor >= 0)
+        FRefused = TakeLease(FDescriptor) == Lease::Busy;
+}
+
+TReadLease::~TReadLease() {
+    if (FDescriptor >= 0)
+        ::close(FDescriptor); // which gives the lease back
 }
 
 bool TBusyFileTest::IsReady(const string& path, qint64 now) {

@@ -8,6 +8,22 @@
 /// True while anybody has the file open for writing, as far as the file system can tell.
 [[nodiscard]] bool HeldForWriting(const string& path);
 
+/// Keeps writers out of a file while it is read: whoever opens it for writing waits until this goes. Where
+/// the file system knows no leases, it does nothing.
+class TReadLease {
+public:
+    explicit TReadLease(const string& path);
+    ~TReadLease();
+    TReadLease(const TReadLease&) = delete;
+    TReadLease& operator=(const TReadLease&) = delete;
+    /// Somebody has the file open for writing already.
+    [[nodiscard]] bool Refused() const { return FRefused; }
+
+private:
+    int FDescriptor;
+    bool FRefused = false;
+};
+
 /// Remembers what it saw of files whose change time lies in the future, so one object serves one folder or
 /// many over time. Not for two threads.
 class TBusyFileTest {
