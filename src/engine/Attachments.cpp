@@ -3,14 +3,13 @@
 #include "base/Exceptions.h"
 #include "base/Paths.h"
 #include "engine/InfoWriter.h"
+#include "engine/content/FormContent.h"
 
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeDatabase>
 
-#include <qpdf/Pl_Flate.hh>
-#include <qpdf/Pl_String.hh>
 #include <qpdf/QPDFEmbeddedFileDocumentHelper.hh>
 
 #include <cerrno>
@@ -20,15 +19,6 @@ namespace {
 string ShownName(const std::string& key, QPDFFileSpecObjectHelper& file) {
     const std::string name = file.getFilename();
     return ExtractFileName(QString::fromStdString(name.empty() ? key : name).replace(u'\\', u'/'));
-}
-
-std::string Deflated(const QByteArray& data) {
-    std::string result;
-    Pl_String sink("", nullptr, result);
-    Pl_Flate deflate("", &sink, Pl_Flate::a_deflate);
-    deflate.writeString(data.toStdString());
-    deflate.finish();
-    return result;
 }
 
 void Remove(QPDFEmbeddedFileDocumentHelper& files, const string& name) {
@@ -100,6 +90,7 @@ TAttachmentChange ReadAttachment(const string& path, const string& name, const s
     change.Created = info.birthTime().isValid() ? info.birthTime() : change.Modified;
     change.Size = contents.size();
     change.Checksum = QCryptographicHash::hash(contents, QCryptographicHash::Md5).toStdString();
-    change.Contents = std::make_shared<const std::string>(Deflated(contents));
+    change.Contents =
+        std::make_shared<const std::string>(Deflated({contents.data(), size_t(contents.size())}));
     return change;
 }
