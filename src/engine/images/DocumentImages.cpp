@@ -52,6 +52,7 @@ QPDFObjectHandle DecodeParms(const TImageSamples& samples) {
     QPDFObjectHandle parms = QPDFObjectHandle::newDictionary();
     if (samples.Filter == TImageFilter::Fax) {
         parms.replaceKey("/K", NewInteger(-1));
+        parms.replaceKey("/BlackIs1", QPDFObjectHandle::newBool(true));
         parms.replaceKey("/Columns", NewInteger(samples.Width));
         parms.replaceKey("/Rows", NewInteger(samples.Height));
         return parms;
@@ -150,6 +151,9 @@ QPDFObjectHandle TDocumentImages::NewImage(const std::shared_ptr<const TImageDat
 }
 
 QPDFObjectHandle TDocumentImages::ColorSpaceOf(const TImageData& image) {
+    if (image.Model == TColorModel::Lab)
+        return QPDFObjectHandle::parse(
+            "[ /Lab << /WhitePoint [ 0.9642 1 0.8249 ] /Range [ -128 127 -128 127 ] >> ]"); // D50
     const int components = image.Palette.empty() ? image.Components : 3;
     QPDFObjectHandle space = NewName(DeviceSpace(components));
     if (!image.Profile.empty())
