@@ -158,7 +158,8 @@ QByteArray TiffOf(const TSampleImage& image, const TTiffForm& form) {
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, form.Orientation);
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, form.Separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
     if (form.Photometric == PHOTOMETRIC_YCBCR) {
-        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        if (form.Compression == COMPRESSION_JPEG)
+            TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
         TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
     }
     if (form.Dpi > 0) {

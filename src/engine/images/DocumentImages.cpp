@@ -151,9 +151,6 @@ QPDFObjectHandle TDocumentImages::NewImage(const std::shared_ptr<const TImageDat
 }
 
 QPDFObjectHandle TDocumentImages::ColorSpaceOf(const TImageData& image) {
-    if (image.Model == TColorModel::Lab)
-        return QPDFObjectHandle::parse(
-            "[ /Lab << /WhitePoint [ 0.9642 1 0.8249 ] /Range [ -128 127 -128 127 ] >> ]"); // D50
     const int components = image.Palette.empty() ? image.Components : 3;
     QPDFObjectHandle space = NewName(DeviceSpace(components));
     if (!image.Profile.empty())

@@ -30,13 +30,7 @@ struct TCalibration {
     std::array<Double, 9> Matrix{}; ///< XYZ of red, of green, of blue
 };
 
-enum class TColorModel : quint8 {
-    Device, ///< as many components as there are, of the device or the profile
-    Lab,    ///< lightness, and a* and b* with 128 added (ISO 32000-1, 8.6.5.4)
-};
-
 struct TImageData : TImageSamples {
-    TColorModel Model = TColorModel::Device;
     std::string Palette;                     ///< RGB triples; without one, samples are colours themselves
     std::string Profile;                     ///< ICC, for the colours or the palette's; may be empty
     std::optional<TCalibration> Calibration; ///< only without a profile

@@ -1,5 +1,6 @@
 #include "engine/images/Exif.h"
 #include "engine/images/Fax.h"
+#include "engine/images/LabColors.h"
 #include "engine/images/Pack.h"
 #include "engine/images/Readers.h"
 #include "engine/images/TiffInput.h"
@@ -90,14 +91,6 @@ void Unmultiply(std::string& colors, std::string_view alpha, size_t components, 
     }
 }
 
-/// a* and b* are numbers with a sign in this kind of file.
-void RemoveSigns(std::string& rows, const TLayout& layout) {
-    const auto sample = size_t(layout.Bits / 8);
-    for (size_t at = 0; at < rows.size(); at += sample)
-        if (const size_t component = at / sample % size_t(layout.Samples); component == 1 || component == 2)
-            rows[at] = char(rows[at] ^ 0x80);
-}
-
 /// Parts the colours from the opacity and drops what else a pixel has.
 void TakeWithExtras(TImageData& image, const TLayout& layout, const std::string& rows) {
     const auto sample = size_t(layout.Bits / 8);
@@ -140,8 +133,6 @@ void TakeSamples(TImageData& image, TTiffInput& tiff, const TLayout& layout) {
     image.Bits = layout.Bits;
     image.Components = layout.Colors;
     image.Inverted = layout.Photometric == PHOTOMETRIC_MINISWHITE;
-    if (layout.Photometric == PHOTOMETRIC_CIELAB || layout.Photometric == PHOTOMETRIC_ICCLAB)
-        image.Model = TColorModel::Lab;
     if (IsFax(layout) && TakeFax(image, tiff, layout))
         return;
     RequireDecodable(image.Width, image.Height, layout.Bits * layout.Samples);
@@ -149,7 +140,9 @@ void TakeSamples(TImageData& image, TTiffInput& tiff, const TLayout& layout) {
         image.Palette = PaletteOf(tiff, layout.Bits);
     std::string rows = tiff.Samples(layout.Separate ? layout.Samples : 1);
     if (layout.Photometric == PHOTOMETRIC_CIELAB)
-        RemoveSigns(rows, layout);
+        LabToRgb(rows, layout.Bits, layout.Samples, TLabNumbers::Signed);
+    else if (layout.Photometric == PHOTOMETRIC_ICCLAB)
+        LabToRgb(rows, layout.Bits, layout.Samples, TLabNumbers::Shifted);
     if (layout.Samples > layout.Colors)
         TakeWithExtras(image, layout, rows);
     else if (!IsFax(layout) || !PackAsFax(image, rows))
