@@ -35,7 +35,7 @@ TZQPDFText* TJSPDFDocument::AddText(const string& Text, const TFontName& FontNam
         return nullptr;
     auto* text = new TZQPDFText(&LayersToFill());
     text->SetPosition(TGPPointF::Create(X, Y));
-    text->SetFontName(Narrow(FontName.isEmpty() ? QStringLiteral("Arial") : FontName));
+    text->SetFontName(Narrow(FontName.isEmpty() ? TFontName(QStringLiteral("Arial")) : FontName));
     text->SetFontSize(FontSize == 0 ? 12 : FontSize);
     text->SetFillColor(OpaqueOf(FillColor));
     text->SetText(Text);

@@ -5,20 +5,24 @@
 
 namespace {
 
+constexpr size_t Index(char c) {
+    return static_cast<unsigned char>(c);
+}
+
 constexpr std::array<unsigned char, 256> Classes = [] {
     std::array<unsigned char, 256> classes{}; // 0 regular, 1 white space, 2 delimiter (ISO 32000-1, 7.2.2)
     for (const char c : {'\0', '\t', '\n', '\f', '\r', ' '})
-        classes[unsigned char(c)] = 1;
+        classes[Index(c)] = 1;
     for (const char c : {'(', ')', '<', '>', '[', ']', '{', '}', '/', '%'})
-        classes[unsigned char(c)] = 2;
+        classes[Index(c)] = 2;
     return classes;
 }();
 
 bool IsSpace(char c) {
-    return Classes[unsigned char(c)] == 1;
+    return Classes[Index(c)] == 1;
 }
 bool IsRegular(char c) {
-    return Classes[unsigned char(c)] == 0;
+    return Classes[Index(c)] == 0;
 }
 
 class TScanner {

@@ -107,7 +107,7 @@ private:
     }
 
     static void Restore(TPageObject& page, const TPlacedContent& placed) {
-        const auto set = [&](const char* key, const QPDFObjectHandle& value) {
+        const auto set = [&](const char* key, QPDFObjectHandle value) {
             if (value.isNull())
                 page.Dict.removeKey(key);
             else
