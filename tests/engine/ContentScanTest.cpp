@@ -27,7 +27,7 @@ TEST(TContentScan, FindsWhatIsOpen) {
         {"(q BT \\) q) Tj % q BT\n", "", {}},
         {"<71> Tj [(q) 3 (q)] TJ /q gs /BT 1 Tf", "", {}},
         {"BI /W 1 /H 1 /BPC 8 /CS /G ID q Q EIQ q\x01 EI q", "Q\n", {}},
-        {"BI /W 1 /H 1 ID \xff EI \x02\x03 q q EI\nQ", "", {36}},
+        {"BI /W 1 /H 1 ID \xff EI \x02\x03 q q EI\nQ", "", {31}},
         // Cut off
         {"(unfinished q", "", {}},
         {"BI /W 9 ID abc q", "", {}},

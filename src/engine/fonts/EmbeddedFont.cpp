@@ -117,7 +117,7 @@ void TEmbeddedFont::FillDescriptor(const std::string& tag) {
 }
 
 void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
-    const Double common = CommonWidth(glyphs);
+    const Double common = std::round(CommonWidth(glyphs)); // readers take only a whole number for /DW
     QPDFObjectHandle widths = QPDFObjectHandle::newArray();
     QPDFObjectHandle group = QPDFObjectHandle::newArray();
     quint32 next = 0;
@@ -132,6 +132,6 @@ void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
         group.appendItem(Real(glyph.Advance));
         next = glyph.Number + 1;
     }
-    FDescendant.replaceKey("/DW", Real(common));
+    FDescendant.replaceKey("/DW", QPDFObjectHandle::newInteger(qint64(common)));
     FDescendant.replaceKey("/W", widths);
 }
