@@ -54,7 +54,8 @@ std::string HighByteFirst(std::string rows) {
 
 /// Rows of an image that has four samples of so many bytes a pixel, the last its opacity.
 void SplitAlpha(TImageData& result, const std::string& rows, size_t sample) {
-    std::string colors, alpha;
+    std::string colors;
+    std::string alpha;
     for (size_t at = 0; at < rows.size(); at += sample * 4) {
         colors.append(rows, at, sample * 3);
         alpha.append(rows, at + sample * 3, sample);
@@ -125,7 +126,7 @@ void TakeResolution(TImageData& result, std::string_view file) {
 
 } // namespace
 
-TImageData ReadOther(std::string file) {
+TImageData ReadOther(const std::string& file) {
     QImage image = ReadImage(file);
     if (image.format() == QImage::Format_MonoLSB)
         image.convertTo(QImage::Format_Mono);

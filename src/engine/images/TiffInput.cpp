@@ -40,7 +40,7 @@ TTiffInput::TTiffInput(std::string_view file) : FFile(file) {
         throw EImageError("damaged: its header makes no sense");
 }
 
-void TTiffInput::Require(bool sound) const {
+void TTiffInput::Require(bool sound) {
     if (!sound)
         throw EImageError("damaged: its data makes no sense");
 }
@@ -119,7 +119,8 @@ void TTiffInput::ReadPlane(char* to, size_t stride, int plane) {
 }
 
 void TTiffInput::ReadTiles(char* to, size_t stride, int plane) {
-    quint32 tileWidth = 0, tileHeight = 0;
+    quint32 tileWidth = 0;
+    quint32 tileHeight = 0;
     Require(TIFFGetField(FTiff.get(), TIFFTAG_TILEWIDTH, &tileWidth) == 1 && tileWidth > 0);
     Require(TIFFGetField(FTiff.get(), TIFFTAG_TILELENGTH, &tileHeight) == 1 && tileHeight > 0);
     const quint64 tileSize = TIFFTileSize64(FTiff.get());
