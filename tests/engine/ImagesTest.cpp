@@ -109,7 +109,8 @@ void MakePages(const string& path, const QList<TPlaced>& images) {
         page.replaceKey("/Contents", QPDFObjectHandle::newStream(&pdf, content.Data()));
         pdf.addPage(page, false);
     }
-    QPDFWriter writer(pdf, path.toUtf8().constData());
+    const QByteArray name = path.toUtf8(); // the writer borrows it
+    QPDFWriter writer(pdf, name.constData());
     writer.setMinimumPDFVersion("1." + std::to_string(drawn.MinorVersion()));
     writer.write();
 }
