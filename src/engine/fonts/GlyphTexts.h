@@ -31,7 +31,7 @@ private:
     std::vector<TGlyph> FGlyphs;   ///< in the order of their first use
 };
 
-/// The characters of a text that readers should get: blanks for tabs, nothing for other controls and for
+/// The characters of a text that readers should get: four blanks for tabs, nothing for other controls and for
 /// marks of writing direction, which readers find by themselves.
 [[nodiscard]] string ReadableText(QStringView text);
 
