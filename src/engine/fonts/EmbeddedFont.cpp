@@ -40,14 +40,15 @@ void SetStream(QPDFObjectHandle& stream, const std::string& data) {
     stream.replaceStreamData(Deflated(data), Name("FlateDecode"), QPDFObjectHandle::newNull());
 }
 
-/// The width that most glyphs have.
-Double CommonWidth(const std::vector<TGlyph>& glyphs) {
-    std::map<Double, int> counts;
+/// The width that most glyphs have. Only whole numbers will do for a default (ISO 32000-1, table 117).
+int CommonWidth(const std::vector<TGlyph>& glyphs) {
+    std::map<int, int> counts{{1000, 0}};
     for (const TGlyph& glyph : glyphs)
-        ++counts[glyph.Advance];
-    const auto best = std::max_element(counts.begin(), counts.end(),
-                                       [](const auto& a, const auto& b) { return a.second < b.second; });
-    return best == counts.end() ? 1000 : best->first;
+        if (glyph.Advance == std::floor(glyph.Advance))
+            ++counts[int(glyph.Advance)];
+    return std::max_element(counts.begin(), counts.end(),
+                            [](const auto& a, const auto& b) { return a.second < b.second; })
+        ->first;
 }
 
 } // namespace
@@ -117,7 +118,7 @@ void TEmbeddedFont::FillDescriptor(const std::string& tag) {
 }
 
 void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
-    const Double common = CommonWidth(glyphs);
+    const int common = CommonWidth(glyphs);
     QPDFObjectHandle widths = QPDFObjectHandle::newArray();
     QPDFObjectHandle group = QPDFObjectHandle::newArray();
     quint32 next = 0;
@@ -132,6 +133,6 @@ void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
         group.appendItem(Real(glyph.Advance));
         next = glyph.Number + 1;
     }
-    FDescendant.replaceKey("/DW", Real(common));
+    FDescendant.replaceKey("/DW", QPDFObjectHandle::newInteger(common));
     FDescendant.replaceKey("/W", widths);
 }

@@ -133,6 +133,11 @@ std::vector<TGlyph> TGlyphTexts::Glyphs() const {
     return sorted;
 }
 
+bool IsReadable(QStringView text) {
+    return std::none_of(text.begin(), text.end(),
+                        [](QChar c) { return IsControl(c) || IsDirectionMark(c.unicode()); });
+}
+
 string ReadableText(QStringView text) {
     string readable;
     readable.reserve(text.size());
