@@ -23,13 +23,10 @@ QPDFObjectHandle Real(Double value) {
     return QPDFObjectHandle::parse(text);
 }
 
-/// Six letters that differ where the glyphs do, so that no reader takes one subset for another (ISO 32000-1,
-/// 9.6.4).
-std::string TagOf(const std::vector<TGlyph>& glyphs) {
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    for (const TGlyph& glyph : glyphs)
-        hash.addData(QByteArray::number(glyph.Number) + ' ');
-    const QByteArray digest = hash.result();
+/// Six letters that differ where the programs do, so that no reader takes one subset for another (ISO
+/// 32000-1, 9.6.4).
+std::string TagOf(const std::string& program) {
+    const QByteArray digest = QCryptographicHash::hash(program, QCryptographicHash::Md5);
     std::string tag;
     for (int i = 0; i < 6; ++i)
         tag += char('A' + quint8(digest[i]) % 26);
@@ -76,13 +73,12 @@ TEmbeddedFont::TEmbeddedFont(QPDF& pdf, std::shared_ptr<const TFontFace> face)
 
 void TEmbeddedFont::Fill() {
     const std::vector<TGlyph> glyphs = FGlyphs.Glyphs();
+    std::string map = ToUnicodeMap(glyphs);
+    if (glyphs.size() == FFilledGlyphs && map == FFilledMap)
+        return;
     std::vector<quint32> numbers;
     for (const TGlyph& glyph : glyphs)
         numbers.push_back(glyph.Number);
-    const std::string tag = TagOf(glyphs);
-    const std::string map = ToUnicodeMap(glyphs);
-    if (tag + map == FFilled)
-        return;
     const std::string program = SubsetProgram(*FFace, numbers);
     SetStream(FProgram, program);
     QPDFObjectHandle dict = FProgram.getDict();
@@ -91,9 +87,10 @@ void TEmbeddedFont::Fill() {
     else
         dict.replaceKey("/Length1", QPDFObjectHandle::newInteger(qint64(program.size())));
     SetStream(FToUnicode, map);
-    FillDescriptor(tag);
+    FillDescriptor(TagOf(program));
     FillWidths(glyphs);
-    FFilled = tag + map;
+    FFilledGlyphs = glyphs.size();
+    FFilledMap = std::move(map);
 }
 
 void TEmbeddedFont::FillDescriptor(const std::string& tag) {
