@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char EmptyDocument[] = R"(<?xml version="1.0" encoding="UTF-8"?><batesstamps/>)";
+constexpr QByteArrayView EmptyDocument = R"(<?xml version="1.0" encoding="UTF-8"?><batesstamps/>)";
 
 const xmlChar* Xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
@@ -104,22 +104,35 @@ xmlNode* AppendChild(xmlNode* parent, const QByteArray& name) {
 
 } // namespace
 
-void TSchemeDocument::TFree::operator()(_xmlDoc* document) const {
-    xmlFreeDoc(document);
-}
+struct TSchemeDocument::Impl {
+    struct TFree {
+        void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
+    };
 
-TSchemeDocument::TSchemeDocument()
-    : FDocument(
-          xmlReadMemory(EmptyDocument, int(sizeof EmptyDocument) - 1, nullptr, nullptr, XML_PARSE_NONET)) {}
+    explicit Impl(QByteArrayView bytes)
+        : Document(xmlReadMemory(bytes.data(), int(bytes.size()), nullptr, "UTF-8",
+                                 XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING)) {}
+
+    [[nodiscard]] xmlNode* Root() const { return xmlDocGetRootElement(Document.get()); }
+    /// The first element of that id; null if there is none.
+    [[nodiscard]] xmlNode* Find(const string& id) const {
+        xmlNode* node = Root()->children;
+        while (node != nullptr && IdOf(node) != id)
+            node = node->next;
+        return node;
+    }
+
+    std::unique_ptr<xmlDoc, TFree> Document;
+};
+
+TSchemeDocument::TSchemeDocument() : FImpl(std::make_unique<Impl>(EmptyDocument)) {}
 
 TSchemeDocument::TSchemeDocument(const string& fileName) {
     // The project's own reader refuses what is malformed, declares entities or is beyond the limits, with
     // the place; the library's tree then keeps what that reader leaves out.
     const string source = u'"' + fileName + u'"';
-    const QByteArray bytes = ParseXml(ReadXmlFile(fileName), source).Bytes;
-    FDocument.reset(xmlReadMemory(bytes.constData(), int(bytes.size()), nullptr, "UTF-8",
-                                  XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (!FDocument)
+    FImpl = std::make_unique<Impl>(ParseXml(ReadXmlFile(fileName), source).Bytes);
+    if (!FImpl->Document)
         throw EXmlError(source + QStringLiteral(" cannot be read"));
 }
 
@@ -128,7 +141,7 @@ TSchemeDocument::~TSchemeDocument() = default;
 QByteArray TSchemeDocument::Bytes() const {
     xmlChar* memory = nullptr;
     int size = 0;
-    xmlDocDumpMemoryEnc(FDocument.get(), &memory, &size, "UTF-8");
+    xmlDocDumpMemoryEnc(FImpl->Document.get(), &memory, &size, "UTF-8");
     const std::unique_ptr<xmlChar, void (*)(void*)> owner(memory, xmlFree);
     return {reinterpret_cast<const char*>(memory), size};
 }
@@ -141,21 +154,14 @@ void TSchemeDocument::Save(const string& fileName) const {
 
 QStringList TSchemeDocument::Ids() const {
     QStringList ids;
-    for (xmlNode* node = xmlDocGetRootElement(FDocument.get())->children; node != nullptr; node = node->next)
+    for (xmlNode* node = FImpl->Root()->children; node != nullptr; node = node->next)
         if (const auto id = IdOf(node))
             ids.append(*id);
     return ids;
 }
 
-_xmlNode* TSchemeDocument::Find(const string& id) const {
-    for (xmlNode* node = xmlDocGetRootElement(FDocument.get())->children; node != nullptr; node = node->next)
-        if (IdOf(node) == id)
-            return node;
-    return nullptr;
-}
-
 bool TSchemeDocument::Read(const string& id, TZQPDFBatesSetting& scheme) const {
-    const xmlNode* element = Find(id);
+    const xmlNode* element = FImpl->Find(id);
     if (element == nullptr)
         return false;
     scheme.Name = id;
@@ -171,9 +177,9 @@ void TSchemeDocument::Write(const TZQPDFBatesSetting& scheme) {
     SchemeFields::CheckXmlText(scheme.Name, QStringLiteral("Name"));
     SchemeFields::Write(scheme,
                         [&](const QByteArray& name, const string& text) { fields.emplace_back(name, text); });
-    xmlNode* element = Find(scheme.Name);
+    xmlNode* element = FImpl->Find(scheme.Name);
     if (element == nullptr) {
-        element = AppendChild(xmlDocGetRootElement(FDocument.get()), "batestamp");
+        element = AppendChild(FImpl->Root(), "batestamp");
         xmlSetProp(element, Xml("id"), Xml(Narrow(scheme.Name).constData()));
     }
     for (const auto& [name, text] : fields) {
@@ -183,7 +189,7 @@ void TSchemeDocument::Write(const TZQPDFBatesSetting& scheme) {
 }
 
 void TSchemeDocument::Remove(const string& id) {
-    xmlNode* element = Find(id);
+    xmlNode* element = FImpl->Find(id);
     if (element == nullptr)
         return;
     xmlNode* root = element->parent;

@@ -17,9 +17,6 @@
 
 #include <memory>
 
-struct _xmlDoc;
-struct _xmlNode;
-
 class TSchemeDocument {
 public:
     /// A document without schemes.
@@ -42,11 +39,6 @@ public:
     void Remove(const string& id);
 
 private:
-    struct TFree {
-        void operator()(_xmlDoc* document) const;
-    };
-
-    [[nodiscard]] _xmlNode* Find(const string& id) const;
-
-    std::unique_ptr<_xmlDoc, TFree> FDocument;
+    struct Impl;
+    std::unique_ptr<Impl> FImpl;
 };

@@ -27,7 +27,7 @@ bool IsColor(const QMetaProperty& member) {
 
 string General(double number) {
     std::array<char, 64> buffer;
-    const auto end =
+    const char* end =
         std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, std::chars_format::general, 15)
             .ptr;
     return QString::fromLatin1(buffer.data(), end - buffer.data());
