@@ -1,0 +1,31 @@
+#pragma once
+// One face in one document: its objects, which text refers to from the start and which are filled when the
+// glyphs are known.
+#include "engine/Qpdf.h"
+#include "engine/fonts/GlyphTexts.h"
+
+class TEmbeddedFont {
+public:
+    TEmbeddedFont(QPDF& pdf, std::shared_ptr<const TFontFace> face);
+
+    [[nodiscard]] const TFontFace& Face() const { return *FFace; }
+    [[nodiscard]] TGlyphTexts& Glyphs() { return FGlyphs; }
+    /// The Type0 font (ISO 32000-1, 9.7.6).
+    [[nodiscard]] const QPDFObjectHandle& Font() const { return FFont; }
+
+    /// Writes what the glyphs used by now ask for.
+    void Fill();
+
+private:
+    void FillDescriptor(const std::string& name);
+    void FillWidths(const std::vector<TGlyphTexts::TGlyph>& glyphs);
+
+    std::shared_ptr<const TFontFace> FFace;
+    TGlyphTexts FGlyphs;
+    std::string FFilled; ///< the map and the glyphs that were last written
+    QPDFObjectHandle FFont;
+    QPDFObjectHandle FDescendant;
+    QPDFObjectHandle FDescriptor;
+    QPDFObjectHandle FProgram;
+    QPDFObjectHandle FToUnicode;
+};
