@@ -45,6 +45,8 @@ void Rebind(TDocumentCore& core, const string& path) {
     core.Protection = TProtection::AsOpened;
     for (int i = 0; i < core.Pages.Count(); ++i)
         core.Pages.getItem(i).Object() = std::move(*OwnPage(core.Source, size_t(i)));
+    if (core.Outlines)
+        core.Outlines->Rebind(core);
 }
 
 } // namespace

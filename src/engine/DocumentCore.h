@@ -7,6 +7,7 @@
 #include "engine/Pages.h"
 #include "engine/Security.h"
 #include "engine/Types.h"
+#include "engine/outlines/OutlineTree.h"
 
 #include <QDateTime>
 
@@ -46,6 +47,7 @@ struct TDocumentCore {
     int LastBatch = 0;
     TDocumentChanges Changes;
     std::unique_ptr<TPDFEmbeddedFiles> EmbeddedFiles;
+    std::unique_ptr<TOutlineTree> Outlines; ///< null until somebody asks for the outline
 
     TProtection Protection = TProtection::AsOpened;
     std::unique_ptr<TPDFSecurityHandler> Handler;

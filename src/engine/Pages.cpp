@@ -3,6 +3,7 @@
 #include "engine/Errors.h"
 #include "engine/PageObject.h"
 
+#include <atomic>
 #include <cmath>
 
 namespace {
@@ -40,6 +41,11 @@ TPageGeometry GeometryOf(const TPageObject& page) {
     if (unit.isInitialized() && unit.isNumber() && unit.getNumericValue() > 0)
         geometry.UserUnit = unit.getNumericValue();
     return geometry;
+}
+
+quint64 NextId() {
+    static std::atomic<quint64> last = 0;
+    return ++last;
 }
 
 } // namespace
@@ -94,7 +100,7 @@ std::unique_ptr<TPageObject> BlankPage(Double width, Double height) {
     return page;
 }
 
-TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FObject(std::move(object)) {}
+TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FId(NextId()), FObject(std::move(object)) {}
 TZQPDFPage::~TZQPDFPage() = default;
 
 Single TZQPDFPage::GetWidth() const {

@@ -13,6 +13,9 @@ public:
     explicit TZQPDFPage(std::unique_ptr<TPageObject> object);
     ~TZQPDFPage();
 
+    /// Tells the page from every other, those that have gone included.
+    [[nodiscard]] quint64 Id() const { return FId; }
+
     /// The size of the page's layer space in points; the displayed size of the page until set otherwise.
     [[nodiscard]] Single GetWidth() const;
     [[nodiscard]] Single GetHeight() const;
@@ -33,6 +36,7 @@ public:
     [[nodiscard]] TPageObject& Object() const { return *FObject; }
 
 private:
+    quint64 FId;
     std::unique_ptr<TPageObject> FObject;
     Single FWidth = -1; // negative: not set
     Single FHeight = -1;
