@@ -7,6 +7,7 @@
 #include "base/Settings.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
+#include "scripting/AskForPassword.h"
 #include "watch/FolderWatch.h"
 
 #include <QCoreApplication>
@@ -94,6 +95,7 @@ void TfrmFoldersAgent::FormDestroy() {
 
 void TfrmFoldersAgent::StopThreads() {
     MessageBoxHost().CloseAll();
+    PasswordPrompt().CancelAll();
     if (FWatchedFoldersThread) {
         FWatchedFoldersThread->Terminate();
         FWatchedFoldersThread->WaitForDelivering();
