@@ -8,6 +8,7 @@
 #include "platform/Signals.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 
 #include <cstdlib>
 
@@ -19,8 +20,22 @@ constexpr char Identity[] = "{53F95304-BFF6-4D89-971E-E1366F4F10D5}";
 /// must have ended before what they use is taken down.
 void StopAtExit() {
     if (TfrmFoldersAgent* form = frmFoldersAgent.load())
-        form->StopThreads();
+        form->StopThreads(TWindowSystem::Dead);
 }
+
+/// The end of the session asks the application to quit, which the window system's library refuses as long as
+/// a window does, such as a box without a Cancel button.
+class TQuitRequests : public QObject {
+public:
+    TQuitRequests() { QCoreApplication::instance()->installEventFilter(this); }
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        TfrmFoldersAgent* form = frmFoldersAgent.load();
+        if (!form || event->type() != QEvent::Quit || receiver != QCoreApplication::instance())
+            return false;
+        form->Terminate();
+        return true;
+    }
+};
 
 } // namespace
 
@@ -38,6 +53,7 @@ int RunFoldersAgent(TAppInstances& instances) {
     TTerminationSignals endSignals;
     RegisterActionClasses();
     std::atexit(StopAtExit);
+    const TQuitRequests quitRequests;
     TMessagePump pump;
     pump.Watch(endSignals.Descriptor(), [&endSignals] {
         TfrmFoldersAgent* form = frmFoldersAgent.load();

@@ -5,6 +5,7 @@
 #include "desktop/DesktopTrayIcon.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 #include <clocale>
 
@@ -28,6 +29,12 @@ std::unique_ptr<QCoreApplication> MakeWindowedApplication(int& argc, char** argv
     if (!named)
         qunsetenv(PlatformVariable); // programs that scripts start choose for themselves
     QGuiApplication::setQuitOnLastWindowClosed(/*quit=*/false);
+    // The autostart entry brings the agent back at the next login; a session that did so too would start two.
+    const auto neverRestart = [](QSessionManager& session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+    };
+    QObject::connect(application.get(), &QGuiApplication::commitDataRequest, neverRestart);
+    QObject::connect(application.get(), &QGuiApplication::saveStateRequest, neverRestart);
     return application;
 }
 

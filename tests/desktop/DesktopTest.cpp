@@ -1,8 +1,12 @@
 #include "desktop/Desktop.h"
 #include "agent/AgentPicture.h"
+#include "agent/AgentProgram.h"
+#include "agent/FoldersAgentForm.h"
+#include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
 #include "platform/MessagePump.h"
 #include "platform/TrayIcon.h"
+#include "testing/PlayedHost.h"
 #include "testing/Workspace.h"
 
 #include <QAbstractButton>
@@ -147,6 +151,59 @@ TEST_F(DesktopTest, ATrayIconWorksWithoutATrayAreaToo) {
     EXPECT_EQ(clicks, 1);
     icon.SetVisible(/*visible=*/false);
     EXPECT_EQ(QApplication::topLevelWidgets().size(), 0);
+}
+
+/// A desktop, and a configuration that serves one folder.
+class DesktopAgentTest : public DesktopTest {
+protected:
+    DesktopAgentTest() {
+        qputenv("XDG_CONFIG_HOME", FWorkspace.Path("settings").toUtf8());
+        qputenv("XDG_RUNTIME_DIR", FWorkspace.Path().toUtf8());
+        FWorkspace.Write("settings/morvane/settings.ini",
+                         "ConfigurationFolder=" + FWorkspace.Path("c").toUtf8());
+        QDir().mkpath(FWorkspace.Path("in"));
+        FWorkspace.Write("c/watchedfolders.xml",
+                         "<WatchedFolder><Folders><Folder><Name>" + FWorkspace.Path("in").toUtf8() +
+                             "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery></Folder></Folders>"
+                             "</WatchedFolder>");
+    }
+    ~DesktopAgentTest() override {
+        qunsetenv("XDG_CONFIG_HOME");
+        qunsetenv("XDG_RUNTIME_DIR");
+    }
+    const TWorkspace FWorkspace;
+};
+
+TEST_F(DesktopAgentTest, TheSessionsEndEndsTheAgentWhateverBoxIsOpen) {
+    const auto instances = CheckSingleInstance();
+    auto held = std::async(std::launch::async, [] { return MessageBoxHost().Show("", "", MB_YESNO); });
+    OnBox([](QMessageBox&) { // which has no Cancel button, and so doesn't let itself be closed
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    EXPECT_EQ(RunFoldersAgent(*instances), EXIT_SUCCESS);
+    EXPECT_EQ(held.get(), IDNO);
+}
+
+TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
+    // The run's work takes until the desktop has had its turn.
+    struct TLongWork : TFolderFiles {
+        QStringList ReadyFiles(const string&, qint64) override {
+            Begun.set_value();
+            DesktopTurn = Turn.get_future().wait_for(std::chrono::seconds(30));
+            return {};
+        }
+        std::promise<void> Begun, Turn;
+        std::future_status DesktopTurn{};
+    } files;
+    TPlayedClock clock;
+    {
+        const TfrmFoldersAgent form({clock, files});
+        clock.PlayOne();
+        files.Begun.get_future().wait();
+        QTimer::singleShot(0, qApp, [&] { files.Turn.set_value(); });
+    }
+    EXPECT_EQ(files.DesktopTurn, std::future_status::ready);
 }
 
 TEST_F(DesktopTest, NumbersKeepTheirPointWhateverTheLocale) {
