@@ -2,6 +2,7 @@
 #include "agent/AgentPicture.h"
 #include "agent/AgentProgram.h"
 #include "agent/FoldersAgentForm.h"
+#include "base/Journal.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
 #include "platform/MessagePump.h"
@@ -26,7 +27,7 @@ protected:
     DesktopTest() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("DISPLAY", ":0");
-        FDesktop = std::make_unique<TDesktop>(FArgc, FArgv);
+        FDesktop = std::make_unique<TDesktop>();
         FPump = std::make_unique<TMessagePump>();
     }
 
@@ -52,9 +53,6 @@ protected:
                 button->click();
     }
 
-    int FArgc = 1;
-    char FName[5] = "test";
-    char* FArgv[2] = {FName, nullptr};
     std::unique_ptr<TDesktop> FDesktop;
     std::unique_ptr<TMessagePump> FPump;
 };
@@ -185,6 +183,23 @@ TEST_F(DesktopAgentTest, TheSessionsEndEndsTheAgentWhateverBoxIsOpen) {
     EXPECT_EQ(held.get(), IDNO);
 }
 
+TEST_F(DesktopAgentTest, AnExitInsideTheEventLoopEndsTheRunBeforeWhatItUses) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const auto instances = CheckSingleInstance();
+            QTimer::singleShot(100, qApp, [] {
+                struct TUsed { // made after the agent, as much of what the run's work needs
+                    ~TUsed() { JournalLine(frmFoldersAgent.load()->PipeThread() ? "in use" : "free"); }
+                };
+                static const TUsed used;
+                std::exit(EXIT_FAILURE); // as the library does whose display has died
+            });
+            [[maybe_unused]] const int code = RunFoldersAgent(*instances);
+        },
+        testing::ExitedWithCode(EXIT_FAILURE), "free");
+}
+
 TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
     // The run's work takes until the desktop has had its turn.
     struct TLongWork : TFolderFiles {
@@ -214,10 +229,7 @@ TEST_F(DesktopTest, NumbersKeepTheirPointWhateverTheLocale) {
 TEST(NoDesktop, WithoutADisplayThereIsNone) {
     qunsetenv("DISPLAY");
     qunsetenv("WAYLAND_DISPLAY");
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name, nullptr};
-    const TDesktop desktop(argc, argv);
+    const TDesktop desktop;
     EXPECT_FALSE(desktop.IsThere());
     EXPECT_EQ(TrayIconHost(), nullptr);
     EXPECT_EQ(qobject_cast<QApplication*>(QCoreApplication::instance()), nullptr);
