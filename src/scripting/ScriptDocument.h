@@ -22,6 +22,8 @@ class TZQPDFDocument;
 class TJSPDFDocument : public QObject {
     Q_OBJECT
     Q_CLASSINFO("ScriptName", "TPDFDocument")
+    Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
+    Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one
 public:
     /// Owns a new document of one blank page.
     Q_INVOKABLE TJSPDFDocument();
