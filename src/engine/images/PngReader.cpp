@@ -173,9 +173,11 @@ TImageData ReadPng(const std::string& file) {
     scan.Run();
     TImageData& image = scan.Image;
     const auto decoded = [&](int components) {
+        constexpr size_t MostDeflated = 1032;
+        const size_t rowSize = (size_t(image.Width) * size_t(image.Bits) * size_t(components) + 7) / 8;
         RequireDecodable(image.Width, image.Height, image.Bits * components);
-        return DecodePng(file, image.Height,
-                         (size_t(image.Width) * size_t(image.Bits) * size_t(components) + 7) / 8);
+        RequirePlausible(image.Data.size(), rowSize * size_t(image.Height), MostDeflated);
+        return DecodePng(file, image.Height, rowSize);
     };
     if (scan.Has(UsesAlpha)) {
         SplitAlpha(image, decoded(image.Components + 1));

@@ -89,6 +89,8 @@ std::string TTiffInput::Samples(int planes) {
     const size_t stride = (width * bits * (planes > 1 ? 1 : samples) + 7) / 8;
     if (Number(TIFFTAG_COMPRESSION) == COMPRESSION_JPEG && Number(TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_YCBCR)
         TIFFSetField(FTiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    constexpr size_t MostCoded = 32'768; // fax code makes next to nothing of white paper
+    RequirePlausible(FFile.size(), bits == 1 ? 0 : stride * height * size_t(planes), MostCoded);
     std::string rows(stride * height * size_t(planes), '\0');
     for (int plane = 0; plane < planes; ++plane)
         ReadPlane(rows.data() + size_t(plane) * stride * height, stride, plane);
