@@ -29,6 +29,12 @@ inline constexpr int BlanksOfTab = 4;
            c == ParagraphSeparator;
 }
 
+/// Marks of writing direction, which act on the order of a line and are not text that anybody reads.
+[[nodiscard]] inline bool IsDirectionMark(QChar c) {
+    return c == u'\u061C' || c == u'\u200E' || c == u'\u200F' || (c >= u'\u202A' && c <= u'\u202E') ||
+           (c >= u'\u2066' && c <= u'\u2069');
+}
+
 /// Whether a character is shown beside the one before it, not over it or not at all.
 [[nodiscard]] inline bool TakesRoom(char32_t c) {
     return !QChar::isMark(c) && QChar::category(c) != QChar::Other_Format;
