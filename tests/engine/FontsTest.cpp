@@ -43,7 +43,8 @@ struct TFontsCase : testing::Test {
     [[nodiscard]] string Save(const string& name = u"out.pdf"_s) {
         Fonts.Fill();
         const string path = Files.Path(name);
-        QPDFWriter writer(Pdf, path.toUtf8().constData());
+        const QByteArray narrow = path.toUtf8(); // the writer keeps no copy
+        QPDFWriter writer(Pdf, narrow.constData());
         writer.setStreamDataMode(qpdf_s_preserve);
         writer.write();
         EXPECT_EQ(RunProgram(u"qpdf"_s, {u"--check"_s, path}).Exit, 0);
