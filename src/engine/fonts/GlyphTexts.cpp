@@ -170,7 +170,8 @@ void AppendUtf16(std::string& data, QStringView text) {
 }
 
 std::string ToUnicodeMap(const std::vector<TGlyph>& glyphs) {
-    std::vector<std::string> characters, ranges;
+    std::vector<std::string> characters;
+    std::vector<std::string> ranges;
     for (size_t first = 0, end = 0; first < glyphs.size(); first = end) {
         end = EndOfRange(glyphs, first);
         if (glyphs[first].Text.isEmpty())

@@ -24,7 +24,8 @@ inline constexpr int BlanksOfTab = 4;
 
 /// Control characters and line breaks, which show nothing.
 [[nodiscard]] inline bool IsControl(QChar c) {
-    constexpr char16_t LineSeparator = 0x2028, ParagraphSeparator = 0x2029;
+    constexpr char16_t LineSeparator = 0x2028;
+    constexpr char16_t ParagraphSeparator = 0x2029;
     return c.unicode() < 0x20 || (c.unicode() >= 0x7F && c.unicode() < 0xA0) || c == LineSeparator ||
            c == ParagraphSeparator;
 }
