@@ -13,6 +13,7 @@ void RegisterActionClasses() {
              &TPDFActionAddFileAttachment::staticMetaObject,
              &TPDFActionImportPages::staticMetaObject,
              &TPDFActionRotatePages::staticMetaObject,
+             &TPDFActionAddBatesNumbering::staticMetaObject,
              &TPDFActionInsertPages::staticMetaObject,
              &TPDFActionDeletePages::staticMetaObject,
              &TPDFActionDeletePagesEx::staticMetaObject,

@@ -35,6 +35,7 @@ TEST_F(Persistence, MembersOfEveryClassAreInTheTable) {
                                       {"TPDFActionAddFileAttachment", 1},
                                       {"TPDFActionImportPages", 4},
                                       {"TPDFActionRotatePages", 2},
+                                      {"TPDFActionAddBatesNumbering", 2},
                                       {"TPDFActionInsertPages", 5},
                                       {"TPDFActionDeletePages", 2},
                                       {"TPDFActionDeletePagesEx", 1},
@@ -52,6 +53,7 @@ TEST_F(Persistence, MembersOfEveryClassAreInTheTable) {
         EXPECT_EQ(MemberNames(*type).size(), it.value() + 2) << it.key().toStdString(); // Name and Tag
     }
     EXPECT_EQ(MemberNames(TPDFDocumentDescription::staticMetaObject).size(), 8);
+    EXPECT_EQ(MemberNames(TZQPDFBatesSetting::staticMetaObject).size(), 17);
     EXPECT_EQ(MemberNames(TPDFActionList::staticMetaObject).join(u' '),
               "Name Description ExecuteOnActiveDocument ExecuteOnAllDocuments OutputFolder Files "
               "OverwriteExistingFiles Actions");
