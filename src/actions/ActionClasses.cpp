@@ -1,6 +1,7 @@
 #include "actions/ActionClasses.h"
 
 #include "actions/ContentActions.h"
+#include "actions/JavaScriptAction.h"
 #include "actions/NavigationActions.h"
 #include "actions/PageActions.h"
 #include "actions/SecurityActions.h"
@@ -9,6 +10,7 @@
 void RegisterActionClasses() {
     // A new action adds its line here.
     for (const QMetaObject* type : {
+             &TPDFActionEncrypt::staticMetaObject,
              &TPDFActionDecrypt::staticMetaObject,
              &TPDFActionAddFileAttachment::staticMetaObject,
              &TPDFActionImportPages::staticMetaObject,
@@ -25,6 +27,7 @@ void RegisterActionClasses() {
              &TPDFActionGotoFirstPage::staticMetaObject,
              &TPDFActionGotoLastPage::staticMetaObject,
              &TPDFActionAddDocumentDescription::staticMetaObject,
+             &TPDFActionJavaScript::staticMetaObject,
              &TPDFUnknownAction::staticMetaObject,
          })
         Reflection::RegisterClass(*type);

@@ -53,6 +53,8 @@ void Rebind(TDocumentCore& core, const string& path) {
     core.Protection = TProtection::AsOpened;
     for (int i = 0; i < core.Pages.Count(); ++i)
         TakeOver(core.Pages.getItem(i), core.Source, size_t(i));
+    if (core.Outlines)
+        core.Outlines->Rebind(core);
 }
 
 } // namespace

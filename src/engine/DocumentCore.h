@@ -9,6 +9,7 @@
 #include "engine/Types.h"
 #include "engine/layers/Drawing.h"
 #include "engine/layers/XObjectGroup.h"
+#include "engine/outlines/OutlineTree.h"
 
 #include <QDateTime>
 
@@ -51,6 +52,7 @@ struct TDocumentCore {
     int LastBatch = 0;
     TDocumentChanges Changes;
     std::unique_ptr<TPDFEmbeddedFiles> EmbeddedFiles;
+    std::unique_ptr<TOutlineTree> Outlines; ///< null until somebody asks for the outline
 
     TProtection Protection = TProtection::AsOpened;
     std::unique_ptr<TPDFSecurityHandler> Handler;

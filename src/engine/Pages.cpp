@@ -4,6 +4,7 @@
 #include "engine/PageObject.h"
 #include "engine/content/PlacedContent.h"
 
+#include <atomic>
 #include <cmath>
 
 namespace {
@@ -41,6 +42,11 @@ TPageGeometry GeometryOf(const TPageObject& page) {
     if (unit.isInitialized() && unit.isNumber() && unit.getNumericValue() > 0)
         geometry.UserUnit = unit.getNumericValue();
     return geometry;
+}
+
+quint64 NextId() {
+    static std::atomic<quint64> last = 0;
+    return ++last;
 }
 
 } // namespace
@@ -95,7 +101,7 @@ std::unique_ptr<TPageObject> BlankPage(Double width, Double height) {
     return page;
 }
 
-TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FObject(std::move(object)) {}
+TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FId(NextId()), FObject(std::move(object)) {}
 TZQPDFPage::~TZQPDFPage() = default;
 
 TPlacedContent& TZQPDFPage::Placed() {

@@ -17,6 +17,9 @@ public:
     explicit TZQPDFPage(std::unique_ptr<TPageObject> object);
     ~TZQPDFPage();
 
+    /// Tells the page from every other, those that have gone included.
+    [[nodiscard]] quint64 Id() const { return FId; }
+
     /// The size of the page's layer space in points; the displayed size of the page until set otherwise.
     [[nodiscard]] Single GetWidth() const;
     [[nodiscard]] Single GetHeight() const;
@@ -46,6 +49,7 @@ public:
 private:
     TPlacedContent& Placed();
 
+    quint64 FId;
     std::unique_ptr<TPageObject> FObject;
     std::unique_ptr<TPlacedContent> FContent;
     Single FWidth = -1; // negative: not set

@@ -29,9 +29,9 @@ TEST(TContentScan, FindsWhatIsOpen) {
         {"BI /W 1 /H 1 /BPC 8 /CS /G ID q Q EIQ q\x01 EI q", "Q\n", {}},
         {"BI /W 1 /H 1 ID \xff EI \x02\x03 q q EI\nQ", "", {31}},
         // Cut off
-        {"(unfinished q", "", {}},
-        {"BI /W 9 ID abc q", "", {}},
-        {"q <41", "Q\n", {}},
+        {"q (unfinished (q", "))\nQ\n", {}},
+        {"BI /W 9 ID abc q", "EI\n", {}},
+        {"q <41", ">\nQ\n", {}},
     };
     for (const TCase& one : cases) {
         const TContentBalance balance = ScanContent(one.Content);

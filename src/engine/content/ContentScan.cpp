@@ -32,6 +32,7 @@ public:
     TContentBalance Scan() {
         while (FPos < FData.size())
             Next();
+        FResult.Closing = FCutOff;
         if (FPathOpen)
             FResult.Closing += "n\n";
         for (auto open = FOpen.rbegin(); open != FOpen.rend(); ++open)
@@ -64,6 +65,8 @@ private:
 
     void SkipPast(char end) {
         const size_t found = FData.find(end, FPos);
+        if (found == std::string_view::npos)
+            FCutOff = std::string(1, end) + '\n';
         FPos = found == std::string_view::npos ? FData.size() : found + 1;
     }
 
@@ -78,6 +81,8 @@ private:
             else if (c == ')' && --depth == 0)
                 break;
         }
+        if (FPos >= FData.size())
+            FCutOff = std::string(size_t(depth), ')') + '\n';
         FPos = std::min(FPos + 1, FData.size());
     }
 
@@ -154,6 +159,7 @@ private:
             at = FData.find("EI", at);
             if (at == std::string_view::npos) {
                 FPos = FData.size();
+                FCutOff = "EI\n";
                 return;
             }
             if (IsSpace(FData[at - 1]) && (at + 2 == FData.size() || IsSpace(FData[at + 2])) &&
@@ -175,6 +181,7 @@ private:
     size_t FPos = 0;
     std::string FOpen; // q, B for a text object, M for marked content
     bool FPathOpen = false;
+    std::string FCutOff; // closes the string or inline image in which damaged content ends
     TContentBalance FResult;
 };
 

@@ -6,8 +6,9 @@
 #include <vector>
 
 struct TContentBalance {
-    /// Operators that close what is open, innermost first: "n" an unpainted path, "ET" a text object, "EMC"
-    /// marked content, "Q" a saved state.
+    /// What closes that which is open, innermost first: the delimiter of a string that was cut off, "EI" of
+    /// an inline image, "n" for an unpainted path, "ET" a text object, "EMC" marked content, "Q" a saved
+    /// state.
     std::string Closing;
     /// Offsets of "Q" operators that restore nothing. Readers ignore them; behind a "q" of ours they would
     /// restore that.

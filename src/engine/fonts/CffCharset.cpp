@@ -9,7 +9,7 @@ struct TIndex {
     size_t First = 0, FirstEnd = 0, End = 0;
 };
 
-std::optional<quint32> NumberAt(const std::string& data, size_t at, size_t size) {
+std::optional<quint32> NumberAt(std::string_view data, size_t at, size_t size) {
     if (at > data.size() || size > data.size() - at)
         return {};
     quint32 value = 0;
@@ -18,7 +18,7 @@ std::optional<quint32> NumberAt(const std::string& data, size_t at, size_t size)
     return value;
 }
 
-std::optional<TIndex> IndexAt(const std::string& data, size_t at) {
+std::optional<TIndex> IndexAt(std::string_view data, size_t at) {
     const auto count = NumberAt(data, at, 2);
     const auto offsetSize = NumberAt(data, at + 2, 1);
     if (!count || *count == 0 || !offsetSize || *offsetSize < 1 || *offsetSize > 4)
@@ -33,7 +33,7 @@ std::optional<TIndex> IndexAt(const std::string& data, size_t at) {
 }
 
 /// Size of an operand by its first byte.
-size_t OperandSize(const std::string& data, size_t at) {
+size_t OperandSize(std::string_view data, size_t at) {
     constexpr quint8 Int16 = 28, Int32 = 29, Real = 30;
     const auto first = quint8(data[at]);
     if (first == Int16)
@@ -48,41 +48,53 @@ size_t OperandSize(const std::string& data, size_t at) {
     return size;
 }
 
-/// Where the four bytes of the charset's offset stand in the dictionary of a program by CID.
-std::optional<size_t> CharsetOffsetOf(const std::string& data, const TIndex& topDicts) {
+/// What we ask of the first of a program's top dictionaries.
+struct TTopDict {
+    bool HasCids = false;
+    size_t CharsetOffset = 0; ///< where the operand of four bytes stands; 0 if there is none
+};
+
+TTopDict TopDictOf(std::string_view data) {
     constexpr quint8 Charset = 15, Escape = 12, RosAfterEscape = 30, FirstOperand = 28, Int32 = 29;
+    TTopDict dict;
+    const auto names = IndexAt(data, NumberAt(data, 2, 1).value_or(0));
+    const auto dicts = names ? IndexAt(data, names->End) : std::nullopt;
+    if (!dicts)
+        return dict;
     size_t operand = 0;
-    bool isByCid = false;
-    for (size_t at = topDicts.First; at < topDicts.FirstEnd;) {
+    for (size_t at = dicts->First; at < dicts->FirstEnd;) {
         const auto byte = quint8(data[at]);
         if (byte >= FirstOperand) {
             operand = at;
             at += OperandSize(data, at);
             continue;
         }
-        if (byte == Escape)
-            isByCid |= at + 1 < topDicts.FirstEnd && quint8(data[at + 1]) == RosAfterEscape;
-        else if (byte == Charset)
-            return isByCid && quint8(data[operand]) == Int32 ? std::optional(operand + 1) : std::nullopt;
+        if (byte == Escape && at + 1 < dicts->FirstEnd && quint8(data[at + 1]) == RosAfterEscape)
+            dict.HasCids = true;
+        if (byte == Charset && quint8(data[operand]) == Int32 && operand + 5 <= data.size())
+            dict.CharsetOffset = operand + 1;
         at += byte == Escape ? 2 : 1;
     }
-    return {};
+    return dict;
 }
 
 } // namespace
 
-void NumberCidsByGlyph(std::string& cff, quint32 glyphCount) {
-    const auto headerSize = NumberAt(cff, 2, 1);
-    const auto names = IndexAt(cff, headerSize.value_or(0));
-    const auto topDicts = names ? IndexAt(cff, names->End) : std::nullopt;
-    const auto offset = topDicts ? CharsetOffsetOf(cff, *topDicts) : std::nullopt;
-    if (!offset || glyphCount < 2)
-        return;
+bool HasCids(std::string_view cff) {
+    return TopDictOf(cff).HasCids;
+}
+
+bool SetCids(std::string& cff, const std::vector<quint32>& cids) {
+    const size_t offset = TopDictOf(cff).CharsetOffset;
+    if (offset == 0)
+        return false;
     const auto charset = quint32(cff.size());
-    for (int i = 0; i < 4; ++i)
-        cff[*offset + size_t(i)] = char(charset >> (24 - 8 * i));
-    const quint32 following = glyphCount - 2;
-    // Format 2: one range of CIDs from 1 on; glyph 0 is always CID 0.
-    for (const quint32 byte : {2U, 0U, 1U, following >> 8, following & 0xFF})
-        cff += char(byte);
+    for (size_t i = 0; i < 4; ++i)
+        cff[offset + i] = char(charset >> (24 - 8 * i));
+    cff += '\0'; // format 0: one CID after the other
+    for (size_t i = 1; i < cids.size(); ++i) {
+        cff += char(cids[i] >> 8);
+        cff += char(cids[i]);
+    }
+    return true;
 }

@@ -25,13 +25,21 @@ private:
         return QStringView(FLine.Text).sliced(start, end - start);
     }
 
-    void Take(const TShapedCluster& cluster) {
-        // One letter stands for itself; what readers don't need is taken out of longer texts and controls.
+    [[nodiscard]] bool Note(const TShapedCluster& cluster) {
         const QStringView text = TextOf(cluster.Start, cluster.End);
-        const bool isLetter = text.size() == 1 && text[0] > u' ' && text[0].unicode() < 0x7F;
-        const bool tells =
-            isLetter ? FFont.Glyphs().Note(FFont.Face(), cluster, text, FRun.RightToLeft)
-                     : FFont.Glyphs().Note(FFont.Face(), cluster, ReadableText(text), FRun.RightToLeft);
+        const string stripped = IsReadable(text) ? string() : ReadableText(text);
+        return FFont.Glyphs().Note(FFont.Face(), cluster, stripped.isNull() ? text : stripped,
+                                   FRun.RightToLeft);
+    }
+
+    void Take(const TShapedCluster& cluster) {
+        // Readers take a mark above or below its letter for something on another line or in the next word.
+        const bool isStacked =
+            std::any_of(cluster.Glyphs.begin(), cluster.Glyphs.end(), [&](const TShapedGlyph& glyph) {
+                return glyph.OffsetY != 0 || (glyph.Advance == 0 && !FRun.RightToLeft &&
+                                              glyph.Glyph != FRun.Face->InvisibleGlyph());
+            });
+        const bool tells = Note(cluster) && !isStacked;
         // Each cluster from right to left has a span of its own, since it is the reader who puts them in
         // order.
         if (!FGlyphs.empty() && (tells != FTells || (!tells && FRun.RightToLeft)))

@@ -23,13 +23,10 @@ QPDFObjectHandle Real(Double value) {
     return QPDFObjectHandle::parse(text);
 }
 
-/// Six letters that differ where the glyphs do, so that no reader takes one subset for another (ISO 32000-1,
-/// 9.6.4).
-std::string TagOf(const std::vector<TGlyph>& glyphs) {
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    for (const TGlyph& glyph : glyphs)
-        hash.addData(QByteArray::number(glyph.Number) + ' ');
-    const QByteArray digest = hash.result();
+/// Six letters that differ where the programs do, so that no reader takes one subset for another (ISO
+/// 32000-1, 9.6.4).
+std::string TagOf(const std::string& program) {
+    const QByteArray digest = QCryptographicHash::hash(program, QCryptographicHash::Md5);
     std::string tag;
     for (int i = 0; i < 6; ++i)
         tag += char('A' + quint8(digest[i]) % 26);
@@ -40,14 +37,15 @@ void SetStream(QPDFObjectHandle& stream, const std::string& data) {
     stream.replaceStreamData(Deflated(data), Name("FlateDecode"), QPDFObjectHandle::newNull());
 }
 
-/// The width that most glyphs have.
-Double CommonWidth(const std::vector<TGlyph>& glyphs) {
-    std::map<Double, int> counts;
+/// The width that most glyphs have. Only whole numbers will do for a default (ISO 32000-1, table 117).
+int CommonWidth(const std::vector<TGlyph>& glyphs) {
+    std::map<int, int> counts{{1000, 0}};
     for (const TGlyph& glyph : glyphs)
-        ++counts[glyph.Advance];
-    const auto best = std::max_element(counts.begin(), counts.end(),
-                                       [](const auto& a, const auto& b) { return a.second < b.second; });
-    return best == counts.end() ? 1000 : best->first;
+        if (glyph.Advance == std::floor(glyph.Advance))
+            ++counts[int(glyph.Advance)];
+    return std::max_element(counts.begin(), counts.end(),
+                            [](const auto& a, const auto& b) { return a.second < b.second; })
+        ->first;
 }
 
 } // namespace
@@ -75,13 +73,12 @@ TEmbeddedFont::TEmbeddedFont(QPDF& pdf, std::shared_ptr<const TFontFace> face)
 
 void TEmbeddedFont::Fill() {
     const std::vector<TGlyph> glyphs = FGlyphs.Glyphs();
+    std::string map = ToUnicodeMap(glyphs);
+    if (glyphs.size() == FFilledGlyphs && map == FFilledMap)
+        return;
     std::vector<quint32> numbers;
     for (const TGlyph& glyph : glyphs)
         numbers.push_back(glyph.Number);
-    const std::string tag = TagOf(glyphs);
-    const std::string map = ToUnicodeMap(glyphs);
-    if (tag + map == FFilled)
-        return;
     const std::string program = SubsetProgram(*FFace, numbers);
     SetStream(FProgram, program);
     QPDFObjectHandle dict = FProgram.getDict();
@@ -90,9 +87,10 @@ void TEmbeddedFont::Fill() {
     else
         dict.replaceKey("/Length1", QPDFObjectHandle::newInteger(qint64(program.size())));
     SetStream(FToUnicode, map);
-    FillDescriptor(tag);
+    FillDescriptor(TagOf(program));
     FillWidths(glyphs);
-    FFilled = tag + map;
+    FFilledGlyphs = glyphs.size();
+    FFilledMap = std::move(map);
 }
 
 void TEmbeddedFont::FillDescriptor(const std::string& tag) {
@@ -117,7 +115,7 @@ void TEmbeddedFont::FillDescriptor(const std::string& tag) {
 }
 
 void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
-    const Double common = std::round(CommonWidth(glyphs)); // readers take only a whole number for /DW
+    const int common = CommonWidth(glyphs);
     QPDFObjectHandle widths = QPDFObjectHandle::newArray();
     QPDFObjectHandle group = QPDFObjectHandle::newArray();
     quint32 next = 0;
@@ -132,6 +130,6 @@ void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
         group.appendItem(Real(glyph.Advance));
         next = glyph.Number + 1;
     }
-    FDescendant.replaceKey("/DW", QPDFObjectHandle::newInteger(qint64(common)));
+    FDescendant.replaceKey("/DW", QPDFObjectHandle::newInteger(common));
     FDescendant.replaceKey("/W", widths);
 }

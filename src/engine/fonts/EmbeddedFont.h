@@ -17,12 +17,13 @@ public:
     void Fill();
 
 private:
-    void FillDescriptor(const std::string& name);
+    void FillDescriptor(const std::string& tag);
     void FillWidths(const std::vector<TGlyphTexts::TGlyph>& glyphs);
 
     std::shared_ptr<const TFontFace> FFace;
     TGlyphTexts FGlyphs;
-    std::string FFilled; ///< the map and the glyphs that were last written
+    size_t FFilledGlyphs = 0; ///< what was last written
+    std::string FFilledMap;
     QPDFObjectHandle FFont;
     QPDFObjectHandle FDescendant;
     QPDFObjectHandle FDescriptor;

@@ -109,7 +109,7 @@ bool TFontChain::Load(TCandidate& candidate) const {
     FcPatternGetInteger(font.get(), FC_INDEX, 0, &source.Index);
     source.Variations = TextOfProperty(font.get(), FC_FONT_VARIATIONS);
     int slant = FC_SLANT_ROMAN;
-    FcPatternGetInteger(font.get(), FC_SLANT, 0, &slant);
+    FcPatternGetInteger(candidate.Font, FC_SLANT, 0, &slant);
     source.Slanted = FConfig->Italic && slant == FC_SLANT_ROMAN;
     candidate.Face = TFontFace::Get(source);
     return candidate.Face != nullptr;

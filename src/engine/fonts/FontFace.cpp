@@ -103,6 +103,7 @@ void TFontFace::ReadMetrics() {
     FDescent = std::max(-extents.descender / FUnitsPerEm, 0.0);
     FLineHeight = FAscent + FDescent + std::max(extents.line_gap / FUnitsPerEm, 0.0);
     FSpaceGlyph = GlyphOf(U' ');
+    FInvisibleGlyph = GlyphOf(0x200C);
 }
 
 Double TFontFace::Advance(quint32 glyph) const {

@@ -38,6 +38,8 @@ public:
     /// The glyph that a character alone is shown by; 0 if there is none.
     [[nodiscard]] quint32 GlyphOf(char32_t character) const;
     [[nodiscard]] quint32 SpaceGlyph() const { return FSpaceGlyph; }
+    /// That of the zero width non-joiner; 0 if there is none.
+    [[nodiscard]] quint32 InvisibleGlyph() const { return FInvisibleGlyph; }
 
     /// In em, positive.
     [[nodiscard]] Double Ascent() const { return FAscent; }
@@ -59,6 +61,7 @@ private:
     Double FDescent = 0;
     Double FLineHeight = 0;
     quint32 FSpaceGlyph = 0;
+    quint32 FInvisibleGlyph = 0;
     bool FIsCff = false;
     bool FIsSlanted = false;
 };

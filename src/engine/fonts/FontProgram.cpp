@@ -17,6 +17,7 @@ template <auto Destroy> struct TDestroy {
     template <typename T> void operator()(T* object) const { Destroy(object); }
 };
 using TInput = std::unique_ptr<hb_subset_input_t, TDestroy<hb_subset_input_destroy>>;
+using TPlan = std::unique_ptr<hb_subset_plan_t, TDestroy<hb_subset_plan_destroy>>;
 using TFace = std::unique_ptr<hb_face_t, TDestroy<hb_face_destroy>>;
 using TBlob = std::unique_ptr<hb_blob_t, TDestroy<hb_blob_destroy>>;
 
@@ -67,18 +68,47 @@ void FreezeAxes(hb_subset_input_t* input, const TFontFace& face) {
                                                                   : axis.default_value);
 }
 
-TFace Subset(const TFontFace& face, const std::vector<quint32>& glyphs) {
+/// `flags` beside those that we always set.
+TPlan PlanOf(const TFontFace& face, const std::vector<quint32>& glyphs, unsigned flags) {
     const TInput input(hb_subset_input_create_or_fail());
     if (!input)
         return nullptr;
-    hb_subset_input_set_flags(input.get(), HB_SUBSET_FLAGS_RETAIN_GIDS | HB_SUBSET_FLAGS_NO_HINTING |
-                                               HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
+    hb_subset_input_set_flags(input.get(),
+                              flags | HB_SUBSET_FLAGS_NO_HINTING | HB_SUBSET_FLAGS_NOTDEF_OUTLINE);
     hb_set_t* wanted = hb_subset_input_glyph_set(input.get());
     for (const quint32 glyph : glyphs)
         hb_set_add(wanted, glyph);
     DropTablesThatPdfIgnores(input.get(), face.Face());
     FreezeAxes(input.get(), face);
-    return TFace(hb_subset_or_fail(face.Face(), input.get()));
+    return TPlan(hb_subset_plan_create_or_fail(face.Face(), input.get()));
+}
+
+TFace Execute(const TPlan& plan) {
+    return TFace(plan ? hb_subset_plan_execute_or_fail(plan.get()) : nullptr);
+}
+
+/// Glyphs keep their numbers.
+std::string TrueTypeProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
+    const TFace subset = Execute(PlanOf(face, glyphs, HB_SUBSET_FLAGS_RETAIN_GIDS));
+    return subset ? std::string(BytesOf(TBlob(hb_face_reference_blob(subset.get())))) : std::string();
+}
+
+/// Glyphs keep their numbers, or move together and keep them as their CIDs. The latter is for large fonts:
+/// each number that is left free takes some bytes which hardly compress.
+std::string CffProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
+    const bool hasCids = HasCids(BytesOf(TableOf(face.Face(), Cff)));
+    const TPlan plan = PlanOf(face, glyphs, hasCids ? HB_SUBSET_FLAGS_DEFAULT : HB_SUBSET_FLAGS_RETAIN_GIDS);
+    const TFace subset = Execute(plan);
+    if (!subset)
+        return {};
+    std::string program(BytesOf(TableOf(subset.get(), Cff)));
+    if (!hasCids)
+        return program;
+    const hb_map_t* numbers = hb_subset_plan_new_to_old_glyph_mapping(plan.get());
+    std::vector<quint32> cids;
+    for (quint32 i = 0; i < hb_face_get_glyph_count(subset.get()); ++i)
+        cids.push_back(hb_map_get(numbers, i));
+    return SetCids(program, cids) ? program : std::string();
 }
 
 std::string NameOf(hb_face_t* face) {
@@ -96,17 +126,11 @@ std::string NameOf(hb_face_t* face) {
 } // namespace
 
 std::string SubsetProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
-    const TFace subset = Subset(face, glyphs);
-    const TBlob program = !subset        ? nullptr
-                          : face.IsCff() ? TableOf(subset.get(), Cff)
-                                         : TBlob(hb_face_reference_blob(subset.get()));
-    if (!program || BytesOf(program).empty())
+    std::string program = face.IsCff() ? CffProgram(face, glyphs) : TrueTypeProgram(face, glyphs);
+    if (program.empty())
         throw Exception(QStringLiteral("The font \"%1\" is damaged and can't be embedded.")
                             .arg(QString::fromStdString(NameOf(face.Face()))));
-    std::string data(BytesOf(program));
-    if (face.IsCff())
-        NumberCidsByGlyph(data, hb_face_get_glyph_count(subset.get()));
-    return data;
+    return program;
 }
 
 TFontFacts FactsOf(const TFontFace& face) {

@@ -34,6 +34,42 @@ void AppendSection(std::string& map, const char* kind, const std::vector<std::st
     }
 }
 
+constexpr struct {
+    QStringView Letters;
+    char16_t Ligature;
+} LamAlefs[] = {{u"\u0644\u0622", 0xFEF5},
+                {u"\u0644\u0623", 0xFEF7},
+                {u"\u0644\u0625", 0xFEF9},
+                {u"\u0644\u0627", 0xFEFB}};
+
+bool IsLamAlef(const string& text) {
+    return std::any_of(std::begin(LamAlefs), std::end(LamAlefs),
+                       [&](const auto& one) { return text.size() == 1 && text[0] == one.Ligature; });
+}
+
+/// What the one glyph of a cluster stands for by itself.
+string OwnText(QStringView text, bool rightToLeft) {
+    if (text.size() > 1) {
+        string shown;
+        for (const QChar c : text)
+            if (!NeedsNoGlyph(c.unicode()))
+                shown += c;
+        if (!shown.isEmpty() && shown.size() < text.size())
+            return OwnText(shown, rightToLeft);
+    }
+    if (!rightToLeft)
+        return text.toString();
+    // A bracket is shown by the glyph of its counterpart.
+    if (text.size() == 1)
+        return QChar(char16_t(QChar::mirroredChar(text[0].unicode())));
+    // Some readers turn the letters of any glyph from right to left around, so that lam with alef would come
+    // out as the Arabic article. All of them know the ligature's own character.
+    for (const auto& one : LamAlefs)
+        if (text == one.Letters)
+            return QChar(one.Ligature);
+    return text.toString();
+}
+
 bool IsDirectionMark(char16_t c) {
     return c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) ||
            (c >= 0x2066 && c <= 0x2069);
@@ -58,9 +94,12 @@ bool TGlyphTexts::Note(const TFontFace& face, const TShapedCluster& cluster, QSt
     const size_t count = cluster.Glyphs.size();
     if (count == 1) {
         TGlyph& glyph = Use(face, cluster.Glyphs[0].Glyph);
+        if (glyph.Text == text)
+            return true;
+        const string own = OwnText(text, rightToLeft);
         if (glyph.Text.isEmpty() && glyph.Number != MissingGlyph)
-            glyph.Text = text.toString();
-        return glyph.Text == text;
+            glyph.Text = own;
+        return glyph.Text == own && (own == text || (IsLamAlef(own) && text.size() == 2));
     }
     // Characters that have their own glyph in the cluster are told by it, the first of the others by the
     // rest.
@@ -82,7 +121,9 @@ bool TGlyphTexts::Note(const TFontFace& face, const TShapedCluster& cluster, QSt
             glyph.Text = std::exchange(rest, string());
         told += glyph.Text;
     }
-    return told == text;
+    // Marks of one letter may come in another order.
+    return told == text || told.normalized(QString::NormalizationForm_D) ==
+                               text.toString().normalized(QString::NormalizationForm_D);
 }
 
 std::vector<TGlyph> TGlyphTexts::Glyphs() const {
@@ -92,12 +133,17 @@ std::vector<TGlyph> TGlyphTexts::Glyphs() const {
     return sorted;
 }
 
+bool IsReadable(QStringView text) {
+    return std::none_of(text.begin(), text.end(),
+                        [](QChar c) { return IsControl(c) || IsDirectionMark(c.unicode()); });
+}
+
 string ReadableText(QStringView text) {
     string readable;
     readable.reserve(text.size());
     for (const QChar c : text)
         if (c == u'\t')
-            readable += u' ';
+            readable += string(BlanksOfTab, u' ');
         else if (!IsControl(c) && !IsDirectionMark(c.unicode()))
             readable += c;
     return readable;

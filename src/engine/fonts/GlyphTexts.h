@@ -31,9 +31,11 @@ private:
     std::vector<TGlyph> FGlyphs;   ///< in the order of their first use
 };
 
-/// The characters of a text that readers should get: blanks for tabs, nothing for other controls and for
+/// The characters of a text that readers should get: four blanks for tabs, nothing for other controls and for
 /// marks of writing direction, which readers find by themselves.
 [[nodiscard]] string ReadableText(QStringView text);
+/// Whether there is nothing to take out.
+[[nodiscard]] bool IsReadable(QStringView text);
 
 /// The ToUnicode CMap (ISO 32000-1, 9.10.3).
 [[nodiscard]] std::string ToUnicodeMap(const std::vector<TGlyphTexts::TGlyph>& glyphs);

@@ -20,6 +20,8 @@ struct TItemizedText {
 /// The paragraph's direction is that of its first letter.
 [[nodiscard]] TItemizedText Itemize(const string& text, TFontChain& fonts);
 
+inline constexpr int BlanksOfTab = 4;
+
 /// Control characters and line breaks, which show nothing.
 [[nodiscard]] inline bool IsControl(QChar c) {
     constexpr char16_t LineSeparator = 0x2028, ParagraphSeparator = 0x2029;

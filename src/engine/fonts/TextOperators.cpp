@@ -68,22 +68,13 @@ void TTextOperators::ShowGlyph(quint32 code, Double advance, Double at, Double r
     Place();
     SetRise(rise);
     MoveTo(at);
-    AppendCode(code);
+    AppendHex(FString, code);
     FPosition += advance;
-}
-
-void TTextOperators::AppendCode(quint32 code) {
-    for (const char byte : {char(code >> 8), char(code)}) {
-        // A bare carriage return would be read as a line feed.
-        if (byte == '(' || byte == ')' || byte == '\\' || byte == '\r')
-            FString += '\\';
-        FString += byte == '\r' ? 'r' : byte;
-    }
 }
 
 void TTextOperators::EndString() {
     if (!FString.empty())
-        FArray += '(' + FString + ')';
+        FArray += '<' + FString + '>';
     FString.clear();
 }
 
@@ -92,7 +83,7 @@ void TTextOperators::Flush() {
         EndString();
         FData += '[' + FArray + "]TJ\n";
     } else if (!FString.empty()) {
-        FData += '(' + FString + ")Tj\n";
+        FData += '<' + FString + ">Tj\n";
     }
     FString.clear();
     FArray.clear();

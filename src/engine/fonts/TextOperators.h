@@ -24,12 +24,12 @@ private:
     void Place();
     void MoveTo(Double at);
     void SetRise(Double rise);
-    void AppendCode(quint32 code);
     void EndString();
     void Flush();
 
     std::string FData;
-    std::string FString; ///< codes of the string that is being put together
+    std::string FString; ///< codes of the string that is being put together, in hexadecimal: bytes would
+                         ///< need escapes and compress no better
     std::string FArray;  ///< what stands before it in its TJ
     Double FSize;
     Double FX;

@@ -14,8 +14,12 @@ hb_buffer_t* Shape(const string& text, const TTextItem& item) {
                                                                                        hb_buffer_destroy);
     hb_buffer_t* buffer = held.get();
     hb_buffer_clear_contents(buffer);
-    hb_buffer_set_flags(buffer, HB_BUFFER_FLAG_REMOVE_DEFAULT_IGNORABLES);
-    hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_CHARACTERS);
+    // Format characters are there for readers by a glyph that shows nothing, if the face has one.
+    const quint32 invisible = item.Face->InvisibleGlyph();
+    hb_buffer_set_flags(buffer,
+                        invisible != 0 ? HB_BUFFER_FLAG_DEFAULT : HB_BUFFER_FLAG_REMOVE_DEFAULT_IGNORABLES);
+    hb_buffer_set_invisible_glyph(buffer, invisible);
+    hb_buffer_set_cluster_level(buffer, HB_BUFFER_CLUSTER_LEVEL_MONOTONE_GRAPHEMES);
     hb_buffer_add_utf16(buffer, reinterpret_cast<const uint16_t*>(text.utf16()), int(text.size()), item.Start,
                         int(item.End - item.Start));
     hb_buffer_set_direction(buffer, item.Level % 2 == 1 ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
@@ -57,19 +61,22 @@ private:
     }
 
     [[nodiscard]] std::vector<TShapedGlyph> GlyphsOf(const string& shown, const TTextItem& item) const {
-        constexpr int BlanksOfTab = 4;
         hb_buffer_t* buffer = Shape(shown, item);
         unsigned count = 0;
         const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
         const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, &count);
         const Double scale = FLine.Size / item.Face->UnitsPerEm();
-        std::vector<TShapedGlyph> glyphs(count);
+        std::vector<TShapedGlyph> glyphs;
+        glyphs.reserve(count);
         for (unsigned i = 0; i < count; ++i) {
-            const hb_glyph_position_t& position = positions[i];
-            const bool isTab = FLine.Text[infos[i].cluster] == u'\t';
-            glyphs[i] = {infos[i].codepoint, infos[i].cluster,
-                         Single(position.x_advance * scale * (isTab ? BlanksOfTab : 1)),
-                         Single(position.x_offset * scale), Single(position.y_offset * scale)};
+            const TShapedGlyph glyph{
+                infos[i].codepoint, infos[i].cluster, Single(positions[i].x_advance * scale),
+                Single(positions[i].x_offset * scale), Single(positions[i].y_offset * scale)};
+            const QChar c = FLine.Text[glyph.Cluster];
+            if (c == u'\t')
+                glyphs.insert(glyphs.end(), BlanksOfTab, glyph);
+            else if (!IsControl(c))
+                glyphs.push_back(glyph);
         }
         return glyphs;
     }

@@ -52,6 +52,7 @@ QPDFObjectHandle DecodeParms(const TImageSamples& samples) {
     QPDFObjectHandle parms = QPDFObjectHandle::newDictionary();
     if (samples.Filter == TImageFilter::Fax) {
         parms.replaceKey("/K", NewInteger(-1));
+        parms.replaceKey("/BlackIs1", QPDFObjectHandle::newBool(true));
         parms.replaceKey("/Columns", NewInteger(samples.Width));
         parms.replaceKey("/Rows", NewInteger(samples.Height));
         return parms;

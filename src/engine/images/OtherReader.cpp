@@ -63,24 +63,25 @@ void SplitAlpha(TImageData& result, const std::string& rows, size_t sample) {
     PackAlpha(result, int(sample) * 8, std::move(alpha));
 }
 
-/// A palette's colours; grey ones in even steps from black, which need no palette, give nothing.
-std::string PaletteOf(const QImage& image, int bits) {
-    const QList<QRgb> table = image.colorTable();
-    std::string palette;
-    bool isRamp = table.size() == 1 << bits;
-    for (qsizetype i = 0; i < table.size(); ++i) {
-        const QRgb color = table[i];
-        const int step = int(i) * 255 / ((1 << bits) - 1);
-        isRamp = isRamp && color == qRgb(step, step, step);
-        for (const int part : {qRed(color), qGreen(color), qBlue(color)})
-            palette += char(part);
+/// Whether the palette goes in even steps of grey from black to white, or the other way round.
+bool IsRamp(const QList<QRgb>& palette, int bits, bool fromWhite) {
+    const int last = (1 << bits) - 1;
+    for (int i = 0; i <= last; ++i) {
+        const int grey = (fromWhite ? last - i : i) * 255 / last;
+        if (i >= palette.size() || palette[i] != qRgb(grey, grey, grey))
+            return false;
     }
-    return isRamp ? std::string() : palette;
+    return true;
 }
 
 void TakeIndexed(TImageData& result, const QImage& image) {
+    const QList<QRgb> palette = image.colorTable();
     result.Bits = image.depth();
-    result.Palette = PaletteOf(image, result.Bits);
+    result.Inverted = IsRamp(palette, result.Bits, true);
+    if (!result.Inverted && !IsRamp(palette, result.Bits, false))
+        for (const QRgb color : palette)
+            for (const int part : {qRed(color), qGreen(color), qBlue(color)})
+                result.Palette += char(part);
     Pack(result, RowsOf(image, RowSize(result)));
 }
 

@@ -87,8 +87,7 @@ std::string TTiffInput::Samples(int planes) {
     const auto bits = size_t(Number(TIFFTAG_BITSPERSAMPLE));
     const auto samples = size_t(Number(TIFFTAG_SAMPLESPERPIXEL));
     const size_t stride = (width * bits * (planes > 1 ? 1 : samples) + 7) / 8;
-    // The library has photographs in YCbCr inside; we want what comes out of it.
-    if (Number(TIFFTAG_COMPRESSION) == COMPRESSION_JPEG)
+    if (Number(TIFFTAG_COMPRESSION) == COMPRESSION_JPEG && Number(TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_YCBCR)
         TIFFSetField(FTiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
     std::string rows(stride * height * size_t(planes), '\0');
     for (int plane = 0; plane < planes; ++plane)

@@ -1,7 +1,11 @@
 #include "engine/images/Exif.h"
+#include "engine/images/Fax.h"
+#include "engine/images/LabColors.h"
 #include "engine/images/Pack.h"
 #include "engine/images/Readers.h"
 #include "engine/images/TiffInput.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -25,6 +29,11 @@ int ColorsOf(const TLayout& layout) {
         return layout.Bits <= 8 ? 1 : 0;
     case PHOTOMETRIC_RGB:
         return 3;
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+        return layout.Bits >= 8 ? 3 : 0;
+    case PHOTOMETRIC_YCBCR: // the library makes RGB of what its JPEG decoder reads
+        return layout.Compression == COMPRESSION_JPEG ? 3 : 0;
     case PHOTOMETRIC_SEPARATED:
         return 4;
     default:
@@ -100,17 +109,43 @@ void TakeWithExtras(TImageData& image, const TLayout& layout, const std::string&
         PackAlpha(image, layout.Bits, std::move(alpha));
 }
 
+bool IsFax(const TLayout& layout) {
+    return layout.Bits == 1 && layout.Samples == 1 && layout.Colors == 1 &&
+           layout.Photometric != PHOTOMETRIC_PALETTE &&
+           (layout.Compression == COMPRESSION_CCITTFAX4 || layout.Compression == COMPRESSION_CCITTFAX3 ||
+            layout.Compression == COMPRESSION_CCITTRLE || layout.Compression == COMPRESSION_CCITTRLEW);
+}
+
+/// The page's own code, if PDF can hold it: group 4 in one piece.
+bool TakeFax(TImageData& image, const TTiffInput& tiff, const TLayout& layout) {
+    if (layout.Compression != COMPRESSION_CCITTFAX4)
+        return false;
+    image.Data = tiff.OnlyStrip();
+    if (image.Data.empty())
+        return false;
+    if (tiff.Number(TIFFTAG_FILLORDER) == FILLORDER_LSB2MSB)
+        TIFFReverseBits(reinterpret_cast<quint8*>(image.Data.data()), tmsize_t(image.Data.size()));
+    image.Filter = TImageFilter::Fax;
+    return true;
+}
+
 void TakeSamples(TImageData& image, TTiffInput& tiff, const TLayout& layout) {
-    RequireDecodable(image.Width, image.Height, layout.Bits * layout.Samples);
     image.Bits = layout.Bits;
     image.Components = layout.Colors;
     image.Inverted = layout.Photometric == PHOTOMETRIC_MINISWHITE;
+    if (IsFax(layout) && TakeFax(image, tiff, layout))
+        return;
+    RequireDecodable(image.Width, image.Height, layout.Bits * layout.Samples);
     if (layout.Photometric == PHOTOMETRIC_PALETTE)
         image.Palette = PaletteOf(tiff, layout.Bits);
     std::string rows = tiff.Samples(layout.Separate ? layout.Samples : 1);
+    if (layout.Photometric == PHOTOMETRIC_CIELAB)
+        LabToRgb(rows, layout.Bits, layout.Samples, TLabNumbers::Signed);
+    else if (layout.Photometric == PHOTOMETRIC_ICCLAB)
+        LabToRgb(rows, layout.Bits, layout.Samples, TLabNumbers::Shifted);
     if (layout.Samples > layout.Colors)
         TakeWithExtras(image, layout, rows);
-    else
+    else if (!IsFax(layout) || !PackAsFax(image, rows))
         Pack(image, std::move(rows));
 }
 
