@@ -15,6 +15,7 @@ void RegisterActionClasses() {
              &TPDFActionAddFileAttachment::staticMetaObject,
              &TPDFActionImportPages::staticMetaObject,
              &TPDFActionRotatePages::staticMetaObject,
+             &TPDFActionAddBatesNumbering::staticMetaObject,
              &TPDFActionInsertPages::staticMetaObject,
              &TPDFActionDeletePages::staticMetaObject,
              &TPDFActionDeletePagesEx::staticMetaObject,

@@ -1,6 +1,7 @@
 #pragma once
-// Actions that add something to the document as a whole. Both hold public fields.
+// Actions that add something to the document.
 #include "actions/Action.h"
+#include "bates/BatesSetting.h"
 #include "scripting/DocumentDescription.h"
 
 class TPDFActionAddFileAttachment : public TPDFAction {
@@ -15,4 +16,13 @@ class TPDFActionAddDocumentDescription : public TPDFAction {
 public:
     Q_INVOKABLE TPDFActionAddDocumentDescription() {}
     FIELD(TPDFDocumentDescription, Description);
+};
+
+/// Stamps the pages of a range with the scheme that it carries.
+class TPDFActionAddBatesNumbering : public TPDFAction {
+    Q_OBJECT
+public:
+    Q_INVOKABLE TPDFActionAddBatesNumbering() {}
+    PUBLISHED(TZQPDFBatesSetting, bates, Fbates);
+    PUBLISHED(string, pageRange, FpageRange);
 };

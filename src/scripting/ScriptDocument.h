@@ -6,6 +6,7 @@
 // Methods answer false or null where the document's permissions refuse the operation, without a message;
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
+#include "bates/BatesSetting.h"
 #include "engine/Types.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
@@ -66,6 +67,9 @@ public:
                                     TColor FillColor, float X, float Y);
     /// Without a file name the image shows nothing, until it loads one.
     Q_INVOKABLE TZQPDFImage* AddImage(const TFileName& fileName, float X, float Y);
+    /// Stamps the pages of a range. The numbers of the scheme don't count here: number macros stay as they
+    /// stand. Always false.
+    Q_INVOKABLE bool AddBatesNumbering(const TZQPDFBatesSetting& bates, const string& pageRange);
     /// An attachment of the same name is replaced.
     Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
     Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);

@@ -36,6 +36,16 @@ protected:
     TZQPDFDocument FDocument{nullptr};
 };
 
+TEST_F(RunActions, BatesNumberingStampsMacrosAndLeavesNumbers) {
+    Open(3);
+    TPDFActionAddBatesNumbering action;
+    EXPECT_EQ(action.Fbates.FontName, "Arial");
+    action.Fbates.FooterCenter = "<BN:0:6:1:0>[page]of[NUMPAGES]";
+    action.FpageRange = "2-";
+    action.Execute(FDocument);
+    EXPECT_EQ(Pages(), "1 2\n\n<BN:0:6:1:0>2of3 3\n\n<BN:0:6:1:0>3of3");
+}
+
 TEST_F(RunActions, DeletePagesReachesOnePageFurther) {
     Open(6);
     TPDFActionDeletePages action;
