@@ -10,6 +10,7 @@
 void RegisterActionClasses() {
     // A new action adds its line here.
     for (const QMetaObject* type : {
+             &TPDFActionEncrypt::staticMetaObject,
              &TPDFActionDecrypt::staticMetaObject,
              &TPDFActionAddFileAttachment::staticMetaObject,
              &TPDFActionImportPages::staticMetaObject,

@@ -7,6 +7,7 @@
 #include "base/Settings.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
+#include "scripting/AskForPassword.h"
 #include "watch/FolderWatch.h"
 
 #include <QCoreApplication>
@@ -38,8 +39,8 @@ TfrmFoldersAgent::TfrmFoldersAgent(TFormHost host)
     frmFoldersAgent.store(this);
     try {
         FormCreate();
-    } catch (const Exception& e) {
-        ShowError(e.Message());
+    } catch (const std::exception& e) {
+        ShowError(MessageOf(e));
     }
 }
 
@@ -92,17 +93,22 @@ void TfrmFoldersAgent::FormDestroy() {
     StopThreads();
 }
 
-void TfrmFoldersAgent::StopThreads() {
+void TfrmFoldersAgent::StopThreads(TWindowSystem windows) {
+    const auto meanwhile = [windows] {
+        if (windows == TWindowSystem::Alive)
+            QCoreApplication::processEvents();
+    };
     MessageBoxHost().CloseAll();
+    PasswordPrompt().CancelAll();
     if (FWatchedFoldersThread) {
         FWatchedFoldersThread->Terminate();
-        FWatchedFoldersThread->WaitForDelivering();
+        FWatchedFoldersThread->WaitForDelivering(meanwhile);
         const std::lock_guard guard(FThreadLock);
         FWatchedFoldersThread.reset();
     }
     if (FNamedPipeThread) {
         FNamedPipeThread->Terminate();
-        FNamedPipeThread->WaitForDelivering();
+        FNamedPipeThread->WaitForDelivering(meanwhile);
         FNamedPipeThread.reset();
     }
 }

@@ -11,12 +11,15 @@
 #include "engine/Pages.h"
 #include "engine/Security.h"
 #include "engine/Types.h"
+#include "engine/outlines/Objects.h"
 
 #include <QStringList>
 
 struct TDocumentCore;
 class TPDFEmbeddedFiles;
 class TZQPDFEditor;
+class TZQPDFXObjectGroup;
+class TZQPDFXObjectsCache;
 
 /// What holds for any document: its file, protection, information and view settings.
 class TPDFDocument : public TComponent {
@@ -147,6 +150,22 @@ public:
     bool ImportPagesFromDocument(const string& fileName, const string& password, const string& range,
                                  int index, bool after);
 
+    // --- Outline (engine/outlines). Null means no such item, also for an item of another document ---
+
+    [[nodiscard]] TPDFIndirect* FirstOutline();
+    [[nodiscard]] TPDFIndirect* FirstChildOutline(const TPDFIndirect* item);
+    [[nodiscard]] TPDFIndirect* NextOutline(const TPDFIndirect* item);
+    [[nodiscard]] TPDFIndirect* PrevOutline(const TPDFIndirect* item);
+    /// Items of all levels.
+    [[nodiscard]] int OutlineCount();
+    /// Adds the last item below `parent`, null for the top level, that leads to a page. Pages count from 1;
+    /// the item follows its page wherever that goes before the save. Raises if there is no such page or
+    /// parent.
+    TPDFIndirect* NewOutline(TPDFIndirect* parent, const NarrowString& text, int page, TPDFLinkDestKind dest);
+    /// Whether the reference is one of this document's; it need not be valid for that.
+    [[nodiscard]] bool OwnsReference(const TPDFIndirect* reference) const;
+    [[nodiscard]] TPDFObjectsList& ObjectsList() { return FObjectsList; }
+
     // --- Layers ---
 
     /// Makes the zero-based page ready for layers, which are placed at 72 dots per inch: points. Raises if
@@ -154,7 +173,13 @@ public:
     void RenderToLayers(int page, int dpi);
     /// Records that the zero-based page, and those of the list, were the last used.
     void updatePageMru(int page, const QList<int>& pages);
+    /// The form objects that go on pages as groups.
+    [[nodiscard]] TZQPDFXObjectsCache& XObjects();
 
 private:
+    void WritePending(const NarrowString& range);
+
+    friend class TZQPDFEditor; // which attaches itself
     TZQPDFEditor* FEditor = nullptr;
+    TPDFObjectsList FObjectsList;
 };

@@ -128,6 +128,11 @@ void ApplyChanges(TPageObject& page) {
     page.NewCrop.reset();
 }
 
+void WriteOutlines(TDocumentCore& core) {
+    if (core.Outlines)
+        core.Outlines->Write(core);
+}
+
 } // namespace
 
 void ApplyPages(TDocumentCore& core) {
@@ -138,11 +143,16 @@ void ApplyPages(TDocumentCore& core) {
         imported.MakeCopies();
         RebuildTree(core);
         imported.JoinForms();
+        WriteOutlines(core); // before the items that lead to deleted pages go, and with them empty headings
         PruneDeletedPages(core);
         labels.Write(core);
         RefreshWalk(core);
         core.StructureChanged = false;
+    } else {
+        WriteOutlines(core);
     }
+    if (core.Outlines)
+        core.Outlines->Refresh(core);
     for (const auto& item : core.Pages.Items())
         ApplyChanges(item->Object());
 }

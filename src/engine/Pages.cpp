@@ -2,7 +2,9 @@
 
 #include "engine/Errors.h"
 #include "engine/PageObject.h"
+#include "engine/content/PlacedContent.h"
 
+#include <atomic>
 #include <cmath>
 
 namespace {
@@ -40,6 +42,11 @@ TPageGeometry GeometryOf(const TPageObject& page) {
     if (unit.isInitialized() && unit.isNumber() && unit.getNumericValue() > 0)
         geometry.UserUnit = unit.getNumericValue();
     return geometry;
+}
+
+quint64 NextId() {
+    static std::atomic<quint64> last = 0;
+    return ++last;
 }
 
 } // namespace
@@ -94,8 +101,23 @@ std::unique_ptr<TPageObject> BlankPage(Double width, Double height) {
     return page;
 }
 
-TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FObject(std::move(object)) {}
+TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FId(NextId()), FObject(std::move(object)) {}
 TZQPDFPage::~TZQPDFPage() = default;
+
+TPlacedContent& TZQPDFPage::Placed() {
+    if (!FContent)
+        FContent = std::make_unique<TPlacedContent>(*this);
+    return *FContent;
+}
+
+TZQLayerCollection& TZQPDFPage::Layers() {
+    return Placed().Layers;
+}
+
+void TZQPDFPage::updateXObject(TZQPDFDocument& /*document*/, TZQPDFXObjectGroup& group) {
+    Placed().Groups.push_back({&group, Geometry()});
+    Placed().GroupsChanged = true;
+}
 
 Single TZQPDFPage::GetWidth() const {
     return FWidth >= 0 ? FWidth : Single(Geometry().Width());

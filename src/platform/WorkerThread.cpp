@@ -50,9 +50,13 @@ void TWorkerThread::WaitFor() {
         FThread.join();
 }
 
-void TWorkerThread::WaitForDelivering() {
+void TWorkerThread::WaitForDelivering(const std::function<void()>& meanwhile) {
+    const auto finished = [&] {
+        meanwhile();
+        return Finished();
+    };
     if (FThread.joinable())
-        TMessageQueue::OfThisThread()->DeliverUntil([this] { return Finished(); }, WaitForever);
+        TMessageQueue::OfThisThread()->DeliverUntil(finished, WaitForever);
     WaitFor();
 }
 

@@ -1,8 +1,9 @@
 #include "scripting/ScriptDocument.h"
 
 #include "base/Exceptions.h"
+#include "base/Paths.h"
 #include "engine/Document.h"
-#include "engine/Security.h"
+#include "scripting/AskForPassword.h"
 
 TJSPDFDocument::TJSPDFDocument() : FDocument(new TZQPDFDocument(nullptr)) {}
 
@@ -26,6 +27,21 @@ void TJSPDFDocument::SetDocument(TZQPDFDocument* Value) {
     FDocument = Value;
 }
 
+bool TJSPDFDocument::Load(const string& fileName, const string& Password) {
+    constexpr int FileNotFound = 2;
+    if (!FileExists(fileName)) {
+        FLastError = FileNotFound;
+        return false;
+    }
+    string password = Password;
+    if (!AskForPassword(fileName, TIsPasswordOkOption::poPermission, password))
+        return false;
+    const bool opened = Document().OpenFromFile(fileName, Narrow(password));
+    FFilename = fileName;
+    SetCurrentPage(1);
+    return opened;
+}
+
 bool TJSPDFDocument::Save() {
     if (!FFilename.isEmpty())
         Document().SaveToPath(FFilename, /*keepSource=*/false, /*takeName=*/true);
@@ -40,33 +56,4 @@ bool TJSPDFDocument::SaveAs(const string& fileName) {
 
 int TJSPDFDocument::GetLastError() {
     return FLastError;
-}
-
-namespace {
-bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {
-    TPDFSecurityHandlerType handlerType{};
-    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
-}
-} // namespace
-
-bool TJSPDFDocument::IsPasswordOK(const string& fileName, const string& Password) {
-    return PasswordFits(fileName, Password, TIsPasswordOkOption::poAny);
-}
-
-bool TJSPDFDocument::IsOpenPasswordOK(const string& fileName, const string& Password) {
-    return PasswordFits(fileName, Password, TIsPasswordOkOption::poOpen);
-}
-
-bool TJSPDFDocument::IsPermissionPasswordOK(const string& fileName, const string& Password) {
-    return PasswordFits(fileName, Password, TIsPasswordOkOption::poPermission);
-}
-
-bool TJSPDFDocument::Decrypt() {
-    TZQPDFDocument& document = Document();
-    if (!document.GetCanChangeDocument() || document.GetSignaturesCount() != 0)
-        return false;
-    const auto* handler = qobject_cast<TPDFPasswordSecurityHandler*>(document.SecurityHandler());
-    if (handler == nullptr || !handler->IsOwnerPasswordValid())
-        return false;
-    return document.Decrypt();
 }

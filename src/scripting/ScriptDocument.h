@@ -7,15 +7,21 @@
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
 #include "engine/Types.h"
+#include "engine/layers/LayerImage.h"
+#include "engine/layers/LayerText.h"
+#include "engine/outlines/Objects.h"
 #include "scripting/DocumentDescription.h"
 #include "scripting/PageInfo.h"
 
 #include <QPointer>
 
+class TZQLayerCollection;
+class TPDFDocPermissions;
 class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("engine/Permissions.h") // the run-time table needs to know the whole class
     Q_CLASSINFO("ScriptName", "TPDFDocument")
     Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
     Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one
@@ -31,20 +37,36 @@ public:
     /// error code stay as they are.
     void SetDocument(TZQPDFDocument* Value);
 
-    // Life cycle and security (ScriptDocument.cpp)
+    // Life cycle (ScriptDocument.cpp)
+    /// Asks for the owner password of a protected file unless `Password` is it; false where that is
+    /// cancelled or the file doesn't exist. Raises where the file can't be opened.
+    Q_INVOKABLE bool Load(const string& fileName, const string& Password);
     /// To the path of the last load or save; without one nothing is written, and the answer is still true.
     Q_INVOKABLE bool Save();
     Q_INVOKABLE bool SaveAs(const string& fileName);
     /// 0, or 2 once a file to load did not exist. Nothing resets it.
     Q_INVOKABLE int GetLastError();
+
+    // Security (ScriptDocumentSecurity.cpp)
     /// These three ask about the file named, not about the open document.
     Q_INVOKABLE bool IsPasswordOK(const string& fileName, const string& Password);
     Q_INVOKABLE bool IsOpenPasswordOK(const string& fileName, const string& Password);
     Q_INVOKABLE bool IsPermissionPasswordOK(const string& fileName, const string& Password);
+    /// From the next save on; refused for a document that is encrypted or carries a signature. `Algo` is one
+    /// of ENC_ALGORITHM_40_RC4, ..._128_RC4, ..._128_AES and ..._256_AES, 0 to 3; with any other, saving
+    /// raises.
+    Q_INVOKABLE bool Encrypt(const string& OwnerPassword, const string& OpenPassword, int Algo,
+                             TPDFDocPermissions* Perms);
     /// Only a document that was opened with its owner password and carries no signature.
     Q_INVOKABLE bool Decrypt();
 
-    // Content (ScriptDocumentContent.cpp)
+    // Content (ScriptDocumentContent.cpp), on the current page. What is added stays the page's; the caller
+    // gets a reference. Places are in layer space (engine/layers/Layer.h).
+    /// An empty font name is Arial, a size of exactly 0 is 12 points.
+    Q_INVOKABLE TZQPDFText* AddText(const string& Text, const TFontName& FontName, float FontSize,
+                                    TColor FillColor, float X, float Y);
+    /// Without a file name the image shows nothing, until it loads one.
+    Q_INVOKABLE TZQPDFImage* AddImage(const TFileName& fileName, float X, float Y);
     /// An attachment of the same name is replaced.
     Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
     Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);
@@ -82,6 +104,22 @@ public:
     /// The XMP packet, passed through unparsed.
     Q_INVOKABLE void SetXMLMetaData(const NarrowString& XMP);
     Q_INVOKABLE NarrowString GetXMLMetaData();
+    /// The current page as a picture, changes that aren't saved included (engine/render/PageBitmap.h).
+    Q_INVOKABLE void SaveGraphicPageToBitmap(const NarrowString& fileName, int DPI);
+
+    // Outline (ScriptDocumentOutlines.cpp). Items belong to the document; null means none.
+    /// Adds a last item, below `Parent` or, with null, on the top level. Always null, on purpose: scripts
+    /// find the item by walking.
+    Q_INVOKABLE TPDFIndirect* NewOutline(TPDFIndirect* Parent, const string& Text, int pageNumber,
+                                         TPDFLinkDestKind destination);
+    Q_INVOKABLE TPDFIndirect* GetFirstOutline();
+    Q_INVOKABLE TPDFIndirect* GetFirstChildOutline(TPDFIndirect* Outline);
+    Q_INVOKABLE TPDFIndirect* GetNextOutline(TPDFIndirect* Outline);
+    Q_INVOKABLE TPDFIndirect* GetPrevOutline(TPDFIndirect* Outline);
+    /// Always false, also where it sets the colour; doesn't mark the document as modified.
+    Q_INVOKABLE bool SetOutlineColor(TPDFIndirect* Outline, TColor Color);
+    /// Items of all levels.
+    Q_INVOKABLE int GetOutlineCount();
 
 private:
     enum class Ownership { Owned, Borrowed };
@@ -91,6 +129,10 @@ private:
     void SetCurrentPage(int Page);
     void RenderPageSafe(int Page);
     void RenderPage(int Page);
+    [[nodiscard]] TZQLayerCollection& GetCurrentLayers() const;
+    /// Makes the current page's layers present and gives them.
+    TZQLayerCollection& LayersToFill();
+    void MarkPageChanged(quint32 Kind);
     [[nodiscard]] int InsertionIndex(bool insertAfter, TZQPDFPagePosition pagePosition) const;
 
     int FLastError = 0;

@@ -1,11 +1,15 @@
 #include "base/UniqueName.h"
 #include "engine/Document.h"
+#include "engine/editor/Editor.h"
 #include "scripting/ScriptDocument.h"
 
 bool TJSPDFDocument::InsertPages(int Index, int Count, float AWidth, float AHeight, bool BeforeCurrentPage) {
     if (!Document().GetCanModifyPages())
         return false;
-    Document().InsertPages(Index, Count, AWidth, AHeight, BeforeCurrentPage);
+    if (TZQPDFEditor* editor = Document().Editor())
+        editor->InsertPages(Index, Count, AWidth, AHeight, BeforeCurrentPage);
+    else
+        Document().InsertPages(Index, Count, AWidth, AHeight, BeforeCurrentPage);
     return true;
 }
 
@@ -16,7 +20,10 @@ bool TJSPDFDocument::DeletePages(int Index, int Count) {
 bool TJSPDFDocument::DeletePagesEx(const string& pageRange) {
     if (!Document().GetCanModifyPages())
         return false;
-    SetCurrentPage(Document().DeletePageRange(pageRange));
+    if (TZQPDFEditor* editor = Document().Editor())
+        editor->DeletePagesEx(pageRange);
+    else
+        SetCurrentPage(Document().DeletePageRange(pageRange));
     return true;
 }
 
@@ -40,6 +47,8 @@ bool TJSPDFDocument::CropPages(const string& pageRange, double top, double left,
         return false;
     TPDFMargins margins = TPDFMargins::Create(top, left, right, bottom);
     Document().CropPages(pageRange, margins);
+    if (TZQPDFEditor* editor = Document().Editor())
+        editor->RefreshView();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "engine/Document.h"
 #include "engine/PageTree.h"
 #include "engine/Pages.h"
+#include "engine/editor/Editor.h"
 #include "scripting/ScriptDocument.h"
 
 namespace {
@@ -11,17 +12,23 @@ bool IsSideways(int rotation) {
 }
 } // namespace
 
+/// Of the attached editor control, if there is one.
 int TJSPDFDocument::GetCurrentPage() const {
-    return Document().PageTree().CurrentPage();
+    const TZQPDFEditor* editor = Document().Editor();
+    return editor ? editor->CurrentPage() : Document().PageTree().CurrentPage();
 }
 int TJSPDFDocument::GetPagesCount() const {
     return Document().Pages().Count();
 }
 
 void TJSPDFDocument::SetCurrentPage(int Page) {
-    if (Page <= 0 || Page > GetPagesCount() || Page == GetCurrentPage())
+    TZQPDFDocument& document = Document();
+    if (Page <= 0 || Page > GetPagesCount() || Page == document.PageTree().CurrentPage())
         return;
-    Document().PageTree().SetPage(Page);
+    if (document.Editor())
+        document.Editor()->SetCurrentPage(Page);
+    else
+        document.PageTree().SetPage(Page);
     RenderPageSafe(CurrentPage);
 }
 
@@ -36,6 +43,8 @@ void TJSPDFDocument::RenderPageSafe(int Page) {
 /// Makes the layers of a zero-based page present and its size known, once a page.
 void TJSPDFDocument::RenderPage(int Page) {
     TZQPDFDocument& document = Document();
+    if (document.Editor())
+        document.Editor()->renderPage(Page);
     if (Page < 0 || Page >= GetPagesCount() || document.Pages().getItem(Page).getRendered())
         return;
     // Not a guarded pair, on purpose: the engine saves a document that a failure has left locked, and the
@@ -88,4 +97,11 @@ void TJSPDFDocument::SetXMLMetaData(const NarrowString& XMP) {
 }
 NarrowString TJSPDFDocument::GetXMLMetaData() {
     return Document().GetXMLMetaData();
+}
+
+void TJSPDFDocument::SaveGraphicPageToBitmap(const NarrowString& fileName, int DPI) {
+    TZQPDFEditor editor(nullptr);
+    editor.setDocument(&Document());
+    editor.SetCurrentPage(GetCurrentPage());
+    editor.SaveGraphicPageToBitmap(fileName, DPI);
 }

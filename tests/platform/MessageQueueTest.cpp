@@ -162,7 +162,9 @@ private:
 
 TEST(WorkerThread, TheOwnerCanDeliverWhileItWaits) {
     TAskingThread thread(TMessageQueue::OfThisThread());
-    thread.WaitForDelivering();
+    int calls = 0;
+    thread.WaitForDelivering([&] { ++calls; });
+    EXPECT_GT(calls, 0);
     EXPECT_TRUE(thread.Finished());
     EXPECT_FALSE(thread.Terminated());
 }

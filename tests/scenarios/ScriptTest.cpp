@@ -46,10 +46,12 @@ TEST(ScriptScenario, HarmfulScriptsLeaveTheAgentAnsweringAndAbleToStop) {
              "(async () => { for (;;) await 0 })()",
              "(async () => { await new Promise(() => {}) })()",
              "CreateProcess('sleep 20', 0, true)",
+             "for (;;) new TPDFDocument().Load('DIR/locked.pdf', '')",
              "ShowMessage('shown'); MessageBox('asked', 4)",
          }) {
         const TScriptWorkspace workspace(QByteArray("CreateProcess('touch \"DIR/began\"', 0, true);\n") +
                                          script);
+        MakePdf(workspace.Path("locked.pdf"), 1, {.UserPassword = "secret"});
         TRealAgent agent(workspace.Path("settings"));
         MakePdf(workspace.Path("in/a.pdf"), 1);
         ASSERT_TRUE(Eventually([&] { return workspace.Has("began"); })) << script;

@@ -288,7 +288,10 @@ void TMozCore::CleanUp(bool succeeded) {
         FExhausted = false;
         RenewGlobal();
     }
-    JS_MaybeGC(FContext.get());
+    if (FClasses->TakeHeavy())
+        JS_GC(FContext.get());
+    else
+        JS_MaybeGC(FContext.get());
 }
 
 /// What scripts have left in the global scope leaves too little for others.
@@ -321,6 +324,8 @@ bool TMozCore::GlobalIsClosed() {
 
 std::unique_ptr<TJSCompiledScript> TMozCore::Compile(const string& text, const string& scriptName) {
     JSContext* cx = FContext.get();
+    if (FGlobal == nullptr && !RenewGlobal())
+        return nullptr;
     const JSAutoRealm realm(cx, FGlobal);
     const JS::RootedScript script(cx, CompileText(text, scriptName, TUse::Again));
     return script ? std::make_unique<TMozScript>(cx, script) : nullptr;

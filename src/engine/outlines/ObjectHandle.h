@@ -1,0 +1,11 @@
+#pragma once
+// The library's side of PDF objects that callers hold.
+#include "engine/Qpdf.h"
+#include "engine/outlines/Objects.h"
+
+struct TPDFObject::THandle {
+    QPDFObjectHandle Object;
+};
+
+/// Wraps `object`, in the class of its type where there is one.
+[[nodiscard]] TPDFObjectPtr NewObject(const QPDFObjectHandle& object);

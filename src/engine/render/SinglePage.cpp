@@ -1,0 +1,149 @@
+#include "engine/render/SinglePage.h"
+
+#include "engine/ObjectCopier.h"
+
+#include <qpdf/Buffer.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* PageKeys[] = {"/Contents", "/Group", "/UserUnit"};
+
+/// Where annotations lead to, and what they carry but don't show.
+constexpr const char* NotPainted[] = {
+    "/A",  "/AA",  "/Dest",  "/FS",    "/IRT",          "/Kids",   "/Movie",           "/P",
+    "/PA", "/3DD", "/Popup", "/Sound", "/StructParent", "/Parent", "/RichMediaContent"};
+
+/// What a widget takes from the fields above it (ISO 32000-1, 12.7.3.1).
+constexpr const char* FieldKeys[] = {"/FT", "/Ff", "/V", "/DV", "/DA", "/Q", "/MaxLen", "/Opt"};
+constexpr int MaxFieldDepth = 100;
+
+constexpr int FewXObjects = 8; // as many as one page may be expected to show
+
+class TSinglePage {
+public:
+    TSinglePage(QPDF& pdf, const TPageObject& page, const TPDFSourcePtr& source)
+        : FPage(page), FSource(source), FPdf(pdf), FCopier(pdf, source) {}
+
+    void CopyInto(QPDFObjectHandle target) {
+        FCopier.MapPage(FPage.Origin == TPageOrigin::Own ? FPage.Dict.getObjGen() : FPage.CopiedFrom, target);
+        for (const char* key : PageKeys)
+            Take(Entry(FPage.Dict, key), target, key);
+        Take(FPage.Attribute("/Resources"), target, "/Resources");
+        CopyAnnotations(target);
+        QPDFObjectHandle from = FSource->Pdf->getRoot();
+        Take(Entry(from, "/OCProperties"), FPdf.getRoot(), "/OCProperties");
+        CopyFormDefaults(Entry(from, "/AcroForm"));
+        FCopier.Finish();
+        QPDFObjectHandle drawn = Entry(target.getKey("/Resources"), "/XObject");
+        if (drawn.isDictionary() && drawn.getKeys().size() > FewXObjects)
+            QPDFPageObjectHelper(target).removeUnreferencedResources();
+    }
+
+private:
+    void Take(const QPDFObjectHandle& value, QPDFObjectHandle to, const char* key) {
+        if (value.isInitialized() && !QPDFObjectHandle(value).isNull())
+            to.replaceKey(key, FCopier.Copy(value));
+    }
+
+    void CopyAnnotations(QPDFObjectHandle target) {
+        QPDFObjectHandle annotations = Entry(FPage.Dict, "/Annots");
+        if (!annotations.isArray())
+            return;
+        QPDFObjectHandle copies = QPDFObjectHandle::newArray();
+        for (QPDFObjectHandle annotation : annotations.getArrayAsVector())
+            if (annotation.isDictionary())
+                copies.appendItem(FPdf.makeIndirectObject(CopyOf(annotation)));
+        target.replaceKey("/Annots", copies);
+    }
+
+    QPDFObjectHandle CopyOf(QPDFObjectHandle annotation) {
+        QPDFObjectHandle copy = QPDFObjectHandle::newDictionary();
+        for (auto& [key, value] : annotation.getDictAsMap())
+            if (std::find(std::begin(NotPainted), std::end(NotPainted), key) == std::end(NotPainted))
+                copy.replaceKey(key, FCopier.Copy(value));
+        QPDFObjectHandle field = annotation;
+        for (int depth = 0; depth < MaxFieldDepth && field.isDictionary(); ++depth) {
+            for (const char* key : FieldKeys)
+                if (!copy.hasKey(key))
+                    Take(field.getKey(key), copy, key);
+            field = field.getKey("/Parent");
+        }
+        return copy;
+    }
+
+    void CopyFormDefaults(const QPDFObjectHandle& form) {
+        QPDFObjectHandle copy = QPDFObjectHandle::newDictionary();
+        for (const char* key : {"/DA", "/DR", "/NeedAppearances", "/Q"})
+            Take(Entry(form, key), copy, key);
+        copy.replaceKey("/Fields", QPDFObjectHandle::newArray());
+        if (QPDFObjectHandle(form).isDictionary())
+            FPdf.getRoot().replaceKey("/AcroForm", copy);
+    }
+
+    const TPageObject& FPage;
+    const TPDFSourcePtr& FSource;
+    QPDF& FPdf;
+    TObjectCopier FCopier;
+};
+
+/// The boxes as displayed, and the paper below what is there.
+void LayOut(QPDF& pdf, QPDFObjectHandle page, const TPageGeometry& geometry) {
+    const TPageBox& box = geometry.Crop;
+    const QPDFObjectHandle::Rectangle rectangle(box.x0, box.y0, box.x1, box.y1);
+    page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
+    page.replaceKey("/MediaBox", QPDFObjectHandle::newArray(rectangle));
+    page.replaceKey("/Rotate", QPDFObjectHandle::newInteger(geometry.Rotation));
+    const QByteArray paper = "q 1 g " + QByteArray::number(box.x0 - 1, 'f') + ' ' +
+                             QByteArray::number(box.y0 - 1, 'f') + ' ' +
+                             QByteArray::number(box.Width() + 2, 'f') + ' ' +
+                             QByteArray::number(box.Height() + 2, 'f') + " re f Q\n";
+    std::vector<QPDFObjectHandle> contents{QPDFObjectHandle::newStream(&pdf, paper.toStdString())};
+    QPDFObjectHandle originals = page.getKey("/Contents");
+    if (originals.isStream())
+        contents.push_back(originals);
+    else if (originals.isArray())
+        for (const QPDFObjectHandle& stream : originals.getArrayAsVector())
+            contents.push_back(stream);
+    page.replaceKey("/Contents", QPDFObjectHandle::newArray(contents));
+}
+
+std::string BytesOf(QPDF& pdf) {
+    QPDFWriter writer(pdf);
+    writer.setOutputMemory();
+    writer.setCompressStreams(false);
+    writer.setDecodeLevel(qpdf_dl_none);
+    writer.setObjectStreamMode(qpdf_o_disable);
+    writer.write();
+    const auto buffer = writer.getBufferSharedPointer();
+    return {reinterpret_cast<const char*>(buffer->getBuffer()), buffer->getSize()};
+}
+
+} // namespace
+
+std::string SinglePagePdf(TDocumentCore& core, int page) {
+    TZQPDFPage& item = core.Pages.getItem(page);
+    const TPageObject& object = item.Object();
+    const TPDFSourcePtr& source = object.Origin == TPageOrigin::Own ? core.Source : object.Source;
+    try {
+        QPDF pdf;
+        pdf.setSuppressWarnings(true);
+        pdf.emptyPDF();
+        QPDFObjectHandle copy = pdf.makeIndirectObject(QPDFObjectHandle::newDictionary());
+        if (object.Origin != TPageOrigin::Blank)
+            TSinglePage(pdf, object, source).CopyInto(copy);
+        LayOut(pdf, copy, item.Geometry());
+        pdf.addPage(copy, /*first*/ true);
+        std::string bytes = BytesOf(pdf);
+        if (source && source->Input)
+            source->Input->RequireSound();
+        return bytes;
+    } catch (const Exception&) {
+        throw;
+    } catch (const std::exception& e) {
+        throw Translated(e, QStringLiteral("paint a page of"), source ? source->Path : core.FileName);
+    }
+}
