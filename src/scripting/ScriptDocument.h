@@ -22,6 +22,7 @@ class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("engine/Permissions.h") // the run-time table needs to know the whole class
     Q_CLASSINFO("ScriptName", "TPDFDocument")
     Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
     Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one

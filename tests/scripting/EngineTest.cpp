@@ -90,6 +90,9 @@ TEST_F(ScriptEngine, RefusalsNameWhatIsWrong) {
         EXPECT_FALSE(Run("\n  " + row.Script)) << row.Script.toStdString();
         EXPECT_TRUE(Failure().contains(row.Message)) << Failure().toStdString();
         EXPECT_TRUE(Failure().startsWith("test:2:")) << Failure().toStdString();
+        if (row.Script.startsWith("nothing")) {
+            EXPECT_TRUE(Failure().startsWith("test:2:3:")) << Failure().toStdString();
+        }
         // A native failure is an exception there.
         const bool later = row.Script.contains("romise") || row.Script.contains("async");
         if (!later && !row.Script.startsWith("if (")) {
