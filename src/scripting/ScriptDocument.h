@@ -6,6 +6,7 @@
 // Methods answer false or null where the document's permissions refuse the operation, without a message;
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
+#include "engine/Permissions.h"
 #include "engine/Types.h"
 #include "engine/outlines/Objects.h"
 #include "scripting/DocumentDescription.h"
@@ -13,7 +14,6 @@
 
 #include <QPointer>
 
-class TPDFDocPermissions;
 class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
