@@ -42,6 +42,22 @@ TEST_F(TScriptOutlines, ItemsAreFoundByWalking) {
     EXPECT_EQ(text.count("#page=2"), 2);
 }
 
+TEST_F(TScriptOutlines, CallsThroughTheTablesTakeWhatScriptsHold) {
+    Open(2);
+    const auto call = [&](const char* name, const QVariantList& arguments) {
+        const auto methods = Reflection::FindMethods(*Document.metaObject(), QString::fromLatin1(name));
+        return Reflection::Call(Document, methods.at(0), arguments);
+    };
+    call("NewOutline", {QVariant::fromValue(nullptr), "top", 1, "ldFitH"});
+    const QVariant top = call("GetFirstOutline", {});
+    const auto held = QVariant::fromValue<QObject*>(top.value<QObject*>()); // as a script hands it back
+    call("NewOutline", {held, "below", 2, 3});
+    call("SetOutlineColor", {call("GetFirstChildOutline", {held}), 255});
+    EXPECT_EQ(call("GetOutlineCount", {}).toInt(), 2);
+    EXPECT_TRUE(Reflection::Members(TPDFIndirect::staticMetaObject).isEmpty());
+    EXPECT_TRUE(Reflection::Methods(TPDFIndirect::staticMetaObject).isEmpty());
+}
+
 TEST_F(TScriptOutlines, ColoursGoIntoTheItemWithoutAWord) {
     Open(1, {.Outlines = true});
     EXPECT_FALSE(Document.SetOutlineColor(Document.GetFirstOutline(), 0x0033FF)); // red, then a fifth of blue
