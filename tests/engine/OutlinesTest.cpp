@@ -101,20 +101,6 @@ TEST_F(TOutlines, ItemsAreAddedLastAndCounted) {
     EXPECT_TRUE(Saved().contains(QStringLiteral(" later>1) second>1)")));
 }
 
-TEST_F(TOutlines, WalkingKnowsEndsAndGivesTheSameReferenceAgain) {
-    Open(3, {.Outlines = true});
-    TPDFIndirect* first = Document.FirstOutline();
-    TPDFIndirect* second = Document.NextOutline(first);
-    TPDFIndirect* third = Document.NextOutline(second);
-    EXPECT_EQ(Document.NextOutline(third), nullptr);
-    EXPECT_EQ(Document.PrevOutline(third), second);
-    EXPECT_EQ(Document.PrevOutline(second), first);
-    EXPECT_EQ(Document.PrevOutline(first), nullptr);
-    EXPECT_EQ(Document.FirstChildOutline(first), nullptr);
-    EXPECT_EQ(Document.NextOutline(nullptr), nullptr);
-    EXPECT_EQ(TZQPDFDocument(nullptr).FirstOutline(), nullptr);
-}
-
 TEST_F(TOutlines, ReferencesOutliveSavesAndNothingElse) {
     Open(4, {.Outlines = true});
     TPDFIndirect* third = Document.NextOutline(Document.NextOutline(Document.FirstOutline()));
@@ -264,29 +250,6 @@ TEST_F(TOutlines, DeepAndLongOutlinesTakeNoStack) {
         Add(nullptr, "long", 1);
     Document.SaveToPath(Out, /*keepSource*/ false, /*takeName*/ true);
     EXPECT_EQ(Document.OutlineCount(), 20'000);
-}
-
-TEST_F(TOutlines, ObjectsGoIntoTheItemAtOnce) {
-    Open(1, {.Outlines = true});
-    TPDFObjectsList& objects = Document.ObjectsList();
-    const TPDFObjectPtr numbers[] = {objects.NewNumeric(1), objects.NewNumeric(0.5), objects.NewNumeric(0)};
-    for (TPDFIndirect* item : {Document.FirstOutline(), Add(nullptr, "new", 1)}) {
-        auto* dictionary = dynamic_cast<TPDFDictionary*>(item->Obj().get());
-        ASSERT_NE(dictionary, nullptr);
-        dictionary->Add("C", objects.NewArray(numbers, 2));
-    }
-    Saved();
-    const QJsonArray items = PdfJson(Out).value(QStringLiteral("outlines")).toArray();
-    for (const QJsonValue& item : items) {
-        const QJsonObject dict =
-            PdfObjects(Out)
-                .value(QStringLiteral("obj:") + item[QStringLiteral("object")].toString())
-                .toObject()
-                .value(QStringLiteral("value"))
-                .toObject();
-        EXPECT_EQ(dict.value(QStringLiteral("/C")).toArray(), (QJsonArray{1, 0.5, 0}));
-    }
-    EXPECT_EQ(items.size(), 2);
 }
 
 } // namespace

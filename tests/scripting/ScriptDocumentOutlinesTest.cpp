@@ -31,8 +31,11 @@ TEST_F(TScriptOutlines, ItemsAreFoundByWalking) {
     Document.NewOutline(item, QStringLiteral("b"), 2, TPDFLinkDestKind::ldXYZ);
     TPDFIndirect* a = Document.GetFirstChildOutline(item);
     TPDFIndirect* b = Document.GetNextOutline(a);
-    EXPECT_EQ(Document.GetPrevOutline(b), a);
+    EXPECT_EQ(Document.GetPrevOutline(b), a) << "the same reference";
+    EXPECT_EQ(Document.GetPrevOutline(a), nullptr);
     EXPECT_EQ(Document.GetNextOutline(b), nullptr);
+    EXPECT_EQ(Document.GetFirstChildOutline(b), nullptr);
+    EXPECT_EQ(Document.GetNextOutline(nullptr), nullptr);
     EXPECT_EQ(Document.GetOutlineCount(), 3);
     Document.SaveAs(Out);
     const QByteArray text = RunProgram("mutool", {"show", Out, "outline"}).Out;
