@@ -5,6 +5,7 @@
 //
 // The two sides of each comparison take turns in one run; medians are printed. "without sync" leaves out the
 // waits for the disk, which the loop doesn't do either.
+#include "Paired.h"
 #include "actions/ActionClasses.h"
 #include "agent/FoldersThread.h"
 #include "base/PartFile.h"
@@ -15,61 +16,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr int SmallFiles = 1000;
 constexpr int ManyPages = 10'000;
-
-struct TFigure {
-    double Seconds = 0;
-    double CpuSeconds =
-        0; // of the side and the processes it started: steadier than the clock on a shared machine
-    double PeakMiB = 0; // largest process of the side
-};
-
-/// Runs one side in a process of its own, so that its peak memory is its own.
-template <class TWork> TFigure Measure(TWork work) {
-    const auto begin = std::chrono::steady_clock::now();
-    std::fflush(nullptr);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        work();
-        std::_Exit(0);
-    }
-    int status = 0;
-    struct rusage usage {};
-    ::wait4(child, &status, 0, &usage);
-    if (status != 0)
-        std::fprintf(stderr, "a side ended with status %d\n", status);
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    const auto secondsOf = [](const timeval& time) {
-        return double(time.tv_sec) + 1e-6 * double(time.tv_usec);
-    };
-    return {seconds.count(), secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime),
-            double(usage.ru_maxrss) / 1024};
-}
-
-double Median(QList<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-void Shell(const QString& script) {
-    QProcess process;
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start("/bin/sh", {"-c", script});
-    process.waitForFinished(-1);
-}
 
 void WriteText(const QString& path, const QByteArray& text) {
     QFile file(path);

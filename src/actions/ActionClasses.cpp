@@ -1,6 +1,7 @@
 #include "actions/ActionClasses.h"
 
 #include "actions/ContentActions.h"
+#include "actions/JavaScriptAction.h"
 #include "actions/NavigationActions.h"
 #include "actions/PageActions.h"
 #include "actions/SecurityActions.h"
@@ -25,6 +26,7 @@ void RegisterActionClasses() {
              &TPDFActionGotoFirstPage::staticMetaObject,
              &TPDFActionGotoLastPage::staticMetaObject,
              &TPDFActionAddDocumentDescription::staticMetaObject,
+             &TPDFActionJavaScript::staticMetaObject,
              &TPDFUnknownAction::staticMetaObject,
          })
         Reflection::RegisterClass(*type);

@@ -8,6 +8,7 @@
 #include "platform/Signals.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 
 #include <cstdlib>
 
@@ -15,12 +16,32 @@ namespace {
 
 constexpr char Identity[] = "{53F95304-BFF6-4D89-971E-E1366F4F10D5}";
 
-/// A window system that dies makes its library call exit() in the middle of the event loop: the threads
-/// must have ended before what they use is taken down.
-void StopAtExit() {
-    if (TfrmFoldersAgent* form = frmFoldersAgent.load())
-        form->StopThreads();
-}
+/// A window system that dies makes its library call exit() in the middle of the event loop. The objects of
+/// the thread that calls it go first then, so the threads end here while all that they use is still there.
+/// (What is registered with atexit() comes too late: after the end of everything that was made since.)
+struct TStopAtExit {
+    TStopAtExit() = default;
+    TStopAtExit(const TStopAtExit&) = delete;
+    TStopAtExit& operator=(const TStopAtExit&) = delete;
+    ~TStopAtExit() {
+        if (TfrmFoldersAgent* form = frmFoldersAgent.load())
+            form->StopThreads(TWindowSystem::Dead);
+    }
+};
+
+/// The end of the session asks the application to quit, which the window system's library refuses as long as
+/// a window does, such as an editor with a text to save.
+class TQuitRequests : public QObject {
+public:
+    TQuitRequests() { QCoreApplication::instance()->installEventFilter(this); }
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        TfrmFoldersAgent* form = frmFoldersAgent.load();
+        if (!form || event->type() != QEvent::Quit || receiver != QCoreApplication::instance())
+            return false;
+        form->Terminate();
+        return true;
+    }
+};
 
 } // namespace
 
@@ -37,7 +58,7 @@ std::unique_ptr<TAppInstances> CheckSingleInstance() {
 int RunFoldersAgent(TAppInstances& instances) {
     TTerminationSignals endSignals;
     RegisterActionClasses();
-    std::atexit(StopAtExit);
+    const TQuitRequests quitRequests;
     TMessagePump pump;
     pump.Watch(endSignals.Descriptor(), [&endSignals] {
         TfrmFoldersAgent* form = frmFoldersAgent.load();
@@ -46,6 +67,7 @@ int RunFoldersAgent(TAppInstances& instances) {
     });
     if (instances.Descriptor() >= 0)
         pump.Watch(instances.Descriptor(), [&instances] { instances.Receive(); });
+    thread_local const TStopAtExit stop; // behind the pump, whose queue it needs
     TSystemClock clock;
     TSystemFolderFiles files;
     const TfrmFoldersAgent form({clock, files});

@@ -8,6 +8,6 @@ class TAppInstances;
 /// command line, and the process ends here, with nothing logged or shown. Needs no application object.
 [[nodiscard]] std::unique_ptr<TAppInstances> CheckSingleInstance();
 
-/// Runs the form until the application is told to end: by the menu, by SIGTERM or SIGINT, by the session's
-/// end. The application object must exist. The result is the process's exit code.
+/// Runs the form until the application is told to end: by the menu, by SIGTERM, SIGINT or SIGHUP, by the
+/// session's end. The application object must exist. The result is the process's exit code.
 [[nodiscard]] int RunFoldersAgent(TAppInstances& instances);

@@ -39,8 +39,8 @@ TfrmFoldersAgent::TfrmFoldersAgent(TFormHost host)
     frmFoldersAgent.store(this);
     try {
         FormCreate();
-    } catch (const Exception& e) {
-        ShowError(e.Message());
+    } catch (const std::exception& e) {
+        ShowError(MessageOf(e));
     }
 }
 
@@ -93,18 +93,22 @@ void TfrmFoldersAgent::FormDestroy() {
     StopThreads();
 }
 
-void TfrmFoldersAgent::StopThreads() {
+void TfrmFoldersAgent::StopThreads(TWindowSystem windows) {
+    const auto meanwhile = [windows] {
+        if (windows == TWindowSystem::Alive)
+            QCoreApplication::processEvents();
+    };
     MessageBoxHost().CloseAll();
     PasswordPrompt().CancelAll();
     if (FWatchedFoldersThread) {
         FWatchedFoldersThread->Terminate();
-        FWatchedFoldersThread->WaitForDelivering();
+        FWatchedFoldersThread->WaitForDelivering(meanwhile);
         const std::lock_guard guard(FThreadLock);
         FWatchedFoldersThread.reset();
     }
     if (FNamedPipeThread) {
         FNamedPipeThread->Terminate();
-        FNamedPipeThread->WaitForDelivering();
+        FNamedPipeThread->WaitForDelivering(meanwhile);
         FNamedPipeThread.reset();
     }
 }
@@ -135,7 +139,7 @@ void TfrmFoldersAgent::RefreshActions() {
 
 void TfrmFoldersAgent::Terminate() {
     FTerminated = true; // before the event loop runs, the next call is lost
-    // Not quit(), which asks the open windows first, and a box without a Cancel button refuses.
+    // Not quit(), which asks the open windows first, and any of them may refuse.
     QCoreApplication::exit();
 }
 

@@ -20,6 +20,9 @@ struct TFormHost {
     TFolderFiles& Files;
 };
 
+/// Whether there is still a window system to take events from.
+enum class TWindowSystem { Alive, Dead };
+
 /// Lives on the main thread; other threads use it as TTrayHint and TRefreshTarget alone.
 class TfrmFoldersAgent final : public TComponent, public TTrayHint, public TRefreshTarget {
     Q_OBJECT
@@ -52,8 +55,9 @@ public:
     [[nodiscard]] const TNamedPipeThread* PipeThread() const { return FNamedPipeThread.get(); }
 
     /// Stops the folders thread, then the control pipe, waiting for each; open boxes are answered, and what
-    /// is queued for this thread is delivered meanwhile. A second call does nothing.
-    void StopThreads();
+    /// is queued for this thread is delivered meanwhile, with the events of a living window system: the icon
+    /// stays and is painted. A second call does nothing.
+    void StopThreads(TWindowSystem windows = TWindowSystem::Alive);
 
     void SetHint(const string& text) override { TrayIcon1.SetHint(text); }
     void RefreshFolders() override;

@@ -3,6 +3,7 @@
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
+#include "platform/StopSignal.h"
 
 #include <QScopeGuard>
 
@@ -14,6 +15,7 @@ TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost 
                    [this](const string& path) { FWatchedFolders.Load(path); }),
       FActionsFile(ConfigPath + "actions.xml", [this](const string& path) { FActionManager.Load(path); }),
       FPass(host, [this] { return Terminated(); }) {
+    StopSignal().Lower();
     Start();
 }
 
@@ -23,6 +25,7 @@ TWatchedFoldersThread::~TWatchedFoldersThread() {
 
 void TWatchedFoldersThread::Terminate() {
     TWorkerThread::Terminate();
+    StopSignal().Raise();
     FHost.Clock.Wake();
 }
 

@@ -17,7 +17,8 @@ public:
     /// Terminates and waits.
     ~TWatchedFoldersThread() override;
 
-    /// The thread ends between files and between actions.
+    /// The thread ends between files and between actions; a running script, and a wait for a program that it
+    /// has started, end at once.
     void Terminate() override;
 
     // Raised by other threads, consumed between passes; no order among them is promised.

@@ -38,6 +38,10 @@ QVariant WithArguments(const QMetaMethod& method, const QVariantList& arguments,
     return result;
 }
 
+QVariant RoomForResult(const QMetaMethod& method) {
+    return method.returnType() == QMetaType::Void ? QVariant() : QVariant(method.returnMetaType());
+}
+
 QList<const QMetaObject*>& Registry() {
     static QList<const QMetaObject*> classes;
     return classes;
@@ -88,11 +92,14 @@ QList<QMetaMethod> FindMethods(const QMetaObject& type, QStringView name) {
 }
 
 QVariant Call(QObject& object, const QMetaMethod& method, const QVariantList& arguments) {
-    QVariant result;
-    if (method.returnType() != QMetaType::Void)
-        result = QVariant(method.returnMetaType());
-    return WithArguments(method, arguments, result, [&](void** args) {
+    return WithArguments(method, arguments, RoomForResult(method), [&](void** args) {
         QMetaObject::metacall(&object, QMetaObject::InvokeMetaMethod, method.methodIndex(), args);
+    });
+}
+
+QVariant CallStatic(const QMetaObject& type, const QMetaMethod& method, const QVariantList& arguments) {
+    return WithArguments(method, arguments, RoomForResult(method), [&](void** args) {
+        type.static_metacall(QMetaObject::InvokeMetaMethod, method.methodIndex() - type.methodOffset(), args);
     });
 }
 

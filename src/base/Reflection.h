@@ -38,6 +38,9 @@ namespace Reflection {
 /// method without one.
 QVariant Call(QObject& object, const QMetaMethod& method, const QVariantList& arguments);
 
+/// The same for a static method, as of a Q_GADGET that is never made.
+QVariant CallStatic(const QMetaObject& type, const QMetaMethod& method, const QVariantList& arguments);
+
 /// Makes an object through the Q_INVOKABLE constructor that takes that many arguments; null if the class
 /// has none. The caller owns it.
 [[nodiscard]] QObject* Construct(const QMetaObject& type, const QVariantList& arguments = {});

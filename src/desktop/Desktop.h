@@ -9,7 +9,7 @@ class QCoreApplication;
 /// answers there, the program goes without.
 class TDesktop {
 public:
-    TDesktop(int& argc, char** argv);
+    TDesktop();
     ~TDesktop();
     TDesktop(const TDesktop&) = delete;
     TDesktop& operator=(const TDesktop&) = delete;
@@ -18,7 +18,9 @@ public:
     [[nodiscard]] bool IsThere() const { return FHosts != nullptr; }
 
 private:
+    struct TCommandLine;
     struct THosts;
+    const std::unique_ptr<TCommandLine> FCommandLine;
     std::unique_ptr<QCoreApplication> FApplication;
     std::unique_ptr<THosts> FHosts;
 };

@@ -6,6 +6,7 @@
 #include "engine/InfoWriter.h"
 #include "engine/Signatures.h"
 #include "engine/Writer.h"
+#include "engine/content/PlacedContent.h"
 
 namespace {
 
@@ -36,15 +37,22 @@ NarrowString PasswordForWritten(const TDocumentCore& core) {
     return Narrow(owner.isEmpty() ? handler->UserPassword() : owner);
 }
 
+void TakeOver(TZQPDFPage& page, const TPDFSourcePtr& source, size_t index) {
+    page.Object() = std::move(*OwnPage(source, index));
+    if (page.Content() != nullptr)
+        page.Content()->Freeze();
+}
+
 /// Goes over to the written file, whose pages are those of the list. The pages keep their identity.
 void Rebind(TDocumentCore& core, const string& path) {
     TPDFSourcePtr written = OpenSource(path, PasswordForWritten(core));
     if (int(written->Walk.Pages.size()) != core.Pages.Count())
         throw EPDFError(QStringLiteral("\"%1\" doesn't hold the pages that were written.").arg(path));
+    core.Drawing.reset();
     core.Source = std::move(written);
     core.Protection = TProtection::AsOpened;
     for (int i = 0; i < core.Pages.Count(); ++i)
-        core.Pages.getItem(i).Object() = std::move(*OwnPage(core.Source, size_t(i)));
+        TakeOver(core.Pages.getItem(i), core.Source, size_t(i));
     if (core.Outlines)
         core.Outlines->Rebind(core);
 }

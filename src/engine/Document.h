@@ -18,6 +18,8 @@
 struct TDocumentCore;
 class TPDFEmbeddedFiles;
 class TZQPDFEditor;
+class TZQPDFXObjectGroup;
+class TZQPDFXObjectsCache;
 
 /// What holds for any document: its file, protection, information and view settings.
 class TPDFDocument : public TComponent {
@@ -171,8 +173,12 @@ public:
     void RenderToLayers(int page, int dpi);
     /// Records that the zero-based page, and those of the list, were the last used.
     void updatePageMru(int page, const QList<int>& pages);
+    /// The form objects that go on pages as groups.
+    [[nodiscard]] TZQPDFXObjectsCache& XObjects();
 
 private:
+    void WritePending(const NarrowString& range);
+
     friend class TZQPDFEditor; // which attaches itself
     TZQPDFEditor* FEditor = nullptr;
     TPDFObjectsList FObjectsList;

@@ -7,6 +7,8 @@
 #include "engine/Pages.h"
 #include "engine/Security.h"
 #include "engine/Types.h"
+#include "engine/layers/Drawing.h"
+#include "engine/layers/XObjectGroup.h"
 #include "engine/outlines/OutlineTree.h"
 
 #include <QDateTime>
@@ -38,6 +40,9 @@ enum class TProtection : quint8 { AsOpened, Encrypt, Remove };
 
 struct TDocumentCore {
     TPDFSourcePtr Source; ///< null until a new document is first saved
+    /// What the forms on pages of this source share; null until there is one.
+    std::unique_ptr<TDocumentDrawing> Drawing;
+    TZQPDFXObjectsCache XObjects;
     TZQPDFPages Pages;
     TPDFPageTree PageTree{Pages};
     /// Pages came, went or moved: the page tree of the source is out of date.

@@ -2,6 +2,8 @@
 #include "engine/Document.h"
 #include "engine/DocumentCore.h"
 #include "engine/PageRange.h"
+#include "engine/PageTreeWriter.h"
+#include "engine/content/PageContent.h"
 
 #include <algorithm>
 #include <cmath>
@@ -147,6 +149,7 @@ void TZQPDFDocument::RotatePages(const string& range, int angle) {
 
 int TZQPDFDocument::ImportPagesFrom(TZQPDFDocument& source, const NarrowString& range, int index) {
     const int batch = ++Core().LastBatch;
+    source.WritePending(range);
     TItems pages;
     for (const int number : TZQPDFPagesRangeSelector(Widen(range), source.GetPageCount(), 1)) {
         const TPageObject& page = source.Pages().getItem(number - 1).Object();
@@ -159,6 +162,23 @@ int TZQPDFDocument::ImportPagesFrom(TZQPDFDocument& source, const NarrowString& 
     Insert(Core(), size_t(place), std::move(pages));
     Changed();
     return count;
+}
+
+/// What was put on a page goes along when the page is copied, so it must be written by then.
+void TZQPDFDocument::WritePending(const NarrowString& range) {
+    for (const int number : TZQPDFPagesRangeSelector(Widen(range), GetPageCount(), 1)) {
+        if (!HasPendingContent(Pages().getItem(number - 1)))
+            continue;
+        if (!Core().Source)
+            Core().Source = NewSource();
+        ApplyPages(Core());
+        ApplyContent(Core());
+        return;
+    }
+}
+
+TZQPDFXObjectsCache& TZQPDFDocument::XObjects() {
+    return Core().XObjects;
 }
 
 bool TZQPDFDocument::ImportPagesFromDocument(const string& fileName, const string& password,

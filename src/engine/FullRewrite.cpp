@@ -5,6 +5,7 @@
 #include "engine/InfoWriter.h"
 #include "engine/PageTreeWriter.h"
 #include "engine/Writer.h"
+#include "engine/content/PageContent.h"
 
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -45,6 +46,7 @@ public:
         if (!core.Source)
             core.Source = NewSource();
         ApplyPages(core);
+        ApplyContent(core);
         ApplyInfo(core);
         ApplyAttachments(core);
         WriteObjects(core, file);

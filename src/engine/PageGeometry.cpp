@@ -36,6 +36,20 @@ TPageBox TPageGeometry::ToUserSpace(Double left, Double top, Double right, Doubl
     }
 }
 
+std::array<Double, 6> TPageGeometry::FormMatrix() const {
+    const Double s = 1 / UserUnit;
+    switch (Rotation) {
+    case 90:
+        return {0, s, -s, 0, Crop.x1, Crop.y0};
+    case 180:
+        return {-s, 0, 0, -s, Crop.x1, Crop.y1};
+    case 270:
+        return {0, -s, s, 0, Crop.x0, Crop.y1};
+    default:
+        return {s, 0, 0, s, Crop.x0, Crop.y0};
+    }
+}
+
 int NormalRotation(long long angle) {
     if (angle % 90 != 0)
         return 0;

@@ -2,6 +2,7 @@
 
 #include "engine/Errors.h"
 #include "engine/PageObject.h"
+#include "engine/content/PlacedContent.h"
 
 #include <atomic>
 #include <cmath>
@@ -102,6 +103,21 @@ std::unique_ptr<TPageObject> BlankPage(Double width, Double height) {
 
 TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FId(NextId()), FObject(std::move(object)) {}
 TZQPDFPage::~TZQPDFPage() = default;
+
+TPlacedContent& TZQPDFPage::Placed() {
+    if (!FContent)
+        FContent = std::make_unique<TPlacedContent>(*this);
+    return *FContent;
+}
+
+TZQLayerCollection& TZQPDFPage::Layers() {
+    return Placed().Layers;
+}
+
+void TZQPDFPage::updateXObject(TZQPDFDocument& /*document*/, TZQPDFXObjectGroup& group) {
+    Placed().Groups.push_back({&group, Geometry()});
+    Placed().GroupsChanged = true;
+}
 
 Single TZQPDFPage::GetWidth() const {
     return FWidth >= 0 ? FWidth : Single(Geometry().Width());

@@ -6,6 +6,10 @@
 #include <vector>
 
 struct TPageObject;
+struct TPlacedContent;
+class TZQLayerCollection;
+class TZQPDFDocument;
+class TZQPDFXObjectGroup;
 
 /// One page. Lives as long as it stands in its document's list.
 class TZQPDFPage {
@@ -29,15 +33,25 @@ public:
     /// The page's place and rotation, changes made since opening included.
     [[nodiscard]] const TPageGeometry& Geometry() const;
 
+    /// What was put on the page since the document was opened.
+    [[nodiscard]] TZQLayerCollection& Layers();
+    /// Puts a group of the document's cache on the page, where it is drawn as the page lies now.
+    void updateXObject(TZQPDFDocument& document, TZQPDFXObjectGroup& group);
+
     /// What callers recorded as changed: 4 for annotations, 19 for content.
     quint32 ChangedParts = 0;
 
     /// The engine's own view of the page.
     [[nodiscard]] TPageObject& Object() const { return *FObject; }
+    /// Null while nothing was put on the page.
+    [[nodiscard]] TPlacedContent* Content() const { return FContent.get(); }
 
 private:
+    TPlacedContent& Placed();
+
     quint64 FId;
     std::unique_ptr<TPageObject> FObject;
+    std::unique_ptr<TPlacedContent> FContent;
     Single FWidth = -1; // negative: not set
     Single FHeight = -1;
     bool FRendered = false;

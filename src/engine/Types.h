@@ -72,6 +72,17 @@ struct TGPPointF {
     static TGPPointF Create(Single x, Single y) { return {x, y}; }
 };
 
+/// Colours between their two forms.
+struct TGPColor {
+    /// 0x00BBGGRR as 0xAARRGGBB.
+    static constexpr ARGB ColorRefToARGB(TColor color, quint8 alpha) {
+        const quint32 c = color.Value;
+        return quint32(alpha) << 24 | (c & 0xFF) << 16 | (c & 0xFF00) | (c >> 16 & 0xFF);
+    }
+    /// Opaque.
+    static constexpr ARGB FromColorRef(TColor color) { return ColorRefToARGB(color, 255); }
+};
+
 /// A rectangle in layer space.
 struct TGPRectF {
     Single X = 0;

@@ -19,9 +19,7 @@ public:
     TSystemTime LocalTime() override {
         timespec now{};
         ::clock_gettime(CLOCK_REALTIME, &now);
-        ::tzset(); // localtime_r alone would never notice that the zone was changed
-        tm parts{};
-        ::localtime_r(&now.tv_sec, &parts);
+        const tm& parts = LocalParts(now.tv_sec);
         TSystemTime time;
         time.Year = quint16(parts.tm_year + 1900);
         time.Month = quint16(parts.tm_mon + 1);
@@ -35,6 +33,19 @@ public:
     }
 
     void Sleep(int ms) override { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+private:
+    /// The same until the second changes: who asks on a beat of 10 ms shouldn't look up the zone each time.
+    static const tm& LocalParts(time_t second) {
+        thread_local time_t last = -1;
+        thread_local tm parts{};
+        if (second != last) {
+            ::tzset(); // localtime_r alone would never notice that the zone was changed
+            ::localtime_r(&second, &parts);
+            last = second;
+        }
+        return parts;
+    }
 };
 
 } // namespace

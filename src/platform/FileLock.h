@@ -7,8 +7,8 @@
 
 class TFileLock {
 public:
-    /// Nothing if another process, or another lock of this one, holds it. Makes the file, mode 0600, where it
-    /// is missing and leaves it there: removing it could take it from under its next holder. Raises
+    /// Nothing if another process, or another lock of this one, holds it. Makes the file, mode 01600, where
+    /// it is missing and leaves it there: removing it could take it from under its next holder. Raises
     /// EFileError.
     [[nodiscard]] static std::optional<TFileLock> Try(const string& path);
 

@@ -10,7 +10,8 @@
 
 namespace {
 
-constexpr std::array Numbers = {SIGTERM, SIGINT};
+// A session that ends sends its processes SIGTERM and SIGHUP at once; a terminal that goes, SIGHUP alone.
+constexpr std::array Numbers = {SIGTERM, SIGINT, SIGHUP};
 std::atomic<int> WriteEnd = -1;
 std::array<struct sigaction, Numbers.size()> FormerActions;
 
@@ -40,8 +41,12 @@ TTerminationSignals::TTerminationSignals() {
     struct sigaction action {};
     action.sa_handler = HandleSignal;
     action.sa_flags = SA_RESTART;
-    for (size_t i = 0; i < Numbers.size(); ++i)
-        ::sigaction(Numbers[i], &action, &FormerActions[i]);
+    for (size_t i = 0; i < Numbers.size(); ++i) {
+        ::sigaction(Numbers[i], nullptr, &FormerActions[i]);
+        // What was ignored from the start stays so: somebody wants it to, as nohup does.
+        if (FormerActions[i].sa_handler != SIG_IGN)
+            ::sigaction(Numbers[i], &action, nullptr);
+    }
 }
 
 TTerminationSignals::~TTerminationSignals() {

@@ -7,7 +7,7 @@
 /// Programs that this process starts inherit it unless their start resets it.
 void IgnoreDisruptiveSignals();
 
-/// While it lives, SIGTERM and SIGINT no longer end the process. One at a time.
+/// While it lives, SIGTERM, SIGINT and SIGHUP no longer end the process. One at a time.
 class TTerminationSignals {
 public:
     /// Raises Exception when the system has no descriptor left.

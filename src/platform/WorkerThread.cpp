@@ -50,9 +50,18 @@ void TWorkerThread::WaitFor() {
         FThread.join();
 }
 
-void TWorkerThread::WaitForDelivering() {
-    if (FThread.joinable())
-        TMessageQueue::OfThisThread()->DeliverUntil([this] { return Finished(); }, WaitForever);
+void TWorkerThread::WaitForDelivering(const std::function<void()>& meanwhile) {
+    const auto finished = [&] {
+        meanwhile();
+        return Finished();
+    };
+    while (FThread.joinable() && !Finished()) {
+        try {
+            TMessageQueue::OfThisThread()->DeliverUntil(finished, WaitForever);
+        } catch (const std::exception& e) {
+            JournalLine(QStringLiteral("Unhandled exception: %1").arg(MessageOf(e)));
+        }
+    }
     WaitFor();
 }
 

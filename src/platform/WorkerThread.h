@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <thread>
 
@@ -28,8 +29,9 @@ public:
     [[nodiscard]] bool Finished() const { return FFinished.load(std::memory_order_acquire); }
     /// Waits for the end. One thread waits; a second call does nothing.
     void WaitFor();
-    /// The same, while the calling thread's queued calls go on being delivered.
-    void WaitForDelivering();
+    /// The same, while the calling thread's queued calls go on being delivered; `meanwhile` is called after
+    /// each delivery and every 10 ms. What escapes from a call becomes a line in the journal.
+    void WaitForDelivering(const std::function<void()>& meanwhile);
 
 protected:
     explicit TWorkerThread(const char* name, TThreadPriority priority = TThreadPriority::Normal)

@@ -8,17 +8,22 @@
 #include "base/Reflection.h"
 #include "engine/Permissions.h"
 #include "engine/Types.h"
+#include "engine/layers/LayerImage.h"
+#include "engine/layers/LayerText.h"
 #include "engine/outlines/Objects.h"
 #include "scripting/DocumentDescription.h"
 #include "scripting/PageInfo.h"
 
 #include <QPointer>
 
+class TZQLayerCollection;
 class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
     Q_OBJECT
     Q_CLASSINFO("ScriptName", "TPDFDocument")
+    Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
+    Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one
 public:
     /// Owns a new document of one blank page.
     Q_INVOKABLE TJSPDFDocument();
@@ -54,7 +59,13 @@ public:
     /// Only a document that was opened with its owner password and carries no signature.
     Q_INVOKABLE bool Decrypt();
 
-    // Content (ScriptDocumentContent.cpp)
+    // Content (ScriptDocumentContent.cpp), on the current page. What is added stays the page's; the caller
+    // gets a reference. Places are in layer space (engine/layers/Layer.h).
+    /// An empty font name is Arial, a size of exactly 0 is 12 points.
+    Q_INVOKABLE TZQPDFText* AddText(const string& Text, const TFontName& FontName, float FontSize,
+                                    TColor FillColor, float X, float Y);
+    /// Without a file name the image shows nothing, until it loads one.
+    Q_INVOKABLE TZQPDFImage* AddImage(const TFileName& fileName, float X, float Y);
     /// An attachment of the same name is replaced.
     Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
     Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);
@@ -117,6 +128,10 @@ private:
     void SetCurrentPage(int Page);
     void RenderPageSafe(int Page);
     void RenderPage(int Page);
+    [[nodiscard]] TZQLayerCollection& GetCurrentLayers() const;
+    /// Makes the current page's layers present and gives them.
+    TZQLayerCollection& LayersToFill();
+    void MarkPageChanged(quint32 Kind);
     [[nodiscard]] int InsertionIndex(bool insertAfter, TZQPDFPagePosition pagePosition) const;
 
     int FLastError = 0;

@@ -1,6 +1,58 @@
 #include "engine/Document.h"
 #include "engine/EmbeddedFiles.h"
+#include "engine/Pages.h"
 #include "scripting/ScriptDocument.h"
+
+namespace {
+
+// What callers record of a page (engine/Pages.h).
+constexpr quint32 ContentChanged = 19;
+
+/// Opaque, from 0x00BBGGRR.
+ARGB OpaqueOf(TColor color) {
+    return TGPColor::ColorRefToARGB(color, 255);
+}
+
+} // namespace
+
+TZQLayerCollection& TJSPDFDocument::LayersToFill() {
+    RenderPageSafe(-1);
+    return GetCurrentLayers();
+}
+
+TZQLayerCollection& TJSPDFDocument::GetCurrentLayers() const {
+    return Document().Pages().getItem(GetCurrentPage() - 1).Layers();
+}
+
+void TJSPDFDocument::MarkPageChanged(quint32 Kind) {
+    Document().Pages().getItem(GetCurrentPage() - 1).ChangedParts |= Kind;
+    Document().SetModified(true);
+}
+
+TZQPDFText* TJSPDFDocument::AddText(const string& Text, const TFontName& FontName, float FontSize,
+                                    TColor FillColor, float X, float Y) {
+    if (!Document().GetCanModify())
+        return nullptr;
+    auto* text = new TZQPDFText(&LayersToFill());
+    text->SetPosition(TGPPointF::Create(X, Y));
+    text->SetFontName(Narrow(FontName.isEmpty() ? TFontName(QStringLiteral("Arial")) : FontName));
+    text->SetFontSize(FontSize == 0 ? 12 : FontSize);
+    text->SetFillColor(OpaqueOf(FillColor));
+    text->SetText(Text);
+    MarkPageChanged(ContentChanged);
+    return text;
+}
+
+TZQPDFImage* TJSPDFDocument::AddImage(const TFileName& fileName, float X, float Y) {
+    if (!Document().GetCanModify())
+        return nullptr;
+    auto* image = new TZQPDFImage(&LayersToFill());
+    if (!fileName.isEmpty())
+        image->LoadFromFile(fileName);
+    image->SetPosition(TGPPointF::Create(X, Y));
+    MarkPageChanged(ContentChanged);
+    return image;
+}
 
 bool TJSPDFDocument::AddFileAttachment(const TFileName& fileName) {
     TPDFEmbeddedFiles& files = Document().GetEmbeddedFiles();

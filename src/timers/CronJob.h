@@ -9,10 +9,15 @@
 
 class TumCronJob : public TumCustomTimer {
     Q_OBJECT
-    Q_PROPERTY(string CronMask READ CronMask WRITE SetCronMask)
 public:
     using TNotifyEvent = std::function<void(TumCronJob& sender)>;
 
+private:
+    Q_PROPERTY(string CronMask READ CronMask WRITE SetCronMask)
+    Q_PROPERTY(TNotifyEvent OnAlert READ OnAlert WRITE SetOnAlert)
+    Q_PROPERTY(const TumCron* Cron READ Cron)
+
+public:
     explicit TumCronJob(TComponent* owner, TDesigning designing = TDesigning::No,
                         TumTimerManager* manager = nullptr);
     ~TumCronJob() override;
@@ -20,8 +25,9 @@ public:
     /// Empty at first, which matches every second. A new mask resets the alert count; the same one doesn't.
     [[nodiscard]] string CronMask() const { return FCronMask; }
     void SetCronMask(const string& mask);
-    [[nodiscard]] const TumCron& Cron() const { return FCron; }
+    [[nodiscard]] const TumCron* Cron() const { return &FCron; }
     /// Called on the thread that made the job.
+    [[nodiscard]] TNotifyEvent OnAlert() const { return FOnAlert; }
     void SetOnAlert(TNotifyEvent event) { FOnAlert = std::move(event); }
 
     /// The local time of the last match, zero before the first. Any thread.

@@ -47,12 +47,16 @@ void TWatchThread::Run() noexcept {
 }
 
 void TWatchThread::Execute() {
-    for (auto changes = std::move(FFirst); !Terminated(); changes = Open()) {
+    auto changes = std::move(FFirst);
+    while (!Terminated()) {
         if (changes)
             WaitLoop(*changes);
         else // nothing to wait for until there is another folder, or the end
             [[maybe_unused]]
             const bool broken = WaitForSingleObject(FBreakEvent, WaitForever);
+        changes.reset(); // before the next: the system gives a user only so many
+        if (!Terminated())
+            changes = Open();
     }
 }
 

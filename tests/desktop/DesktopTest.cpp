@@ -1,12 +1,18 @@
 #include "desktop/Desktop.h"
 #include "agent/AgentPicture.h"
+#include "agent/AgentProgram.h"
+#include "agent/FoldersAgentForm.h"
+#include "base/Journal.h"
+#include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
 #include "platform/MessagePump.h"
 #include "platform/TrayIcon.h"
+#include "testing/PlayedHost.h"
 #include "testing/Workspace.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
@@ -22,7 +28,7 @@ protected:
     DesktopTest() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         qputenv("DISPLAY", ":0");
-        FDesktop = std::make_unique<TDesktop>(FArgc, FArgv);
+        FDesktop = std::make_unique<TDesktop>();
         FPump = std::make_unique<TMessagePump>();
     }
 
@@ -48,9 +54,6 @@ protected:
                 button->click();
     }
 
-    int FArgc = 1;
-    char FName[5] = "test";
-    char* FArgv[2] = {FName, nullptr};
     std::unique_ptr<TDesktop> FDesktop;
     std::unique_ptr<TMessagePump> FPump;
 };
@@ -149,6 +152,80 @@ TEST_F(DesktopTest, ATrayIconWorksWithoutATrayAreaToo) {
     EXPECT_EQ(QApplication::topLevelWidgets().size(), 0);
 }
 
+/// A desktop, and a configuration that serves one folder.
+class DesktopAgentTest : public DesktopTest {
+protected:
+    DesktopAgentTest() {
+        qputenv("XDG_CONFIG_HOME", FWorkspace.Path("settings").toUtf8());
+        qputenv("XDG_RUNTIME_DIR", FWorkspace.Path().toUtf8());
+        FWorkspace.Write("settings/morvane/settings.ini",
+                         "ConfigurationFolder=" + FWorkspace.Path("c").toUtf8());
+        QDir().mkpath(FWorkspace.Path("in"));
+        FWorkspace.Write("c/watchedfolders.xml",
+                         "<WatchedFolder><Folders><Folder><Name>" + FWorkspace.Path("in").toUtf8() +
+                             "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery></Folder></Folders>"
+                             "</WatchedFolder>");
+    }
+    ~DesktopAgentTest() override {
+        qunsetenv("XDG_CONFIG_HOME");
+        qunsetenv("XDG_RUNTIME_DIR");
+    }
+    const TWorkspace FWorkspace;
+};
+
+TEST_F(DesktopAgentTest, TheSessionsEndEndsTheAgentWhateverWindowIsOpen) {
+    struct TStubborn : QWidget {
+        void closeEvent(QCloseEvent* event) override { event->ignore(); }
+    } window;
+    window.show();
+    const auto instances = CheckSingleInstance();
+    auto held = std::async(std::launch::async, [] { return MessageBoxHost().Show("", "", MB_YESNO); });
+    OnBox([](QMessageBox&) {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    EXPECT_EQ(RunFoldersAgent(*instances), EXIT_SUCCESS);
+    EXPECT_EQ(held.get(), IDNO);
+}
+
+TEST_F(DesktopAgentTest, AnExitInsideTheEventLoopEndsTheRunBeforeWhatItUses) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const auto instances = CheckSingleInstance();
+            QTimer::singleShot(100, qApp, [] {
+                struct TUsed { // made after the agent, as much of what the run's work needs
+                    ~TUsed() { JournalLine(frmFoldersAgent.load()->PipeThread() ? "in use" : "free"); }
+                };
+                static const TUsed used;
+                std::exit(EXIT_FAILURE); // as the library does whose display has died
+            });
+            [[maybe_unused]] const int code = RunFoldersAgent(*instances);
+        },
+        testing::ExitedWithCode(EXIT_FAILURE), "free");
+}
+
+TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
+    // The run's work takes until the desktop has had its turn.
+    struct TLongWork : TFolderFiles {
+        QStringList ReadyFiles(const string&, qint64) override {
+            Begun.set_value();
+            DesktopTurn = Turn.get_future().wait_for(std::chrono::seconds(30));
+            return {};
+        }
+        std::promise<void> Begun, Turn;
+        std::future_status DesktopTurn{};
+    } files;
+    TPlayedClock clock;
+    {
+        const TfrmFoldersAgent form({clock, files});
+        clock.PlayOne();
+        files.Begun.get_future().wait();
+        QTimer::singleShot(0, qApp, [&] { files.Turn.set_value(); });
+    }
+    EXPECT_EQ(files.DesktopTurn, std::future_status::ready);
+}
+
 TEST_F(DesktopTest, NumbersKeepTheirPointWhateverTheLocale) {
     EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
     EXPECT_TRUE(FDesktop->IsThere());
@@ -157,10 +234,7 @@ TEST_F(DesktopTest, NumbersKeepTheirPointWhateverTheLocale) {
 TEST(NoDesktop, WithoutADisplayThereIsNone) {
     qunsetenv("DISPLAY");
     qunsetenv("WAYLAND_DISPLAY");
-    int argc = 1;
-    char name[] = "test";
-    char* argv[] = {name, nullptr};
-    const TDesktop desktop(argc, argv);
+    const TDesktop desktop;
     EXPECT_FALSE(desktop.IsThere());
     EXPECT_EQ(TrayIconHost(), nullptr);
     EXPECT_EQ(qobject_cast<QApplication*>(QCoreApplication::instance()), nullptr);

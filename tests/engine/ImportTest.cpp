@@ -1,15 +1,10 @@
 // Importing and extracting pages.
-#include "engine/Document.h"
-#include "engine/PdfJudges.h"
+#include "engine/DocumentFixture.h"
 
 namespace {
 
-struct TImport : testing::Test {
-    const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
+struct TImport : TDocumentTest {
     const string Other = Files.Path(QStringLiteral("other.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
-    TZQPDFDocument Document{nullptr};
 
     void SetUp() override {
         MakePdf(In, 2);

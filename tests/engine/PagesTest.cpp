@@ -1,24 +1,15 @@
 // Pages: geometry, rotation, cropping, inserting, deleting and what has to go with them.
-#include "engine/Document.h"
-#include "engine/PdfJudges.h"
+#include "engine/DocumentFixture.h"
 
 #include <cmath>
 
 namespace {
 
-struct TPages : testing::Test {
-    const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
-    TZQPDFDocument Document{nullptr};
-
-    void Open(const QByteArray& contents) {
-        Files.Write(QStringLiteral("in.pdf"), contents);
-        Document.OpenFromFile(In, {});
-    }
+struct TPages : TDocumentTest {
+    using TDocumentTest::Open;
     void Open(int pages, const TSampleOptions& options = {}) { Open(SamplePdf(pages, options)); }
     void Save() {
-        Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false);
+        TDocumentTest::Save();
         EXPECT_EQ(QpdfCheck(Out), 0);
     }
     QStringList SavedTexts() {

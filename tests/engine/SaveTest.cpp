@@ -1,25 +1,12 @@
 // Saving: what is kept, what is renewed, where it goes.
-#include "engine/Document.h"
+#include "engine/DocumentFixture.h"
 #include "engine/EmbeddedFiles.h"
-#include "engine/PdfJudges.h"
 
 #include <sys/stat.h>
 
 namespace {
 
-struct TSaveCase : testing::Test {
-    const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
-    TZQPDFDocument Document{nullptr};
-
-    void Open(const QByteArray& contents) {
-        Files.Write(QStringLiteral("in.pdf"), contents);
-        Document.OpenFromFile(In, {});
-    }
-    /// As the run does.
-    void Save() { Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false); }
-};
+using TSaveCase = TDocumentTest;
 
 QByteArray WithMetadata(const QByteArray& metadata, const QByteArray& info = "<< /Title (Old) >>") {
     return PdfOf({"<< /Type /Catalog /Pages 2 0 R /Metadata 4 0 R >>",

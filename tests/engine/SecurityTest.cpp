@@ -1,18 +1,12 @@
 // Protection: permissions, encryption, and what saving does to it.
 #include "base/Reflection.h"
-#include "engine/Document.h"
-#include "engine/PdfJudges.h"
+#include "engine/DocumentFixture.h"
 
 namespace {
 
 using THandler = TPDFPasswordSecurityHandler;
 
-struct TSecurityCase : testing::Test {
-    const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
-    TZQPDFDocument Document{nullptr};
-
+struct TSecurityCase : TDocumentTest {
     /// As the script document encrypts.
     void Encrypt(quint32 cipher, int bits, const NarrowString& owner, const NarrowString& user) {
         auto* handler = new THandler(nullptr);

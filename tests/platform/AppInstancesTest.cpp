@@ -29,6 +29,9 @@ TEST_F(AppInstancesTest, AdmitsAsManyAsTheLimitAndFreesAPlaceWithItsHolder) {
     EXPECT_TRUE(second->CheckInstance(2));
     const auto third = JclAppInstances(Identity);
     EXPECT_FALSE(third->CheckInstance(2));
+    struct stat lock {};
+    ASSERT_EQ(::stat(Path(Identity + ".0.lock").toUtf8().constData(), &lock), 0);
+    EXPECT_EQ(lock.st_mode & 07777, 01600u); // sticky: sweepers of old files leave it
     first.reset();
     EXPECT_TRUE(third->CheckInstance(2));
 }

@@ -53,7 +53,7 @@ TEST(Signals, TerminationReachesTheEventLoopAndIsHandedBack) {
     {
         TTerminationSignals signals;
         EXPECT_FALSE(signals.Take());
-        for (const int number : {SIGTERM, SIGINT, SIGTERM}) {
+        for (const int number : {SIGTERM, SIGINT, SIGHUP, SIGTERM}) {
             int argc = 1;
             char name[] = "test";
             char* argv[] = {name, nullptr};
@@ -77,6 +77,18 @@ TEST(Signals, TerminationReachesTheEventLoopAndIsHandedBack) {
     struct sigaction now {};
     ::sigaction(SIGTERM, nullptr, &now);
     EXPECT_EQ(now.sa_handler, former.sa_handler);
+}
+
+TEST(Signals, WhatWasIgnoredFromTheStartStaysIgnored) {
+    ::signal(SIGHUP, SIG_IGN); // as nohup does
+    {
+        TTerminationSignals signals;
+        ::kill(::getpid(), SIGHUP);
+        EXPECT_FALSE(signals.Take());
+        ::kill(::getpid(), SIGTERM);
+        EXPECT_TRUE(signals.Take());
+    }
+    EXPECT_EQ(::signal(SIGHUP, SIG_DFL), SIG_IGN);
 }
 
 TEST(Signals, BrokenPipesAndFullLimitsAreErrorsOfTheCall) {

@@ -3,7 +3,6 @@
 #include "base/Exceptions.h"
 #include "xml/Xmlserial.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -95,7 +94,7 @@ TEST_F(XmlFile, KeepsModeAndSymbolicLinks) {
     EXPECT_TRUE(S_ISLNK(status.st_mode));
 }
 
-TEST_F(XmlFile, WhatIsNoReadableFileIsRefusedAtOnce) {
+TEST_F(XmlFile, WhatIsNoReadableFileIsRefused) {
     const string fifo = Path("fifo");
     ASSERT_EQ(::mkfifo(fifo.toUtf8().constData(), 0600), 0);
     const string large = Path("large");
@@ -104,8 +103,7 @@ TEST_F(XmlFile, WhatIsNoReadableFileIsRefusedAtOnce) {
     const string bad = Path("bad%2.xml");
     Put(bad, "<Sample>\n  <Text>");
 
-    QElapsedTimer clock;
-    clock.start();
+    // Reading a pipe that nobody writes, or zeros without end, would never come back.
     EXPECT_EQ(Load(FFolder.path()), "Cannot open \"" + FFolder.path() + "\": it is not a file");
     EXPECT_EQ(Load(fifo), "Cannot open \"" + fifo + "\": it is not a file");
     EXPECT_EQ(Load(QStringLiteral("/dev/zero")), "Cannot open \"/dev/zero\": it is not a file");
@@ -113,7 +111,6 @@ TEST_F(XmlFile, WhatIsNoReadableFileIsRefusedAtOnce) {
     EXPECT_EQ(Load(large), "\"" + large + "\" is too large: the limit is 64 MiB");
     EXPECT_THAT(Load(bad).toStdString(),
                 testing::StartsWith("\"" + bad.toStdString() + "\", line 2, column "));
-    EXPECT_LT(clock.elapsed(), 1000);
 }
 
 TEST_F(XmlFile, LargeTextsComeBackAndLargerStreamsAreRefused) {

@@ -9,12 +9,12 @@
 
 #include <cstdlib>
 
-int main(int argc, char** argv) {
+int main() {
     try {
         IgnoreDisruptiveSignals();
         const TTimerManagerUse timers;
         const auto instances = CheckSingleInstance();
-        const TDesktop desktop(argc, argv);
+        const TDesktop desktop;
         return RunFoldersAgent(*instances);
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("Unhandled exception: %1").arg(MessageOf(e)));

@@ -1,0 +1,1 @@
+// Nothing: the target of the precompiled headers needs a source.

@@ -1,0 +1,122 @@
+#include "bates/BatesDictionary.h"
+
+#include "base/Exceptions.h"
+#include "base/Journal.h"
+#include "bates/CommaText.h"
+#include "bates/NumberList.h"
+#include "bates/SchemeDocument.h"
+#include "engine/Texts.h"
+#include "engine/macros/Macros.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace {
+
+/// The scratch scheme: what is saved without a name. It goes with the store.
+constexpr QStringView ScratchName = u"temp-current";
+
+std::unique_ptr<TSchemeDocument> LoadIfThere(const string& fileName) {
+    try {
+        return std::make_unique<TSchemeDocument>(fileName);
+    } catch (const EFileError& e) {
+        if (e.Error() != ENOENT)
+            throw;
+        return std::make_unique<TSchemeDocument>();
+    }
+}
+
+} // namespace
+
+TZQPDFBatesDictionary::TZQPDFBatesDictionary(TComponent* AOwner)
+    : TComponent(AOwner), FXml(std::make_unique<TSchemeDocument>()) {}
+
+TZQPDFBatesDictionary::~TZQPDFBatesDictionary() {
+    try {
+        DeleteScheme(ScratchName.toString());
+    } catch (const std::exception& e) {
+        JournalLine(MessageOf(e));
+    }
+}
+
+void TZQPDFBatesDictionary::Prepare(const string& ASchemeFile) {
+    FSchemeFile = ASchemeFile;
+    FPrepared = false; // a store that was prepared before must not write its schemes over this file
+    FXml = LoadIfThere(ASchemeFile);
+    FPrepared = true;
+}
+
+string TZQPDFBatesDictionary::GetXml() const {
+    return QString::fromUtf8(FXml->Bytes());
+}
+
+QStringList TZQPDFBatesDictionary::Texts() const {
+    return {CurrScheme.HeaderLeft, CurrScheme.HeaderCenter, CurrScheme.HeaderRight,
+            CurrScheme.FooterLeft, CurrScheme.FooterCenter, CurrScheme.FooterRight};
+}
+
+bool TZQPDFBatesDictionary::GetIsValid() const {
+    const QStringList texts = Texts();
+    return std::any_of(texts.begin(), texts.end(), [](const string& text) { return !text.isEmpty(); });
+}
+
+void TZQPDFBatesDictionary::InitCurrScheme() {
+    CurrScheme = {};
+}
+
+void TZQPDFBatesDictionary::FindSchemes(QStringList& Schemes) const {
+    if (!FPrepared)
+        return;
+    for (const string& id : FXml->Ids())
+        if (const string name = TrimBlanks(id); !name.isEmpty() && name != ScratchName)
+            Schemes.append(name);
+}
+
+void TZQPDFBatesDictionary::GetSchemeByName(const string& ASchemeName) {
+    InitCurrScheme();
+    if (!FPrepared)
+        return;
+    const bool none = ASchemeName.isEmpty() || ASchemeName == EngineTexts::StrNone;
+    if (!FXml->Read(none ? ScratchName.toString() : ASchemeName, CurrScheme))
+        return;
+    BatesStrl = FromCommaText(CurrScheme.BatesNumbers);
+    FillBatesStrl();
+}
+
+void TZQPDFBatesDictionary::SaveCurrSchemeToName(const string& ASchemeName) {
+    if (!FPrepared)
+        return;
+    CurrScheme.Name = TrimBlanks(ASchemeName);
+    FXml->Write(CurrScheme);
+    FXml->Save(FSchemeFile);
+}
+
+void TZQPDFBatesDictionary::DeleteScheme(const string& ASchemeName) {
+    if (!FPrepared)
+        return;
+    FXml->Remove(TrimBlanks(ASchemeName));
+    FXml->Save(FSchemeFile);
+}
+
+void TZQPDFBatesDictionary::StrToBates(const string& AText, TBates& ABates) {
+    ABates = BatesNumbers::Parse(AText);
+}
+
+void TZQPDFBatesDictionary::GetBates(const string& AText, bool GetCur, string& Result) {
+    const TBates bates = BatesNumbers::Parse(AText);
+    BatesNumbers::Format(bates, GetCur ? bates.CurNum : bates.Start, Result);
+}
+
+void TZQPDFBatesDictionary::FillBatesStrl() {
+    BatesStrl = NumberList::Build(Texts(), BatesStrl);
+}
+
+void TZQPDFBatesDictionary::SetStartToCurNum() {
+    NumberList::Restart(BatesStrl);
+}
+
+string TZQPDFBatesDictionary::ParseTextTest(const string& AText) const {
+    return PDFformatMacroString(nullptr, QStringLiteral("1"), QStringLiteral("NNN"),
+                                NumberList::Replace(AText, BatesStrl, NumberList::Shown::Start),
+                                QStringLiteral("File Name.pdf"), QDateTime::currentDateTime());
+}

@@ -1,0 +1,69 @@
+#pragma once
+// The store of Bates schemes: one scheme at hand, and, once prepared with a file, the named ones in it.
+//
+// Without a file everything works but what stores and loads. One thread at a time may use a store. Several
+// stores on one file don't see each other's changes; the last to save decides.
+#include "base/Component.h"
+#include "bates/BatesNumbers.h"
+#include "bates/BatesSetting.h"
+
+#include <QStringList>
+
+class TSchemeDocument;
+
+class TZQPDFBatesDictionary : public TComponent {
+    Q_OBJECT
+    Q_PROPERTY(bool IsPrepared READ GetIsPrepared STORED false)
+    Q_PROPERTY(bool IsValid READ GetIsValid STORED false)
+    Q_PROPERTY(string SchemeFile READ GetSchemeFile STORED false)
+    Q_PROPERTY(string Xml READ GetXml STORED false)
+public:
+    Q_INVOKABLE explicit TZQPDFBatesDictionary(TComponent* AOwner = nullptr);
+    /// Of a prepared store: removes the scratch scheme and writes the file once more. Never raises; a failed
+    /// write leaves a line in the journal.
+    ~TZQPDFBatesDictionary() override;
+
+    /// Attaches a scheme file. One that is missing is made by the first save. Raises EFileError or EXmlError
+    /// for a file that can't be read; the store is then not prepared, and the file stays as it is.
+    void Prepare(const string& ASchemeFile);
+    [[nodiscard]] bool GetIsPrepared() const { return FPrepared; }
+    [[nodiscard]] const string& GetSchemeFile() const { return FSchemeFile; }
+    /// The scheme file as it would be written now.
+    [[nodiscard]] string GetXml() const;
+    /// Whether any of the six texts of the scheme at hand isn't empty.
+    [[nodiscard]] bool GetIsValid() const;
+
+    /// Puts the scheme at hand on its defaults; the number list stays.
+    void InitCurrScheme();
+    /// Appends the names in the order of the file, duplicates too, without the scratch scheme.
+    void FindSchemes(QStringList& Schemes) const;
+    /// Loads a scheme and its numbers; the name is looked for as it is. Where there is none, the scheme at
+    /// hand is on its defaults. No name, or that of no scheme, means the scratch scheme.
+    void GetSchemeByName(const string& ASchemeName);
+    /// Stores the scheme at hand under a name, without blanks at its ends, which it then bears. Raises
+    /// EFileError, and the store keeps the change.
+    void SaveCurrSchemeToName(const string& ASchemeName);
+    /// Removes a scheme and writes the file, also if there is no such scheme.
+    void DeleteScheme(const string& ASchemeName);
+
+    /// The parts of a line or macro (bates/BatesNumbers.h).
+    static void StrToBates(const string& AText, TBates& ABates);
+    /// The formatted number of a line: the current one, or the start. Format 4 appends to `Result`.
+    static void GetBates(const string& AText, bool GetCur, string& Result);
+    /// Brings the number list into line with the six texts (NumberList::Build).
+    void FillBatesStrl();
+    void SetStartToCurNum();
+    /// What a stamp text looks like on a first page: numbers at their start, "NNN" pages.
+    [[nodiscard]] string ParseTextTest(const string& AText) const;
+
+    QStringList BatesStrl; ///< lines "macro=current" (bates/NumberList.h)
+    TZQPDFBatesSetting CurrScheme;
+
+private:
+    /// The six texts in the order of the record.
+    [[nodiscard]] QStringList Texts() const;
+
+    std::unique_ptr<TSchemeDocument> FXml;
+    string FSchemeFile;
+    bool FPrepared = false;
+};

@@ -1,0 +1,107 @@
+#include "bates/SchemeFields.h"
+
+#include "base/Exceptions.h"
+#include "bates/CommaText.h"
+#include "xml/Lexical.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+/// The members of the record that stand in elements.
+QList<QMetaProperty> Members() {
+    QList<QMetaProperty> members = Reflection::Members(TZQPDFBatesSetting::staticMetaObject);
+    members.removeFirst(); // the name
+    return members;
+}
+
+QByteArray ElementOf(const QMetaProperty& member) {
+    return QByteArray(member.name()).toLower();
+}
+
+bool IsColor(const QMetaProperty& member) {
+    return member.metaType() == QMetaType::fromType<ARGB>();
+}
+
+string General(double number) {
+    std::array<char, 64> buffer;
+    const char* end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, std::chars_format::general, 15)
+            .ptr;
+    return QString::fromLatin1(buffer.data(), end - buffer.data());
+}
+
+string TextOf(const QMetaProperty& member, const QVariant& value) {
+    if (IsColor(member))
+        return QString::number(value.value<ARGB>().Value);
+    switch (member.metaType().id()) {
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    case QMetaType::Double:
+        return General(value.toDouble());
+    case QMetaType::QString:
+        return TrimBlanks(value.toString());
+    default:
+        return QString::number(value.toInt());
+    }
+}
+
+/// Not valid where the text is no such number.
+QVariant NumberOf(const string& text, const QMetaProperty& member) {
+    try {
+        if (IsColor(member)) // 64 bits, of which the low ones count: -16777216 is 4278190080
+            return QVariant::fromValue(
+                ARGB(quint32(Lexical::Parse(text, QMetaType::fromType<Int64>()).toLongLong())));
+        const QVariant number = Lexical::Parse(text, member.metaType());
+        return std::isfinite(number.toDouble()) ? number : QVariant();
+    } catch (const EConvertError&) {
+        return {};
+    }
+}
+
+QVariant ValueOf(const std::optional<string>& text, const QMetaProperty& member) {
+    switch (member.metaType().id()) {
+    case QMetaType::QString:
+        return text.value_or(string());
+    case QMetaType::Bool:
+        return text == QStringLiteral("1");
+    default:
+        return text ? NumberOf(*text, member) : QVariant();
+    }
+}
+
+} // namespace
+
+namespace SchemeFields {
+
+void Write(const TZQPDFBatesSetting& scheme,
+           const std::function<void(const QByteArray& element, const string& text)>& put) {
+    for (const QMetaProperty& member : Members()) {
+        const string text = TextOf(member, member.readOnGadget(&scheme));
+        CheckXmlText(text, QString::fromLatin1(member.name()));
+        put(ElementOf(member), text);
+    }
+}
+
+void Read(TZQPDFBatesSetting& scheme,
+          const std::function<std::optional<string>(const QByteArray& element)>& get) {
+    for (const QMetaProperty& member : Members())
+        if (const QVariant value = ValueOf(get(ElementOf(member)), member); value.isValid())
+            member.writeOnGadget(&scheme, value);
+}
+
+void CheckXmlText(const string& text, const string& what) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        const bool pair = c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        const bool control = c < u' ' && c != u'\t' && c != u'\n' && c != u'\r';
+        if (control || c >= QChar(0xFFFE) || (c.isSurrogate() && !pair))
+            throw Exception(QStringLiteral("%1 holds a character that a scheme file cannot: U+%2")
+                                .arg(what, QString::asprintf("%04X", unsigned(c.unicode()))));
+        i += pair ? 1 : 0;
+    }
+}
+
+} // namespace SchemeFields

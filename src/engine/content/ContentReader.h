@@ -1,0 +1,22 @@
+#pragma once
+// Reads a page's contents as far as it takes to put something behind them.
+#include "engine/Qpdf.h"
+
+#include <unordered_map>
+
+struct TReadContent {
+    /// The streams of the contents, unchanged except where a restore that restores nothing had to go.
+    std::vector<QPDFObjectHandle> Streams;
+    /// What closes that which they leave open.
+    std::string Closing;
+};
+
+class TContentReader {
+public:
+    /// `contents` is a page's /Contents: a stream, an array of streams or nothing. Content that can't be
+    /// decoded counts as balanced.
+    [[nodiscard]] TReadContent Read(const QPDFObjectHandle& contents);
+
+private:
+    std::unordered_map<quint64, std::string> FKnown; // pages often share a stream
+};

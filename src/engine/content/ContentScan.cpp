@@ -1,0 +1,192 @@
+#include "engine/content/ContentScan.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr size_t Index(char c) {
+    return static_cast<unsigned char>(c);
+}
+
+constexpr std::array<unsigned char, 256> Classes = [] {
+    std::array<unsigned char, 256> classes{}; // 0 regular, 1 white space, 2 delimiter (ISO 32000-1, 7.2.2)
+    for (const char c : {'\0', '\t', '\n', '\f', '\r', ' '})
+        classes[Index(c)] = 1;
+    for (const char c : {'(', ')', '<', '>', '[', ']', '{', '}', '/', '%'})
+        classes[Index(c)] = 2;
+    return classes;
+}();
+
+bool IsSpace(char c) {
+    return Classes[Index(c)] == 1;
+}
+bool IsRegular(char c) {
+    return Classes[Index(c)] == 0;
+}
+
+class TScanner {
+public:
+    explicit TScanner(std::string_view content) : FData(content) {}
+
+    TContentBalance Scan() {
+        while (FPos < FData.size())
+            Next();
+        FResult.Closing = FCutOff;
+        if (FPathOpen)
+            FResult.Closing += "n\n";
+        for (auto open = FOpen.rbegin(); open != FOpen.rend(); ++open)
+            FResult.Closing += *open == 'q' ? "Q\n" : *open == 'B' ? "ET\n" : "EMC\n";
+        return std::move(FResult);
+    }
+
+private:
+    void Next() {
+        const char c = FData[FPos];
+        if (IsRegular(c)) {
+            const size_t start = FPos;
+            while (FPos < FData.size() && IsRegular(FData[FPos]))
+                ++FPos;
+            Operator(FData.substr(start, FPos - start), start);
+        } else if (c == '(') {
+            SkipString();
+        } else if (c == '<' && FPos + 1 < FData.size() && FData[FPos + 1] != '<') {
+            SkipPast('>');
+        } else if (c == '%') {
+            FPos = std::min(FData.find_first_of("\r\n", FPos), FData.size());
+        } else if (c == '/') {
+            ++FPos;
+            while (FPos < FData.size() && IsRegular(FData[FPos]))
+                ++FPos;
+        } else {
+            ++FPos;
+        }
+    }
+
+    void SkipPast(char end) {
+        const size_t found = FData.find(end, FPos);
+        if (found == std::string_view::npos)
+            FCutOff = std::string(1, end) + '\n';
+        FPos = found == std::string_view::npos ? FData.size() : found + 1;
+    }
+
+    void SkipString() {
+        int depth = 0;
+        for (; FPos < FData.size(); ++FPos) {
+            const char c = FData[FPos];
+            if (c == '\\')
+                ++FPos;
+            else if (c == '(')
+                ++depth;
+            else if (c == ')' && --depth == 0)
+                break;
+        }
+        if (FPos >= FData.size())
+            FCutOff = std::string(size_t(depth), ')') + '\n';
+        FPos = std::min(FPos + 1, FData.size());
+    }
+
+    void Operator(std::string_view word, size_t at) {
+        switch (word.size()) {
+        case 1:
+            OneLetter(word[0], at);
+            break;
+        case 2:
+            if (word == "BT")
+                FOpen.push_back('B');
+            else if (word == "ET")
+                Close('B');
+            else if (word == "re")
+                FPathOpen = true;
+            else if (word == "ID")
+                SkipInlineImage();
+            else if (word == "f*" || word == "B*" || word == "b*")
+                FPathOpen = false;
+            break;
+        case 3:
+            if (word == "BDC" || word == "BMC")
+                FOpen.push_back('M');
+            else if (word == "EMC")
+                Close('M');
+            break;
+        default:
+            break;
+        }
+    }
+
+    void OneLetter(char letter, size_t at) {
+        switch (letter) {
+        case 'q':
+            FOpen.push_back('q');
+            break;
+        case 'Q':
+            if (!Close('q'))
+                FResult.ExcessRestores.push_back(at);
+            break;
+        case 'm':
+        case 'l':
+        case 'c':
+        case 'v':
+        case 'y':
+            FPathOpen = true;
+            break;
+        case 'S':
+        case 's':
+        case 'f':
+        case 'F':
+        case 'B':
+        case 'b':
+        case 'n':
+            FPathOpen = false;
+            break;
+        default:
+            break;
+        }
+    }
+
+    bool Close(char kind) {
+        const auto last = std::find(FOpen.rbegin(), FOpen.rend(), kind);
+        if (last == FOpen.rend())
+            return false;
+        FOpen.erase(std::next(last).base());
+        return true;
+    }
+
+    /// To behind the EI that ends the data: between white space, and followed by what looks like content
+    /// and not like data (ISO 32000-1, 8.9.7 gives no length).
+    void SkipInlineImage() {
+        for (size_t at = FPos + 1;; ++at) {
+            at = FData.find("EI", at);
+            if (at == std::string_view::npos) {
+                FPos = FData.size();
+                FCutOff = "EI\n";
+                return;
+            }
+            if (IsSpace(FData[at - 1]) && (at + 2 == FData.size() || IsSpace(FData[at + 2])) &&
+                LooksLikeContent(at + 2)) {
+                FPos = at + 2;
+                return;
+            }
+        }
+    }
+
+    [[nodiscard]] bool LooksLikeContent(size_t from) const {
+        constexpr size_t Looked = 16;
+        const std::string_view ahead = FData.substr(from, Looked);
+        return std::all_of(ahead.begin(), ahead.end(),
+                           [](char c) { return (c >= ' ' && c < '\x7f') || (c != '\0' && IsSpace(c)); });
+    }
+
+    std::string_view FData;
+    size_t FPos = 0;
+    std::string FOpen; // q, B for a text object, M for marked content
+    bool FPathOpen = false;
+    std::string FCutOff; // closes the string or inline image in which damaged content ends
+    TContentBalance FResult;
+};
+
+} // namespace
+
+TContentBalance ScanContent(std::string_view content) {
+    return TScanner(content).Scan();
+}

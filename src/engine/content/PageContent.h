@@ -1,0 +1,10 @@
+#pragma once
+// From the layers and groups of pages to PDF objects: contents, resources and annotations.
+#include "engine/DocumentCore.h"
+
+/// Writes what was put on pages into the source's objects. What was written before from layers that have
+/// changed since is written again. The pages must be objects of the source (ApplyPages).
+void ApplyContent(TDocumentCore& core);
+
+/// Whether anything on the page waits for ApplyContent.
+[[nodiscard]] bool HasPendingContent(const TZQPDFPage& page);

@@ -1,0 +1,28 @@
+#pragma once
+// The fonts that we put into one document: one resource for each face, shared by all its pages.
+#include "engine/Qpdf.h"
+#include "engine/fonts/TextShaper.h"
+
+class TFormContent;
+class TEmbeddedFont;
+
+class TDocumentFonts {
+public:
+    explicit TDocumentFonts(QPDF& pdf);
+    ~TDocumentFonts();
+    Q_DISABLE_COPY(TDocumentFonts)
+
+    /// Appends BT ... ET, which shows the line with its left end and baseline at (x, y), y up, in points.
+    /// Colours and the text rendering mode are the caller's. A line without anything to show appends nothing.
+    void ShowLine(TFormContent& content, const TShapedLine& line, Double size, Double x, Double y);
+
+    /// Writes the glyphs shown so far into the font objects, which are empty until then. Called before each
+    /// save; when more lines were shown since, the same objects are written again.
+    void Fill();
+
+private:
+    [[nodiscard]] TEmbeddedFont& FontOf(const std::shared_ptr<const TFontFace>& face);
+
+    QPDF& FPdf;
+    std::vector<std::unique_ptr<TEmbeddedFont>> FFonts;
+};

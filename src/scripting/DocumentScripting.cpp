@@ -1,0 +1,40 @@
+#include "scripting/DocumentScripting.h"
+
+#include "engine/Permissions.h"
+#include "scripting/GlobalFunctions.h"
+
+namespace {
+
+/// Nothing reads the flags of the second call; it is told apart because they belong to it.
+constexpr TJSExportOptions ContentOptions = 0b1001;
+
+const QList<const QMetaObject*>& DocumentClasses() {
+    static const QList<const QMetaObject*> classes{&TJSPDFDocument::staticMetaObject,
+                                                   &TPDFDocPermissions::staticMetaObject};
+    return classes;
+}
+
+const QList<const QMetaObject*>& ContentClasses() {
+    // A class of something that is put on pages adds its line here.
+    static const QList<const QMetaObject*> classes{};
+    return classes;
+}
+
+} // namespace
+
+QList<const QMetaObject*> ScriptClasses() {
+    return DocumentClasses() + ContentClasses();
+}
+
+TJSDocumentScripting::TJSDocumentScripting(TJSPDFDocument* Document, Cardinal MaxMemory)
+    : TJSEngine(MaxMemory) {
+    registerClasses(DocumentClasses());
+    registerClasses(ContentClasses(), ContentOptions);
+    registerGlobalFunctions(TJSGlobalFunctions::staticMetaObject);
+    if (Document != nullptr)
+        const TJSClass bound(*Document, *this, QStringLiteral("Document"));
+    Declare(0, QStringLiteral("ENC_ALGORITHM_40_RC4"));
+    Declare(1, QStringLiteral("ENC_ALGORITHM_128_RC4"));
+    Declare(2, QStringLiteral("ENC_ALGORITHM_128_AES"));
+    Declare(3, QStringLiteral("ENC_ALGORITHM_256_AES"));
+}

@@ -1,0 +1,18 @@
+#pragma once
+// One document that a test opens, works on and saves.
+#include "engine/Document.h"
+#include "engine/PdfJudges.h"
+
+struct TDocumentTest : testing::Test {
+    const TWorkspace Files;
+    const string In = Files.Path(QStringLiteral("in.pdf"));
+    const string Out = Files.Path(QStringLiteral("out.pdf"));
+    TZQPDFDocument Document{nullptr};
+
+    void Open(const QByteArray& contents) {
+        Files.Write(QStringLiteral("in.pdf"), contents);
+        Document.OpenFromFile(In, {});
+    }
+    /// As the run does.
+    void Save() { Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false); }
+};

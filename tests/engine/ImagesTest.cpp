@@ -1,0 +1,513 @@
+// Image files in many forms, put on pages and judged by what other programs show of them.
+#include "engine/Errors.h"
+#include "engine/PdfJudges.h"
+#include "engine/SampleImages.h"
+#include "engine/content/FormContent.h"
+#include "engine/images/DocumentImages.h"
+#include "engine/images/ImageFile.h"
+
+#include <QBuffer>
+#include <QColor>
+#include <QImage>
+#include <QImageWriter>
+#include <QThread>
+
+#include <qpdf/QPDFWriter.hh>
+
+namespace {
+
+constexpr int White = 0, MinIsBlack = 1, Rgb = 2, Palette = 3, Cmyk = 5, YCbCr = 6,
+              Lab = 8;                                            // TIFF's photometric
+constexpr int Lzw = 5, JpegCode = 7, G3 = 3, G4 = 4, Deflate = 8; // and its compression
+
+const QList<QList<int>> Colors = {{255, 0, 0},     {0, 200, 0},     {0, 0, 255},
+                                  {255, 255, 255}, {128, 128, 128}, {0, 0, 0}};
+const QList<QList<int>> Greys = {{0}, {50}, {100}, {150}, {200}, {255}};
+const QList<QList<int>> Bits = {{1}, {0}, {1}, {1}, {0}, {0}};
+const QList<QList<int>> Indexes = {{0}, {1}, {2}, {3}, {4}, {5}};
+const QList<QList<int>> Labs = {{138, 81, 70}, {0, 0, 0},     {255, 0, 0},
+                                {127, 0, 0},   {75, 68, 144}, {224, 177, 81}};
+const QList<QList<int>> Inks = {{0, 255, 255, 0}, {255, 0, 0, 0}, {0, 0, 0, 255},
+                                {0, 0, 0, 0},     {0, 0, 255, 0}, {0, 255, 0, 0}};
+/// The same with a fourth sample: the second block half clear, the third wholly.
+const QList<QList<int>> Veiled = {{255, 0, 0, 255},     {0, 0, 0, 128},       {0, 0, 255, 0},
+                                  {255, 255, 255, 255}, {128, 128, 128, 255}, {0, 0, 0, 255}};
+
+/// What is seen of each: grey levels, or RGB as 0xRRGGBB.
+const QList<int> SeenColors = {0xFF0000, 0x00C800, 0x0000FF, 0xFFFFFF, 0x808080, 0x000000};
+const QList<int> SeenGreys = {0x000000, 0x323232, 0x646464, 0x969696, 0xC8C8C8, 0xFFFFFF};
+const QList<int> SeenBits = {0xFFFFFF, 0, 0xFFFFFF, 0xFFFFFF, 0, 0};
+const QList<int> SeenVeiled = {0xFF0000, 0x7F7F7F, 0xFFFFFF, 0xFFFFFF, 0x808080, 0x000000};
+const QList<int> SeenKeyed = {0xFFFFFF, 0x00C800, 0x0000FF, 0xFFFFFF, 0x808080, 0x000000};
+
+QByteArray PaletteOf(const QList<QList<int>>& colors) {
+    QByteArray result;
+    for (const QList<int>& color : colors)
+        for (const int part : color)
+            result += char(part);
+    return result;
+}
+
+QList<QList<int>> Deep(QList<QList<int>> blocks) {
+    for (QList<int>& block : blocks)
+        for (int& sample : block)
+            sample *= 257;
+    return blocks;
+}
+
+QList<QList<int>> Inverse(QList<QList<int>> blocks, int most = 255) {
+    for (QList<int>& block : blocks)
+        for (int& sample : block)
+            sample = most - sample;
+    return blocks;
+}
+
+QByteArray Written(const QImage& image, const char* format) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    EXPECT_TRUE(QImageWriter(&buffer, format).write(image)) << format;
+    return bytes;
+}
+
+QImage Shape(const TSampleImage& sample, QImage::Format format) {
+    return QImage(reinterpret_cast<const uchar*>(sample.Rows.constData()), sample.Width, sample.Height,
+                  sample.Rows.size() / sample.Height, format)
+        .copy();
+}
+
+QByteArray Bmp(const TSampleImage& sample, QImage::Format format, const QList<QRgb>& table = {}) {
+    QImage image = Shape(sample, format);
+    image.setColorTable(table);
+    image.setDotsPerMeterX(11811); // 300 dpi
+    image.setDotsPerMeterY(5906);
+    return Written(image, format == QImage::Format_Grayscale8 ? "pgm" : "bmp");
+}
+
+struct TPlaced {
+    std::shared_ptr<const TImageFile> Image;
+    int Width = 24;
+    int Height = 16;
+};
+
+/// Writes a PDF with each image on a page of its own, which it fills.
+void MakePages(const string& path, const QList<TPlaced>& images) {
+    QPDF pdf;
+    pdf.emptyPDF();
+    TDocumentImages drawn(pdf);
+    for (const TPlaced& placed : images) {
+        TFormContent content;
+        drawn.Draw(content, *placed.Image, 0, 0, placed.Width, placed.Height);
+        QPDFObjectHandle page = QPDFObjectHandle::parse("<< /Type /Page >>");
+        page.replaceKey("/MediaBox", QPDFObjectHandle::newArray(
+                                         QPDFObjectHandle::Rectangle(0, 0, placed.Width, placed.Height)));
+        page.replaceKey("/Resources", content.Resources());
+        page.replaceKey("/Contents", QPDFObjectHandle::newStream(&pdf, content.Data()));
+        pdf.addPage(page, false);
+    }
+    QPDFWriter writer(pdf, path.toUtf8().constData());
+    writer.setMinimumPDFVersion("1." + std::to_string(drawn.MinorVersion()));
+    writer.write();
+}
+
+/// Each page's picture, a pixel a point.
+QList<QImage> Shown(const TWorkspace& files, const string& path, const char* program) {
+    const string folder = files.Path(QLatin1String(program));
+    QDir().mkpath(folder);
+    const QStringList arguments =
+        program == QByteArray("mutool")
+            ? QStringList{"draw", "-q", "-A", "0", "-r", "72", "-o", folder + "/%03d.png", path}
+            : QStringList{"-r", "72", "-png", path, folder + "/p"};
+    const TProgramResult run = RunProgram(QLatin1String(program), arguments);
+    EXPECT_EQ(run.Exit, 0) << run.Errors.toStdString();
+    EXPECT_FALSE(run.Errors.contains("rror")) << run.Errors.toStdString(); // "error", "Syntax Error"
+    QList<QImage> pages;
+    for (const QString& name : QDir(folder).entryList(QDir::Files, QDir::Name))
+        pages.append(QImage(folder + u'/' + name));
+    return pages;
+}
+
+/// What `pdfimages -list` says of the images of each page: "rgb 3 8 jpeg", masks as "smask gray 1 8 image".
+QList<QString> Listed(const string& path) {
+    QList<QString> pages;
+    const QByteArray output = RunProgram(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path}).Out;
+    for (const QByteArray& line : output.split('\n').mid(2)) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() < 9)
+            continue;
+        const bool mask = fields[2] != "image";
+        if (!mask)
+            pages.append(QString());
+        pages.back() +=
+            QString::fromUtf8((mask ? " " + fields[2] + ' ' : QByteArray()) + fields.mid(5, 4).join(' '));
+    }
+    return pages;
+}
+
+void ExpectBlocks(const QImage& page, const QList<int>& seen, int tolerance, const std::string& name) {
+    ASSERT_EQ(page.size(), QSize(24, 16)) << name;
+    for (int i = 0; i < 6; ++i) {
+        const QColor is = page.pixelColor(i % 3 * BlockSize + 4, i / 3 * BlockSize + 4);
+        const QColor wanted = QColor(QRgb(seen[i]));
+        const int apart = std::max({std::abs(is.red() - wanted.red()), std::abs(is.green() - wanted.green()),
+                                    std::abs(is.blue() - wanted.blue())});
+        EXPECT_LE(apart, tolerance) << name << ", block " << i << ": " << is.name().toStdString() << " for "
+                                    << wanted.name().toStdString();
+    }
+}
+
+TEST(Images, EveryFormIsSeenAsItWasMade) {
+    const QByteArray palette = PaletteOf(Colors);
+    const QList<int> inks = {0xFF0000, 0x00FFFF, 0x000000, 0xFFFFFF, 0xFFFF00, 0xFF00FF};
+    constexpr int Exact = 1, Lossy = 6, Ink = 120; // each program has its own idea of inks
+    struct {
+        const char* Name;
+        QByteArray File;
+        QList<int> Seen;
+        int Tolerance;
+        const char* Listed;
+    } const cases[] = {
+        {"jpeg", JpegOf(Blocks(8, Colors)), SeenColors, Lossy, "rgb 3 8 jpeg"},
+        {"jpeg grey", JpegOf(Blocks(8, Greys)), SeenGreys, Lossy, "gray 1 8 jpeg"},
+        {"jpeg progressive", JpegOf(Blocks(8, Colors), {.Progressive = true}), SeenColors, Lossy,
+         "rgb 3 8 jpeg"},
+        {"jpeg rgb inside", JpegOf(Blocks(8, Colors), {.PlainRgb = true}), SeenColors, Lossy, "rgb 3 8 jpeg"},
+        {"jpeg arithmetic", JpegOf(Blocks(8, Colors), {.Arithmetic = true}), SeenColors, Lossy,
+         "rgb 3 8 image"},
+        {"jpeg cmyk", JpegOf(Blocks(8, Inverse(Inks))), inks, Ink, "cmyk 4 8 jpeg"},
+        {"jpeg cmyk arithmetic", JpegOf(Blocks(8, Inverse(Inks)), {.Arithmetic = true}), inks, Ink,
+         "cmyk 4 8 image"},
+        {"jpeg with a film behind", JpegOf(Blocks(8, Colors)) + QByteArray(100, 'x'), SeenColors, Lossy,
+         "rgb 3 8 jpeg"},
+        {"png", PngOf(Blocks(8, Colors)), SeenColors, Exact, "rgb 3 8 image"},
+        {"png 16", PngOf(Blocks(16, Deep(Colors))), SeenColors, Exact, "rgb 3 16 image"},
+        {"png grey 1", PngOf(Blocks(1, Bits), {.ColorType = 0}), SeenBits, Exact, "gray 1 1 image"},
+        {"png grey 16 interlaced", PngOf(Blocks(16, Deep(Greys)), {.ColorType = 0, .Interlaced = true}),
+         SeenGreys, Exact, "gray 1 16 image"},
+        {"png palette 4", PngOf(Blocks(4, Indexes), {3, false, palette}), SeenColors, Exact,
+         "index 1 4 image"},
+        {"png palette 8 interlaced", PngOf(Blocks(8, Indexes), {3, true, palette}), SeenColors, Exact,
+         "index 1 8 image"},
+        {"png alpha", PngOf(Blocks(8, Veiled), {.ColorType = 6}), SeenVeiled, Exact,
+         "rgb 3 8 image smask gray 1 8 image"},
+        {"png alpha 16 interlaced", PngOf(Blocks(16, Deep(Veiled)), {.ColorType = 6, .Interlaced = true}),
+         SeenVeiled, Exact, "rgb 3 16 image smask gray 1 16 image"},
+        {"png clear colour", WithChunk(PngOf(Blocks(8, Colors)), "tRNS", QByteArray("\0\xFF\0\0\0\0", 6)),
+         SeenKeyed, Exact, "rgb 3 8 image"},
+        {"png clear index",
+         WithChunk(PngOf(Blocks(4, Indexes), {3, false, palette}), "tRNS", QByteArray("\0", 1)), SeenKeyed,
+         Exact, "index 1 4 image"},
+        {"png clear indexes",
+         WithChunk(PngOf(Blocks(4, Indexes), {3, false, palette}), "tRNS", QByteArray("\0\xFF\xFF\0", 4)),
+         SeenKeyed, Exact, "index 1 4 image smask gray 1 1 image"},
+        {"tiff", TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Compression = Lzw}), SeenColors, Exact,
+         "rgb 3 8 image"},
+        {"tiff strips",
+         TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Compression = Deflate, .RowsPerStrip = 5}),
+         SeenColors, Exact, "rgb 3 8 image"},
+        {"tiff tiles 16", TiffOf(Blocks(16, Deep(Colors)), {.Photometric = Rgb, .Tiled = true}), SeenColors,
+         Exact, "rgb 3 16 image"},
+        {"tiff planes", TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Separate = true}), SeenColors, Exact,
+         "rgb 3 8 image"},
+        {"tiff jpeg", TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Compression = JpegCode}), SeenColors,
+         40, "rgb 3 8 image"},
+        {"tiff photo", TiffOf(Blocks(8, Colors), {.Photometric = YCbCr, .Compression = JpegCode}), SeenColors,
+         40, "rgb 3 8 image"},
+        {"tiff ycbcr",
+         TiffOf(Blocks(8, {{76, 85, 255},
+                           {0, 128, 128},
+                           {255, 128, 128},
+                           {128, 128, 128},
+                           {50, 128, 128},
+                           {100, 128, 128}}),
+                {.Photometric = YCbCr}),
+         {0xFF0000, 0, 0xFFFFFF, 0x808080, 0x323232, 0x646464},
+         3,
+         "rgb 3 8 image"},
+        {"tiff lab",
+         TiffOf(Blocks(8, Labs), {.Photometric = Lab}),
+         {0xFF0000, 0, 0xFFFFFF, 0x777777, 0x0000FF, 0x00FF00},
+         12,
+         "rgb 3 8 image"},
+        {"tiff palette", TiffOf(Blocks(4, Indexes), {.Photometric = Palette, .Palette = palette}), SeenColors,
+         Exact, "index 1 4 image"},
+        {"tiff cmyk", TiffOf(Blocks(8, Inks), {.Photometric = Cmyk}), inks, Ink, "cmyk 4 8 image"},
+        {"tiff white is 0", TiffOf(Blocks(8, Inverse(Greys)), {.Photometric = White}), SeenGreys, Exact,
+         "gray 1 8 image"},
+        {"tiff 1 bit", TiffOf(Blocks(1, Bits), {.Photometric = MinIsBlack}), SeenBits, Exact,
+         "gray 1 1 image"},
+        {"tiff fax", TiffOf(Blocks(1, Inverse(Bits, 1)), {.Photometric = White, .Compression = G4}), SeenBits,
+         Exact, "gray 1 1 ccitt"},
+        {"tiff fax, black is 0", TiffOf(Blocks(1, Bits), {.Photometric = MinIsBlack, .Compression = G4}),
+         SeenBits, Exact, "gray 1 1 ccitt"},
+        {"tiff fax, strips",
+         TiffOf(Blocks(1, Inverse(Bits, 1)), {.Photometric = White, .Compression = G4, .RowsPerStrip = 7}),
+         SeenBits, Exact, "gray 1 1 ccitt"},
+        {"tiff fax 3", TiffOf(Blocks(1, Inverse(Bits, 1)), {.Photometric = White, .Compression = G3}),
+         SeenBits, Exact, "gray 1 1 ccitt"},
+        {"tiff alpha", TiffOf(Blocks(8, Veiled), {.Photometric = Rgb, .ExtraSample = 2}), SeenVeiled, Exact,
+         "rgb 3 8 image smask gray 1 8 image"},
+        {"tiff multiplied", TiffOf(Blocks(8, Veiled), {.Photometric = Rgb, .ExtraSample = 1}), SeenVeiled,
+         Exact, "rgb 3 8 image smask gray 1 8 image"},
+        {"bmp", Bmp(Blocks(8, Colors), QImage::Format_RGB888), SeenColors, Exact, "rgb 3 8 image"},
+        {"bmp palette",
+         Bmp(Blocks(8, Indexes), QImage::Format_Indexed8, QList<QRgb>(SeenColors.begin(), SeenColors.end())),
+         SeenColors, Exact, "index 1 8 image"},
+        {"bmp 1 bit", Bmp(Blocks(1, Bits), QImage::Format_Mono, {0xFF000000, 0xFFFFFFFF}), SeenBits, Exact,
+         "gray 1 1 image"},
+        {"pgm", Bmp(Blocks(8, Greys), QImage::Format_Grayscale8), SeenGreys, Exact, "gray 1 8 image"},
+        {"webp", Written(Shape(Blocks(8, Veiled), QImage::Format_RGBA8888), "webp"), SeenVeiled, Lossy,
+         "rgb 3 8 image smask gray 1 8 image"},
+        {"gif", GifOf(Blocks(8, Indexes), palette), SeenColors, Exact, "rgb 3 8 image"},
+    };
+    const TWorkspace files;
+    QList<TPlaced> images;
+    for (const auto& c : cases)
+        images.append({TImageFile::Load(files.Write(QString::fromUtf8(c.Name), c.File))});
+    const string path = files.Path(QStringLiteral("out.pdf"));
+    MakePages(path, images);
+    EXPECT_EQ(QpdfCheck(path), 0);
+    const QList<QString> listed = Listed(path);
+    for (const char* program : {"mutool", "pdftoppm"}) {
+        const QList<QImage> pages = Shown(files, path, program);
+        ASSERT_EQ(pages.size(), images.size());
+        ASSERT_EQ(listed.size(), images.size());
+        for (qsizetype i = 0; i < pages.size(); ++i) {
+            EXPECT_EQ(listed[i], QString::fromUtf8(cases[i].Listed)) << cases[i].Name;
+            ExpectBlocks(pages[i], cases[i].Seen, cases[i].Tolerance,
+                         program + std::string(", ") + cases[i].Name);
+        }
+    }
+}
+
+TEST(Images, OrientationAndResolutionAreTheFilesOwn) {
+    const TWorkspace files;
+    QList<TPlaced> images;
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        const TSampleImage blocks = Blocks(8, Colors, orientation);
+        const QByteArray exif = ExifOf(orientation, 144);
+        const QByteArray forms[] = {
+            WithSegment(JpegOf(blocks), 0xE1, QByteArray("Exif\0\0", 6) + exif),
+            WithChunk(PngOf(blocks), "eXIf", exif),
+            TiffOf(blocks, {.Photometric = Rgb, .Orientation = orientation, .Dpi = 144}),
+        };
+        for (const QByteArray& form : forms) {
+            images.append({TImageFile::Load(files.Write(QString::number(images.size()), form))});
+            EXPECT_DOUBLE_EQ(images.back().Image->Width(), 12) << images.size();
+            EXPECT_DOUBLE_EQ(images.back().Image->Height(), 8) << images.size();
+        }
+    }
+    const string path = files.Path(QStringLiteral("out.pdf"));
+    MakePages(path, images);
+    const QList<QImage> pages = Shown(files, path, "mutool");
+    ASSERT_EQ(pages.size(), images.size());
+    for (qsizetype i = 0; i < pages.size(); ++i)
+        ExpectBlocks(pages[i], SeenColors, 6, std::to_string(i));
+
+    const QByteArray png = PngOf(Blocks(8, Colors));
+    struct {
+        const char* Name;
+        QByteArray File;
+        Double Width, Height;
+    } const cases[] = {
+        {"none", png, 24, 16},
+        {"png", WithChunk(png, "pHYs", QByteArray("\0\0\x16\x25\0\0\x2C\x4A\1", 9)), 12, 4},
+        {"png nonsense", WithChunk(png, "pHYs", QByteArray("\0\0\0\1\0\0\0\1\1", 9)), 24, 16},
+        {"png aspect", WithChunk(png, "pHYs", QByteArray("\0\0\x16\x25\0\0\x2C\x4A\0", 9)), 24, 16},
+        {"jpeg", JpegOf(Blocks(8, Colors), {.Dpi = 36}), 48, 32},
+        {"bmp", Bmp(Blocks(8, Colors), QImage::Format_RGB888), 24 * 72 / 300.0, 16 * 72 / 150.0},
+        {"gif", GifOf(Blocks(8, Indexes), PaletteOf(Colors)), 24, 16},
+    };
+    for (const auto& c : cases) {
+        const auto image = TImageFile::Load(files.Write(QString::fromUtf8(c.Name), c.File));
+        EXPECT_NEAR(image->Width(), c.Width, 0.01) << c.Name;
+        EXPECT_NEAR(image->Height(), c.Height, 0.01) << c.Name;
+    }
+}
+
+/// The dictionary of a page's only image.
+QPDFObjectHandle ImageOf(QPDFObjectHandle page) {
+    return page.getKey("/Resources").getKey("/XObject").getKey("/X0").getDict();
+}
+
+TEST(Images, ColoursStayWhatTheFileSaysTheyAre) {
+    const TWorkspace files;
+    const QByteArray rgb = ProfileOf("RGB "), grey = ProfileOf("GRAY"), cmyk = ProfileOf("CMYK");
+    const auto parts = [](const QByteArray& profile) { // as two segments
+        const QByteArray name("ICC_PROFILE\0", 12);
+        return QByteArrayList{name + "\2\2" + profile.mid(50), name + "\1\2" + profile.left(50)};
+    };
+    const auto jpeg = [&](const QList<QList<int>>& blocks, const QByteArray& profile) {
+        QByteArray file = JpegOf(Blocks(8, blocks));
+        for (const QByteArray& part : parts(profile))
+            file = WithSegment(file, 0xE2, part);
+        return file;
+    };
+    const auto png = [&](const TSampleImage& image, const TPngForm& form, const QByteArray& profile) {
+        return WithChunk(PngOf(image, form), "iCCP", QByteArray("n\0\0", 3) + qCompress(profile).mid(4));
+    };
+    const auto linear = [](const QByteArray& file) {
+        return WithChunk(file, "gAMA", QByteArray("\0\1\x86\xA0", 4)); // 1.0
+    };
+    const TPngForm greyForm{.ColorType = 0};
+    struct {
+        const char* Name;
+        QByteArray File;
+        const char* Space;
+    } const cases[] = {
+        {"jpeg", jpeg(Colors, rgb), "ICCBased 3"},
+        {"jpeg cmyk", jpeg(Inks, cmyk), "ICCBased 4"},
+        {"jpeg wrong", jpeg(Colors, cmyk), "DeviceRGB"},
+        {"png", png(Blocks(8, Colors), {}, rgb), "ICCBased 3"},
+        {"png grey", png(Blocks(8, Greys), greyForm, grey), "ICCBased 1"},
+        {"png grey wrong", png(Blocks(8, Greys), greyForm, rgb), "DeviceGray"},
+        {"png palette", png(Blocks(8, Indexes), {3, false, PaletteOf(Colors)}, rgb), "Indexed"},
+        {"png newer", png(Blocks(8, Colors), {}, QByteArray(rgb).replace(8, 1, "\5")), "DeviceRGB"},
+        {"png cut", png(Blocks(8, Colors), {}, rgb.left(130)), "DeviceRGB"},
+        {"png linear", linear(PngOf(Blocks(8, Colors))), "CalRGB"},
+        {"png grey linear", linear(PngOf(Blocks(8, Greys), greyForm)), "CalGray"},
+        {"png usual", WithChunk(PngOf(Blocks(8, Colors)), "gAMA", QByteArray("\0\0\xB1\x8F", 4)),
+         "DeviceRGB"},
+        {"tiff", TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Profile = rgb}), "ICCBased 3"},
+    };
+    QList<TPlaced> images;
+    for (const auto& c : cases)
+        images.append({TImageFile::Load(files.Write(QString::fromUtf8(c.Name), c.File))});
+    const string path = files.Path(QStringLiteral("out.pdf"));
+    MakePages(path, images);
+    EXPECT_EQ(QpdfCheck(path), 0);
+    QPDF pdf;
+    pdf.processFile(path.toUtf8().constData());
+    std::set<QPDFObjGen> profiles;
+    std::vector<QPDFObjectHandle> pages = pdf.getAllPages();
+    for (size_t i = 0; i < pages.size(); ++i) {
+        QPDFObjectHandle space =
+            pages[i].getKey("/Resources").getKey("/XObject").getKey("/X0").getDict().getKey("/ColorSpace");
+        std::string name = (space.isArray() ? space.getArrayItem(0) : space).getName().substr(1);
+        if (name == "Indexed")
+            space = space.getArrayItem(1);
+        if (space.isArray() && space.getArrayItem(0).getName() == "/ICCBased") {
+            profiles.insert(space.getArrayItem(1).getObjGen());
+            if (name == "ICCBased")
+                name += ' ' + std::to_string(space.getArrayItem(1).getDict().getKey("/N").getIntValue());
+        }
+        EXPECT_EQ(name, cases[i].Space) << cases[i].Name;
+    }
+    EXPECT_EQ(profiles.size(), 3U); // one of each
+    // Linear samples, with the primaries of sRGB, whose sum is its white.
+    QPDFObjectHandle linearSpace = ImageOf(pages[9]).getKey("/ColorSpace").getArrayItem(1);
+    EXPECT_EQ(linearSpace.getKey("/Gamma").unparse(), "[ 1 1 1 ]");
+    for (int i = 0; i < 3; ++i) {
+        QPDFObjectHandle matrix = linearSpace.getKey("/Matrix");
+        Double sum = 0;
+        for (int of = 0; of < 9; of += 3)
+            sum += matrix.getArrayItem(of + i).getNumericValue();
+        EXPECT_NEAR(sum, (std::array{0.9505, 1.0, 1.0891}[size_t(i)]), 0.001);
+        EXPECT_NEAR(matrix.getArrayItem(i * 3 + 1).getNumericValue(),
+                    (std::array{0.2126, 0.7152, 0.0722}[size_t(i)]), 0.001);
+    }
+}
+
+TEST(Images, AFileIsEmbeddedOnceAndReadOnce) {
+    const TWorkspace files;
+    const string path = files.Write(QStringLiteral("logo.png"), PngOf(Blocks(8, Veiled), {.ColorType = 6}));
+    const string copy = files.Write(QStringLiteral("copy.png"), files.Read(QStringLiteral("logo.png")));
+    QThread::msleep(50); // a file just written may still change without being seen to
+    const auto image = TImageFile::Load(path);
+    EXPECT_EQ(TImageFile::Load(path), image);
+    EXPECT_EQ(TImageFile::Load(copy)->Digest(), image->Digest());
+    const string out = files.Path(QStringLiteral("out.pdf"));
+    MakePages(out, QList<TPlaced>(50, {image}) + QList<TPlaced>{{TImageFile::Load(copy)}});
+    EXPECT_EQ(CountOfType(out, QStringLiteral("/XObject")), 2); // the image and its mask
+    EXPECT_EQ(Shown(files, out, "mutool").size(), 51);
+
+    files.Write(QStringLiteral("logo.png"), PngOf(Blocks(8, Colors)));
+    EXPECT_NE(TImageFile::Load(path)->Digest(), image->Digest());
+    QFile::remove(path);
+    EXPECT_THROW(static_cast<void>(TImageFile::Load(path)), EFileError);
+}
+
+/// The reason for which a file is refused; empty if it isn't.
+string RefusalOf(const TWorkspace& files, const QByteArray& contents) {
+    static int count = 0; // writing over a file waits for the disk
+    const string path = files.Write(QString::number(++count), contents);
+    try {
+        const auto image = TImageFile::Load(path);
+        QPDF pdf;
+        pdf.emptyPDF();
+        TFormContent content;
+        TDocumentImages(pdf).Draw(content, *image, 0, 0, 1, 1);
+    } catch (const EPDFError& e) {
+        const string start = QStringLiteral("Cannot use \"%1\" as an image: ").arg(path);
+        EXPECT_TRUE(e.Message().startsWith(start)) << e.what();
+        return e.Message().mid(start.size());
+    }
+    return {};
+}
+
+TEST(Images, WhatIsNoImageIsRefusedInClearWords) {
+    const TWorkspace files;
+    const QByteArray jpeg = JpegOf(Blocks(8, Colors)), png = PngOf(Blocks(8, Colors));
+    const QByteArray frame("\xFF\xC0", 2), tiff = TiffOf(Blocks(8, Colors), {.Photometric = Rgb});
+    QByteArray broken = png;
+    const QByteArray alpha = PngOf(Blocks(8, Veiled), {.ColorType = 6});
+    broken[png.indexOf("IDAT") + 20] ^= 1;
+    struct {
+        const char* Name;
+        QByteArray File;
+        const char* Reason;
+    } const cases[] = {
+        {"empty", "", "not an image of a known format"},
+        {"text", "Dear Sir or Madam,\n", "not an image of a known format"},
+        {"pdf", SamplePdf(1), "not an image of a known format"},
+        {"svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>",
+         "not an image of a known format"},
+        {"jpeg cut", jpeg.left(jpeg.size() / 2), "damaged: it ends too early"},
+        {"jpeg header", jpeg.left(20), "damaged: it ends too early"},
+        {"jpeg lossless", QByteArray(jpeg).replace(frame, "\xFF\xC3"),
+         "a lossless or hierarchical JPEG file, which PDF knows nothing of"},
+        {"jpeg 12",
+         QByteArray(jpeg).replace(frame + QByteArray("\0\x11\x08", 3), frame + QByteArray("\0\x11\x0C", 3)),
+         "a JPEG file of more than 8 bits a colour, which PDF knows nothing of"},
+        {"jpeg no height", QByteArray(jpeg).replace(QByteArray("\x08\0\x10", 3), QByteArray("\x08\0\0", 3)),
+         "damaged: its size makes no sense"},
+        {"png cut", png.left(png.size() - 12), "damaged: it ends too early"},
+        {"png flipped", broken, "damaged: a checksum is wrong"},
+        {"png empty", png.left(33) + png.right(12), "damaged: it holds no picture"},
+        {"png huge", WithHeader(alpha, QByteArray("\0\1\x86\xA0\0\1\x86\xA0", 8)),
+         "too large: it has more than 200 million pixels or takes more than a gigabyte"},
+        {"tiff cut", tiff.left(tiff.size() - 20), "damaged: its header makes no sense"},
+        {"tiff header", QByteArray("II*\0\x08\0\0\0\0\0", 10), "damaged: its header makes no sense"},
+        {"bmp cut", Bmp(Blocks(8, Colors), QImage::Format_RGB888).left(30),
+         "damaged: its data makes no sense"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(RefusalOf(files, c.File), QString::fromUtf8(c.Reason)) << c.Name;
+    EXPECT_THROW(static_cast<void>(TImageFile::Load(files.Path())), EFileError); // a folder
+}
+
+TEST(Images, DamageNeverDoesHarm) {
+    const TWorkspace files;
+    const QByteArray alpha = PngOf(Blocks(8, Veiled), {.ColorType = 6, .Interlaced = true});
+    const QByteArray samples[] = {
+        JpegOf(Blocks(8, Colors), {.Arithmetic = true}),
+        alpha,
+        WithSegment(JpegOf(Blocks(8, Greys)), 0xE1, QByteArray("Exif\0\0", 6) + ExifOf(6, 300)),
+        TiffOf(Blocks(8, Veiled),
+               {.Photometric = Rgb, .Compression = Lzw, .RowsPerStrip = 3, .ExtraSample = 1}),
+        TiffOf(Blocks(4, Indexes), {.Photometric = Palette, .Palette = PaletteOf(Colors)}),
+        TiffOf(Blocks(8, Colors), {.Photometric = Rgb, .Tiled = true}),
+        GifOf(Blocks(8, Indexes), PaletteOf(Colors)),
+    };
+    int refused = 0;
+    for (const QByteArray& sample : samples) {
+        for (qsizetype at = 0; at < sample.size(); at += 1 + sample.size() / 200) {
+            QByteArray flipped = sample;
+            flipped[at] = char(~flipped[at]);
+            refused += RefusalOf(files, sample.left(at)).isEmpty() ? 0 : 1;
+            refused += RefusalOf(files, flipped).isEmpty() ? 0 : 1;
+        }
+    }
+    EXPECT_GT(refused, 1000);
+}
+
+} // namespace

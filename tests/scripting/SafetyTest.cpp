@@ -1,0 +1,136 @@
+// Safety nets that scripts can't see: whatever one does, the next one runs and the agent can stop.
+#include "actions/JavaScriptAction.h"
+#include "scripting/ScriptFixture.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+/// Resident memory of this process in MiB, or the most it ever was.
+double Memory(const char* figure = "VmRSS:") {
+    QFile status("/proc/self/status");
+    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+    const QByteArray text = status.readAll();
+    const qsizetype at = text.indexOf(figure) + qsizetype(strlen(figure));
+    return text.mid(at, text.indexOf('k', at) - at).trimmed().toDouble() / 1024;
+}
+
+} // namespace
+
+class ScriptSafety : public TScriptTest {};
+
+TEST_F(ScriptSafety, HarmfulScriptsFailAndTheNextOneRuns) {
+    Open(1);
+    for (const char* script : {
+             "throw 1",
+             "throw null",
+             "throw {get message() { throw 2 }, toString() { throw 3 }}",
+             "(function deeper() { deeper() })()",
+             "var o = {}; o.toString = () => String(o); String(o)",
+             "JSON.parse('['.repeat(1e6))",
+             "var all = []; for (;;) all.push({})",
+             "var all = []; for (;;) all.push(new Array(1000).fill(1.5))",
+             "var all = []; for (;;) all.push(new Float64Array(1e5))",
+             "var all = []; for (;;) all.push('x'.repeat(1e6).split('').join(' '))",
+             "var text = 'abc'; for (;;) text += text.toUpperCase()",
+             "var all = []; for (;;) all.push(new TPDFDocument())",
+             "var all = []; for (;;) all.push(Document.ExtractPages('1', '', true))",
+             "var all = new Map(); for (let i = 0;; ++i) all.set(i, i)",
+             "new Uint8Array(2 ** 33)",
+             "var big = new Uint8Array(2e9); big.fill(1)",
+             "var all = []; for (;;) { try { for (;;) all.push(new Uint8Array(1e6)) } catch (e) {} }",
+             "var all = []; async function grow() { for (;;) { await 0; all.push(new Uint8Array(1e5)) } } "
+             "grow()",
+             "var all = []; (function more() { Promise.resolve().then(more); all.push(new "
+             "Array(1e4).fill(0)) })()",
+         }) {
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_FALSE(Run(script)) << script;
+        EXPECT_TRUE(Failure().startsWith("test:")) << Failure().toStdString();
+        EXPECT_LT(timer.elapsed(), 20'000) << script;
+        EXPECT_EQ(Value("Document.GetLastError()"), "0") << script;
+        EXPECT_TRUE(Run("var some = []; for (let i = 0; i < 1e5; ++i) some.push({i}); some = null"))
+            << script;
+    }
+    EXPECT_LT(Memory("VmHWM:"), 1024);
+}
+
+TEST_F(ScriptSafety, GarbageIsNoUse) {
+    Open(1);
+    for (const char* script : {
+             "for (let i = 0; i < 300; ++i) new Uint8Array(1e6).fill(1)",
+             "for (let i = 0; i < 1e6; ++i) ({i})",
+             "for (let i = 0; i < 1500; ++i) new TPDFDocument()",
+             "for (let i = 0; i < 500; ++i) Document.ExtractPages('1', '', true)",
+             "for (let i = 0; i < 200; ++i) 'x'.repeat(1e6).split('')",
+         })
+        EXPECT_TRUE(Run(script)) << script << Failure().toStdString();
+    EXPECT_LT(Memory("VmHWM:"), 1024);
+}
+
+TEST_F(ScriptSafety, GlobalObjectStaysOpen) {
+    for (const char* script :
+         {"Object.freeze(globalThis)", "'use strict'; Object.preventExtensions(globalThis)",
+          "Object.seal(this); var late", "globalThis.__proto__ = null"}) {
+        [[maybe_unused]] const bool ran = Run(script);
+        EXPECT_TRUE(Run("var i = 1; function f() { return i } ShowMessage(f() + typeof Document)")) << script;
+        EXPECT_EQ(FBoxes.Said.takeLast(), "1object") << script;
+    }
+}
+
+TEST_F(ScriptSafety, TenThousandScriptsOnTenThousandDocuments) {
+    MakePdf(FWorkspace.Path("in.pdf"), 2);
+    TPDFActionJavaScript action;
+    action.FJavascript =
+        "var count = (this.count || 0) + 1; leak = new Array(100).fill(count);"
+        "Document.RotatePages('1', 90); new TPDFDocPermissions(); Document.ExtractPages('2', '', "
+        "true); Promise.resolve(count).then(x => { seen = x })";
+    EXPECT_TRUE(Run("count = 0"));
+    double first = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        TZQPDFDocument document(nullptr);
+        document.OpenFromFile(FWorkspace.Path("in.pdf"), {});
+        ASSERT_EQ(action.Execute(document), 0U);
+        if (i == 2000)
+            first = Memory();
+    }
+    EXPECT_EQ(Value("count + seen"), "20000");
+    EXPECT_LT(Memory() - first, 8) << "grew from " << first << " MiB";
+}
+
+TEST_F(ScriptSafety, StopEndsScripts) {
+    for (const char* script : {
+             "for (;;);",
+             "for (;;) { try { for (;;); } catch (e) {} finally { for (;;); } }",
+             "/(a+)+b/.test('a'.repeat(40))",
+             "(async () => { for (;;) await 0 })()",
+             "for (let i = 0; i < 1000; ++i) Promise.resolve().then(() => { for (;;); })",
+             "[3, 1, 2].sort(() => { for (;;); })",
+             "({toString() { for (;;); }}) + ''",
+             "throw {toString() { for (;;); }}",
+             "IncludeResource('endless.js'); for (;;);",
+             "CreateProcess('sleep 30', 0, true)",
+             "for (;;) FindFiles('/usr', '*', false)",
+             "for (let i = 0; ; ++i) new Uint8Array(1e6)",
+         }) {
+        StopSignal().Lower();
+        std::thread stopper([] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(150));
+            StopSignal().Raise();
+        });
+        QElapsedTimer timer;
+        timer.start();
+        [[maybe_unused]] const bool ran = Run(script);
+        EXPECT_LT(timer.elapsed(), 2000) << script;
+        EXPECT_GE(timer.elapsed(), 150) << script;
+        stopper.join();
+        EXPECT_FALSE(Run("1")) << script; // nothing runs while the agent stops
+        StopSignal().Lower();
+        EXPECT_EQ(Value("1 + 1"), "2") << script;
+    }
+}

@@ -1,0 +1,3 @@
+var included = 'grün';
+ShowMessage(new Error().fileName);
+nothing.here;
