@@ -7,6 +7,7 @@
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
 #include "bates/BatesSetting.h"
+#include "engine/Permissions.h"
 #include "engine/Types.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
@@ -17,7 +18,6 @@
 #include <QPointer>
 
 class TZQLayerCollection;
-class TPDFDocPermissions;
 class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {

@@ -169,6 +169,25 @@ TEST_F(RunActions, AttachingTwiceLeavesOneEntry) {
     EXPECT_EQ(RunProgram("qpdf", {"--show-attachment=note.txt", FWorkspace.Path("out.pdf")}).Out, "second");
 }
 
+TEST_F(RunActions, EncryptHoldsItsPermissionsAndNamesWhatItLacks) {
+    Open(1);
+    TPDFActionEncrypt action;
+    TPDFDocPermissions* held = action.Perms();
+    TPDFDocPermissions given;
+    given.FCopy = false;
+    const QMetaProperty perms = Reflection::FindMember(*action.metaObject(), u"perms");
+    perms.write(&action, QVariant::fromValue(&given));
+    EXPECT_EQ(perms.read(&action).value<TPDFDocPermissions*>(), held);
+    EXPECT_FALSE(held->FCopy);
+    try {
+        action.Execute(FDocument);
+        FAIL() << "no exception";
+    } catch (const Exception& e) {
+        EXPECT_EQ(e.Message(), "TPDFAction.Execute invalid propert/parameter name Algo");
+    }
+    EXPECT_FALSE(FDocument.getIsEncrypted());
+}
+
 TEST_F(RunActions, DecryptWantsTheOwner) {
     Open(1, {.UserPassword = "", .OwnerPassword = "owner"});
     TPDFActionDecrypt().Execute(FDocument);
