@@ -34,8 +34,8 @@ TEditorSettings GetEditorSettings() {
     if (result.ConfigurationFolder.size() > 1 && result.ConfigurationFolder.endsWith(u'/'))
         result.ConfigurationFolder.chop(1);
     const string beside = ExtractFilePath(result.ConfigurationFolder);
-    result.RepositoryFilename = TextOf(settings, QStringLiteral("RepositoryFilename"),
-                                       beside + QStringLiteral("repository.xml"));
+    result.RepositoryFilename =
+        TextOf(settings, QStringLiteral("RepositoryFilename"), beside + QStringLiteral("repository.xml"));
     result.WatermarksFolder =
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
     return result;

@@ -56,7 +56,7 @@ private:
     std::unique_ptr<TPageObject> FObject;
     std::unique_ptr<TPlacedContent> FContent;
     std::shared_ptr<TZQPDFPage> FHandle; // null until somebody asks
-    Single FWidth = -1; // negative: not set
+    Single FWidth = -1;                  // negative: not set
     Single FHeight = -1;
     bool FRendered = false;
 };

@@ -100,7 +100,8 @@ const TPDFWatermarkGroup::TForm& TPDFWatermarkGroup::FormIn(TDocumentDrawing& do
     DrawPicture(drawing);
     const Double margin = FImage ? 0 : FText.Style().Size * Overhang;
     FForm = std::make_unique<TForm>();
-    FForm->Object = content.MakeForm(document.Pdf, {-margin, -margin, FWidth + margin, FHeight + margin}, {1, 0, 0, 1, 0, 0});
+    FForm->Object = content.MakeForm(document.Pdf, {-margin, -margin, FWidth + margin, FHeight + margin},
+                                     {1, 0, 0, 1, 0, 0});
     // As a group, the picture is clear as a whole: parts that overlap don't show through one another.
     if (FAlpha < 255)
         FForm->Object.getDict().replaceKey("/Group", "<</Type /Group /S /Transparency>>"_qpdf);
