@@ -45,8 +45,10 @@ ARGB Mean(const std::array<TShape, 6>& shapes, int column, int row, int size) {
     constexpr int Samples = 4;
     std::array<quint32, 4> sums{}; // blue, green, red, points that have a colour
     for (int i = 0; i < Samples * Samples; ++i) {
-        const double x = (column + (i % Samples + 0.5) / Samples) / size;
-        const double y = (row + (i / Samples + 0.5) / Samples) / size;
+        const int across = i % Samples;
+        const int down = i / Samples;
+        const double x = (column + (across + 0.5) / Samples) / size;
+        const double y = (row + (down + 0.5) / Samples) / size;
         const quint32 colour = ColourAt(shapes, x, y);
         if (colour == 0)
             continue;

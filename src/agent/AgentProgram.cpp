@@ -30,7 +30,7 @@ struct TStopAtExit {
 };
 
 /// The end of the session asks the application to quit, which the window system's library refuses as long as
-/// a window does, such as a box without a Cancel button.
+/// a window does, such as an editor with a text to save.
 class TQuitRequests : public QObject {
 public:
     TQuitRequests() { QCoreApplication::instance()->installEventFilter(this); }

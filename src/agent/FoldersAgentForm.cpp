@@ -139,7 +139,7 @@ void TfrmFoldersAgent::RefreshActions() {
 
 void TfrmFoldersAgent::Terminate() {
     FTerminated = true; // before the event loop runs, the next call is lost
-    // Not quit(), which asks the open windows first, and a box without a Cancel button refuses.
+    // Not quit(), which asks the open windows first, and any of them may refuse.
     QCoreApplication::exit();
 }
 

@@ -13,7 +13,7 @@ namespace {
 QPixmap PixmapOf(const TPicture& picture) {
     QImage image(picture.Width, picture.Height, QImage::Format_ARGB32);
     for (int row = 0; row < picture.Height; ++row)
-        std::copy_n(picture.Pixels.begin() + row * picture.Width, picture.Width,
+        std::copy_n(picture.Pixels.begin() + qsizetype(row) * picture.Width, picture.Width,
                     reinterpret_cast<quint32*>(image.scanLine(row)));
     return QPixmap::fromImage(image);
 }

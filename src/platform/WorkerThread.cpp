@@ -55,8 +55,13 @@ void TWorkerThread::WaitForDelivering(const std::function<void()>& meanwhile) {
         meanwhile();
         return Finished();
     };
-    if (FThread.joinable())
-        TMessageQueue::OfThisThread()->DeliverUntil(finished, WaitForever);
+    while (FThread.joinable() && !Finished()) {
+        try {
+            TMessageQueue::OfThisThread()->DeliverUntil(finished, WaitForever);
+        } catch (const std::exception& e) {
+            JournalLine(QStringLiteral("Unhandled exception: %1").arg(MessageOf(e)));
+        }
+    }
     WaitFor();
 }
 

@@ -30,7 +30,7 @@ public:
     /// Waits for the end. One thread waits; a second call does nothing.
     void WaitFor();
     /// The same, while the calling thread's queued calls go on being delivered; `meanwhile` is called after
-    /// each delivery and every 10 ms.
+    /// each delivery and every 10 ms. What escapes from a call becomes a line in the journal.
     void WaitForDelivering(const std::function<void()>& meanwhile);
 
 protected:

@@ -12,6 +12,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCloseEvent>
 #include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
@@ -172,10 +173,14 @@ protected:
     const TWorkspace FWorkspace;
 };
 
-TEST_F(DesktopAgentTest, TheSessionsEndEndsTheAgentWhateverBoxIsOpen) {
+TEST_F(DesktopAgentTest, TheSessionsEndEndsTheAgentWhateverWindowIsOpen) {
+    struct TStubborn : QWidget {
+        void closeEvent(QCloseEvent* event) override { event->ignore(); }
+    } window;
+    window.show();
     const auto instances = CheckSingleInstance();
     auto held = std::async(std::launch::async, [] { return MessageBoxHost().Show("", "", MB_YESNO); });
-    OnBox([](QMessageBox&) { // which has no Cancel button, and so doesn't let itself be closed
+    OnBox([](QMessageBox&) {
         QEvent quit(QEvent::Quit);
         QCoreApplication::sendEvent(qApp, &quit);
     });

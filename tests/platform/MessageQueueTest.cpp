@@ -161,9 +161,12 @@ private:
 };
 
 TEST(WorkerThread, TheOwnerCanDeliverWhileItWaits) {
+    TMessageQueue::OfThisThread()->Post([] { throw std::runtime_error("a handler's fault"); });
     TAskingThread thread(TMessageQueue::OfThisThread());
+    testing::internal::CaptureStderr();
     int calls = 0;
     thread.WaitForDelivering([&] { ++calls; });
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Unhandled exception: a handler's fault\n");
     EXPECT_GT(calls, 0);
     EXPECT_TRUE(thread.Finished());
     EXPECT_FALSE(thread.Terminated());
