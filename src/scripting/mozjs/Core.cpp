@@ -288,7 +288,7 @@ void TMozCore::CleanUp(bool succeeded) {
         FExhausted = false;
         RenewGlobal();
     }
-    if (FClasses->TakeHeavy())
+    if (FClasses->TakeUrgent())
         JS_GC(FContext.get());
     else
         JS_MaybeGC(FContext.get());
