@@ -288,7 +288,7 @@ void TMozCore::CleanUp(bool succeeded) {
         FExhausted = false;
         RenewGlobal();
     }
-    if (FClasses->TakeUrgent())
+    if (FClasses->TakeHeavy())
         JS_GC(FContext.get());
     else
         JS_MaybeGC(FContext.get());
