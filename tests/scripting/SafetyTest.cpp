@@ -110,6 +110,7 @@ TEST_F(ScriptSafety, StopEndsScripts) {
              "/(a+)+b/.test('a'.repeat(40))",
              "(async () => { for (;;) await 0 })()",
              "for (let i = 0; i < 1000; ++i) Promise.resolve().then(() => { for (;;); })",
+             "Promise.resolve().then(() => { for (;;); }); for (;;);",
              "[3, 1, 2].sort(() => { for (;;); })",
              "({toString() { for (;;); }}) + ''",
              "throw {toString() { for (;;); }}",
