@@ -122,7 +122,7 @@ void MakeOverlay(const QString& path, int pages) {
 }
 
 constexpr const char* MutoolScript = R"(
-var doc = Document.openDocument(scriptArgs[0]);
+var doc = new PDFDocument(scriptArgs[0]);
 var font = doc.addSimpleFont(new Font("Helvetica"), "Latin");
 var n = doc.countPages();
 for (var i = 0; i < n; ++i) {

@@ -68,6 +68,16 @@ function(morvane_program name)
     morvane_target(${name})
 endfunction()
 
+# Links an allocator that suits what the agent does: many small objects a document, freed at once, with large
+# streams between them, after each of which glibc's own walks its whole heap. (10,000 pages with a line of text
+# each: 0.59 s against 0.80 s.) Sanitizers bring their own.
+function(morvane_allocator name)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MORVANE_SANITIZE)
+        pkg_check_modules(TCMALLOC REQUIRED IMPORTED_TARGET libtcmalloc_minimal)
+        target_link_libraries(${name} PRIVATE -Wl,--push-state,--no-as-needed PkgConfig::TCMALLOC -Wl,--pop-state)
+    endif()
+endfunction()
+
 # morvane_test(<name> SOURCES <files> DEPENDS <modules>): a GoogleTest program, one CTest case a test.
 function(morvane_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;DEPENDS;PRIVATE" ${ARGN})

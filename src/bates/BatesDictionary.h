@@ -10,6 +10,7 @@
 #include <QStringList>
 
 class TSchemeDocument;
+class TZQPDFDocument;
 
 class TZQPDFBatesDictionary : public TComponent {
     Q_OBJECT
@@ -61,12 +62,19 @@ public:
     /// What a stamp text looks like on a first page: numbers at their start, "NNN" pages.
     [[nodiscard]] string ParseTextTest(const string& AText) const;
 
+    /// Stamps the pages of a range (engine/PageRange.h; empty: all) with the scheme at hand and moves each
+    /// number on once a page. Number macros are expanded as far as the list has them, so call FillBatesStrl
+    /// first where they shall be. A prepared store then saves the scheme under its name. Where something
+    /// raises, pages stamped so far stay so, the file is as it was, and GlobalDocument stays set.
+    void ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro);
+
     QStringList BatesStrl; ///< lines "macro=current" (bates/NumberList.h)
     TZQPDFBatesSetting CurrScheme;
 
 private:
     /// The six texts in the order of the record.
     [[nodiscard]] QStringList Texts() const;
+    void StampPage(TZQPDFDocument& document, int number);
 
     std::unique_ptr<TSchemeDocument> FXml;
     string FSchemeFile;
