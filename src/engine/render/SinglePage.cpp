@@ -1,6 +1,8 @@
 #include "engine/render/SinglePage.h"
 
 #include "engine/ObjectCopier.h"
+#include "engine/PageTreeWriter.h"
+#include "engine/content/PageContent.h"
 #include "engine/render/UprightAnnotations.h"
 
 #include <qpdf/Buffer.hh>
@@ -147,6 +149,20 @@ void LayOut(QPDF& pdf, QPDFObjectHandle page, const TPageGeometry& geometry) {
     page.replaceKey("/Contents", QPDFObjectHandle::newArray(contents));
 }
 
+/// What was put on pages becomes objects of the source, as a save would make it.
+void MakeObjects(TDocumentCore& core) {
+    if (!core.Source)
+        core.Source = NewSource();
+    try {
+        ApplyPages(core);
+        ApplyContent(core);
+    } catch (const Exception&) {
+        throw;
+    } catch (const std::exception& e) {
+        throw Translated(e, QStringLiteral("paint a page of"), core.FileName);
+    }
+}
+
 std::string BytesOf(QPDF& pdf) {
     QPDFWriter writer(pdf);
     writer.setOutputMemory();
@@ -162,6 +178,8 @@ std::string BytesOf(QPDF& pdf) {
 
 std::string SinglePagePdf(TDocumentCore& core, int page) {
     TZQPDFPage& item = core.Pages.getItem(page);
+    if (HasPendingContent(item))
+        MakeObjects(core);
     const TPageObject& object = item.Object();
     const TPDFSourcePtr& source = object.Origin == TPageOrigin::Own ? core.Source : object.Source;
     try {
