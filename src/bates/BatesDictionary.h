@@ -14,7 +14,7 @@ class TZQPDFDocument;
 
 class TZQPDFBatesDictionary : public TComponent {
     Q_OBJECT
-    Q_CLASSINFO("ScriptBytes", "65536") // what the collector of scripts counts for one
+    Q_CLASSINFO("ScriptCollect", "true") // it writes when it goes: not long after the script
     Q_PROPERTY(bool IsPrepared READ GetIsPrepared STORED false)
     Q_PROPERTY(bool IsValid READ GetIsValid STORED false)
     Q_PROPERTY(string SchemeFile READ GetSchemeFile STORED false)

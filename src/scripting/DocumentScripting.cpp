@@ -4,6 +4,7 @@
 #include "engine/Permissions.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
+#include "engine/watermark/WatermarkSettings.h"
 #include "scripting/GlobalFunctions.h"
 
 namespace {
@@ -19,7 +20,8 @@ const QList<const QMetaObject*>& DocumentClasses() {
 
 const QList<const QMetaObject*>& ContentClasses() {
     // A class of something that is put on pages adds its line here.
-    static const QList<const QMetaObject*> classes{&TZQPDFText::staticMetaObject,
+    static const QList<const QMetaObject*> classes{&TPDFWatermarkSettings::staticMetaObject,
+                                                   &TZQPDFText::staticMetaObject,
                                                    &TZQPDFImage::staticMetaObject};
     return classes;
 }

@@ -128,7 +128,10 @@ TEST_F(ScriptEngine, ObjectsKeepIdentityAndDieSafely) {
     }
     EXPECT_FALSE(Run("Lent.Save()"));
     EXPECT_TRUE(Failure().contains("This TPDFDocument is gone")) << Failure().toStdString();
+    EXPECT_EQ(Value("(text = Document.AddText('t', '', 9, 0, 5, 5)) === text && text.X"), "5");
     FDocument.reset(); // under "Document", which stays
+    EXPECT_FALSE(Run("text.X = 7"));
+    EXPECT_TRUE(Failure().contains("This TZQPDFText is gone")) << Failure().toStdString();
     EXPECT_FALSE(Run("Document.RotatePages('', 90)"));
     EXPECT_TRUE(Failure().contains("The document is no longer open.")) << Failure().toStdString();
 }

@@ -5,6 +5,8 @@
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"
 
+#include <numeric>
+
 namespace {
 
 struct TScriptOutlines : testing::Test {
@@ -98,6 +100,23 @@ TEST_F(TScriptOutlines, AnAttachedEditorKeepsInStep) {
     Document.CropPages(QStringLiteral("2"), 100, 0, 0, 0);
     editor.SetCurrentPage(1); // as its user does; the script document follows
     EXPECT_EQ(Document.GetPageInfo().PdfWidth, 50);
+}
+
+TEST_F(TScriptOutlines, ThePictureShowsWhatWaitsToBeSaved) {
+    const auto ink = [&] {
+        Document.SaveGraphicPageToBitmap(Narrow(Files.Path(QStringLiteral("page.bmp"))), 72);
+        const QByteArray pixels = Files.Read(QStringLiteral("page.bmp")).mid(54);
+        return std::accumulate(pixels.begin(), pixels.end(), 0.0,
+                               [](double sum, char c) { return sum + 255 - quint8(c); });
+    };
+    Open(1);
+    const double before = ink();
+    Document.AddText(QStringLiteral("WWWWWWWW"), QStringLiteral("DejaVu Sans"), 40, 0xFF000000, 72, 72);
+    const double after = ink();
+    EXPECT_GT(after, 1.5 * before);
+    Document.SaveAs(Out);
+    EXPECT_NEAR(ink(), after, after / 1000) << "once, not twice";
+    EXPECT_EQ(RunProgram("pdftotext", {Out, "-"}).Out.count("WWWWWWWW"), 1);
 }
 
 TEST_F(TScriptOutlines, ThePictureIsOfTheCurrentPageAndLeavesNoEditor) {

@@ -1,6 +1,9 @@
 #include "engine/render/SinglePage.h"
 
 #include "engine/ObjectCopier.h"
+#include "engine/PageTreeWriter.h"
+#include "engine/content/PageContent.h"
+#include "engine/render/UprightAnnotations.h"
 
 #include <qpdf/Buffer.hh>
 #include <qpdf/QPDFAcroFormDocumentHelper.hh>
@@ -40,6 +43,7 @@ public:
         Take(Entry(from, "/OCProperties"), FPdf.getRoot(), "/OCProperties");
         CopyFormDefaults(Entry(from, "/AcroForm"));
         FCopier.Finish();
+        TurnUpright(target, FPage.Rotation());
         QPDFObjectHandle drawn = Entry(target.getKey("/Resources"), "/XObject");
         if (drawn.isDictionary() && drawn.getKeys().size() > FewXObjects)
             QPDFPageObjectHelper(target).removeUnreferencedResources();
@@ -145,6 +149,20 @@ void LayOut(QPDF& pdf, QPDFObjectHandle page, const TPageGeometry& geometry) {
     page.replaceKey("/Contents", QPDFObjectHandle::newArray(contents));
 }
 
+/// What was put on pages becomes objects of the source, as a save would make it.
+void MakeObjects(TDocumentCore& core) {
+    if (!core.Source)
+        core.Source = NewSource();
+    try {
+        ApplyPages(core);
+        ApplyContent(core);
+    } catch (const Exception&) {
+        throw;
+    } catch (const std::exception& e) {
+        throw Translated(e, QStringLiteral("paint a page of"), core.FileName);
+    }
+}
+
 std::string BytesOf(QPDF& pdf) {
     QPDFWriter writer(pdf);
     writer.setOutputMemory();
@@ -160,6 +178,8 @@ std::string BytesOf(QPDF& pdf) {
 
 std::string SinglePagePdf(TDocumentCore& core, int page) {
     TZQPDFPage& item = core.Pages.getItem(page);
+    if (HasPendingContent(item))
+        MakeObjects(core);
     const TPageObject& object = item.Object();
     const TPDFSourcePtr& source = object.Origin == TPageOrigin::Own ? core.Source : object.Source;
     try {

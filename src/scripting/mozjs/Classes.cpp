@@ -53,8 +53,8 @@ struct TWrapped {
     }
 
     /// What the collector counts for an object that scripts own: it sees nothing of the native side.
-    static constexpr size_t SmallObject = 1024;
     static size_t Weight(const QMetaObject& type) {
+        constexpr size_t SmallObject = 1024;
         const string bytes = Reflection::ClassInfo(type, "ScriptBytes");
         return bytes.isEmpty() ? SmallObject : size_t(bytes.toUInt());
     }
@@ -343,7 +343,8 @@ JSObject* TClassTable::Wrap(QObject& object, TOwnership ownership) {
     JS::SetReservedSlot(wrapper, WrappedSlot, JS::PrivateValue(wrapped.release()));
     [[maybe_unused]] QObject* held = guard.release();
     FWrappers.insert(&object, wrapper);
-    FHeavy = FHeavy || WrappedOf(wrapper)->Bytes > TWrapped::SmallObject;
+    FUrgent = FUrgent || (ownership == TOwnership::OfScript &&
+                          !Reflection::ClassInfo(*object.metaObject(), "ScriptCollect").isEmpty());
     return wrapper;
 }
 

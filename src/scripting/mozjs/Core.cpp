@@ -69,18 +69,14 @@ private:
     JS::PersistentRootedScript FScript;
 };
 
-class TSource {
-public:
-    TSource(JSContext* cx, const string& text, const string& name) : FName(Narrow(name)), Options(cx) {
-        Options.setFileAndLine(FName.constData(), 1).setNoScriptRval(/*nsr=*/true);
+/// A text to compile, which must outlive it.
+struct TSource {
+    TSource(JSContext* cx, const string& text, const string& name) : Name(Narrow(name)), Options(cx) {
+        Options.setFileAndLine(Name.constData(), 1).setNoScriptRval(/*nsr=*/true);
         Must(Text.init(cx, reinterpret_cast<const char16_t*>(text.utf16()), size_t(text.size()),
                        JS::SourceOwnership::Borrowed));
     }
-
-private:
-    QByteArray FName;
-
-public:
+    QByteArray Name;
     JS::CompileOptions Options;
     JS::SourceText<char16_t> Text;
 };
@@ -283,12 +279,13 @@ bool TMozCore::RunJobs() {
 }
 
 void TMozCore::CleanUp(bool succeeded) {
-    if (FExhausted || GlobalIsClosed() || (!succeeded && IsCrowded())) {
+    const bool spoilt = FExhausted || GlobalIsClosed() || (!succeeded && IsCrowded());
+    if (spoilt || Ended())
         DropJobs();
-        FExhausted = false;
+    FExhausted = false;
+    if (spoilt)
         RenewGlobal();
-    }
-    if (FClasses->TakeHeavy())
+    if (FClasses->TakeUrgent())
         JS_GC(FContext.get());
     else
         JS_MaybeGC(FContext.get());
