@@ -2,6 +2,7 @@
 // Actions that add something to the current page's content, or to the document as a whole; the latter hold
 // public fields.
 #include "actions/Action.h"
+#include "actions/DocumentInitialView.h"
 #include "bates/BatesSetting.h"
 #include "scripting/DocumentDescription.h"
 
@@ -33,6 +34,15 @@ public:
     FIELD(TFileName, fileName);
     /// Asks for a file, and forgets it, on purpose: whoever shows the dialog keeps what was chosen.
     bool Config() override;
+};
+
+/// Does nothing, on purpose: no document method has its name, and lists that hold it count with that. A
+/// script reaches SetPageMode and SetPageLayout.
+class TPDFActionDocumentInitialView : public TPDFAction {
+    Q_OBJECT
+public:
+    Q_INVOKABLE TPDFActionDocumentInitialView() {}
+    FIELD(TPDFDocumentInitialView, InitialView);
 };
 
 class TPDFActionAddDocumentDescription : public TPDFAction {

@@ -1,6 +1,5 @@
 // Actions and document methods that put something on pages.
 #include "actions/ContentActions.h"
-#include "actions/ActionClasses.h"
 #include "actions/AnnotationActions.h"
 #include "actions/WatermarkActions.h"
 #include "base/Exceptions.h"
@@ -27,41 +26,6 @@ protected:
     TZQPDFDocument FDocument{nullptr};
     TJSPDFDocument FScript;
 };
-
-TEST_F(ContentActions, MembersStandInTheirOrderWithTheirDefaults) {
-    RegisterActionClasses();
-    const QHash<string, string> expected{
-        {"TPDFActionAddText", "x=0 y=0 Text= FontName=Arial FontSize=12 FillColor=ff000000"},
-        {"TPDFActionAddImage", "x=0 y=0 Filename="},
-        {"TPDFActionAddNoteAnnotation", "x=0 y=0 Color=ff"},
-        {"TPDFActionAddStampAnnotation",
-         "x=0 y=0 Text= Subject= baseColor=416a1c BgGradientStartColor=c7e0c6 "
-         "BgGradientEndColor=f2f7eb"},
-        {"TPDFActionAddFileAttachAnnotation", "x=0 y=0 Filename="},
-        {"TPDFActionAddLinkAnnotation", "x=0 y=0 width=0 height=0 pageNum=0"},
-        {"TPDFActionAddWebLinkAnnotation", "x=0 y=0 width=0 height=0 uri="},
-        {"TPDFActionAddFreeTextAnnotation", "Text= x=0 y=0 width=0 height=0"},
-        {"TPDFActionAddWatermarkDefined", "FileName="},
-        {"TPDFActionAddWatermark", "Watermark="},
-    };
-    for (auto it = expected.begin(); it != expected.end(); ++it) {
-        const QMetaObject* type = Reflection::FindClass(it.key());
-        ASSERT_NE(type, nullptr) << it.key().toStdString();
-        const auto action = TPDFAction::CreateInstance(*type);
-        QStringList members;
-        for (const QMetaProperty& member : Reflection::Members(*type).mid(2)) { // behind Name and Tag
-            const QVariant value = member.read(action.get());
-            const string text =
-                value.metaType() == QMetaType::fromType<TColor>()
-                    ? QString::number(value.value<TColor>().Value, 16)
-                : value.canConvert<TFileName>() && !value.canConvert<string>() ? value.value<TFileName>()
-                : value.metaType() == QMetaType::fromType<TFontName>()         ? value.value<TFontName>()
-                                                                               : value.toString();
-            members.append(QString::fromLatin1(member.name()) + u'=' + text);
-        }
-        EXPECT_EQ(members.join(' '), it.value()) << it.key().toStdString();
-    }
-}
 
 TEST_F(ContentActions, EachAddsWhatItSays) {
     Open({.Title = "The title"});

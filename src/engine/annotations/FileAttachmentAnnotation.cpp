@@ -12,7 +12,7 @@ constexpr TColor ClipBlue = 0x0096602F;
 std::string IconName(NarrowString icon) {
     if (!icon.isEmpty())
         icon[0] = char(QChar::toUpper(uint(quint8(icon[0])) & 0x7F));
-    return "/" + icon.toStdString();
+    return icon.prepend('/').toStdString();
 }
 
 } // namespace
