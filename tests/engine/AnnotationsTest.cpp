@@ -6,6 +6,7 @@
 #include "engine/annotations/LinkAnnotation.h"
 #include "engine/annotations/StampAnnotation.h"
 #include "engine/annotations/TextAnnotation.h"
+#include "engine/editor/Editor.h"
 
 #include <QRegularExpression>
 
@@ -43,6 +44,15 @@ struct Annotations : TDocumentTest {
         box->SetColor(Yellow);
         TZQPDFLinkAnnotation::CreateURI(Document, Layers(), 150, 30, 100, 10,
                                         "https://example.org/a b?\xC3\xBC");
+    }
+
+    /// The first page as we paint it ourselves.
+    QImage Painted() {
+        const string picture = Files.Path("page.png");
+        TZQPDFEditor editor(nullptr);
+        editor.setDocument(&Document);
+        editor.SaveGraphicPageToBitmap(Narrow(picture), RenderDpi);
+        return QImage(picture).convertToFormat(QImage::Format_RGB32);
     }
 
     /// The annotations of a page, by their subtype.
@@ -88,6 +98,8 @@ TEST_F(Annotations, StandUprightWhereTheyWerePutOnEveryPage) {
         EXPECT_EQ(image.pixel(300, 40), 0xFFFFFFFF); // nothing is seen of the link
     }
     EXPECT_LT(ShareOfDifference(poppler, mupdf), 0.01);
+    const QImage painted = Painted();
+    EXPECT_LT(ShareOfDifference(painted, mupdf), 0.01);
 
     for (const int rotation : {90, 180, 270}) {
         OpenTurned(rotation);
@@ -96,6 +108,7 @@ TEST_F(Annotations, StandUprightWhereTheyWerePutOnEveryPage) {
         EXPECT_EQ(QpdfCheck(Out), 0);
         EXPECT_LT(ShareOfDifference(RenderedBy(TRenderer::Poppler, Out), poppler), 0.003) << rotation;
         EXPECT_LT(ShareOfDifference(RenderedBy(TRenderer::MuPdf, Out), mupdf), 0.003) << rotation;
+        EXPECT_LT(ShareOfDifference(Painted(), painted), 0.003) << rotation;
     }
     // A unit of two points: places and sizes stay points.
     OpenTurned(90, " /UserUnit 2");

@@ -1,6 +1,7 @@
 #include "engine/render/SinglePage.h"
 
 #include "engine/ObjectCopier.h"
+#include "engine/render/UprightAnnotations.h"
 #include "engine/PageTreeWriter.h"
 #include "engine/content/PageContent.h"
 
@@ -42,6 +43,7 @@ public:
         Take(Entry(from, "/OCProperties"), FPdf.getRoot(), "/OCProperties");
         CopyFormDefaults(Entry(from, "/AcroForm"));
         FCopier.Finish();
+        TurnUpright(target, FPage.Rotation());
         QPDFObjectHandle drawn = Entry(target.getKey("/Resources"), "/XObject");
         if (drawn.isDictionary() && drawn.getKeys().size() > FewXObjects)
             QPDFPageObjectHelper(target).removeUnreferencedResources();
