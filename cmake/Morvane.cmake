@@ -15,7 +15,7 @@ target_compile_options(morvane_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 # g++ 12 sees overflows in std::string's operator+ that are not there, in optimised builds (GCC bug 105651).
 target_compile_options(morvane_options INTERFACE
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-stringop-overflow>)
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds>)
 # The script library's headers use the words "signals" and "slots" for themselves.
 target_compile_definitions(morvane_options INTERFACE QT_NO_KEYWORDS QT_NO_FOREACH)
 target_link_libraries(morvane_options INTERFACE Qt6::Core Threads::Threads)
@@ -73,6 +73,16 @@ function(morvane_program name)
     morvane_target(${name})
 endfunction()
 
+# Links an allocator that suits what the agent does: many small objects a document, freed at once, with large
+# streams between them, after each of which glibc's own walks its whole heap. (10,000 pages with a line of text
+# each: 0.59 s against 0.80 s.) Sanitizers bring their own.
+function(morvane_allocator name)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT MORVANE_SANITIZE)
+        pkg_check_modules(TCMALLOC REQUIRED IMPORTED_TARGET libtcmalloc_minimal)
+        target_link_libraries(${name} PRIVATE -Wl,--push-state,--no-as-needed PkgConfig::TCMALLOC -Wl,--pop-state)
+    endif()
+endfunction()
+
 # morvane_test(<name> SOURCES <files> DEPENDS <modules>): a GoogleTest program, one CTest case a test.
 function(morvane_test name)
     cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;DEPENDS;PRIVATE" ${ARGN})
@@ -81,8 +91,6 @@ function(morvane_test name)
     endif()
     morvane_program(test_${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS}
         PRIVATE ${ARG_PRIVATE} GTest::gmock_main morvane_testing)
-    # The same fault as above, in what tests put together out of texts.
-    target_compile_options(test_${name} PRIVATE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-array-bounds>)
     gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()

@@ -1,33 +1,10 @@
 #include "actions/ActionClasses.h"
 
-#include "actions/ContentActions.h"
-#include "actions/JavaScriptAction.h"
-#include "actions/NavigationActions.h"
-#include "actions/PageActions.h"
-#include "actions/SecurityActions.h"
+#include "actions/ActionRegistry.h"
 #include "actions/UnknownAction.h"
 
 void RegisterActionClasses() {
-    // A new action adds its line here.
-    for (const QMetaObject* type : {
-             &TPDFActionEncrypt::staticMetaObject,
-             &TPDFActionDecrypt::staticMetaObject,
-             &TPDFActionAddFileAttachment::staticMetaObject,
-             &TPDFActionImportPages::staticMetaObject,
-             &TPDFActionRotatePages::staticMetaObject,
-             &TPDFActionInsertPages::staticMetaObject,
-             &TPDFActionDeletePages::staticMetaObject,
-             &TPDFActionDeletePagesEx::staticMetaObject,
-             &TPDFActionExtractPages::staticMetaObject,
-             &TPDFActionCropPages::staticMetaObject,
-             &TPDFActionGotoPage::staticMetaObject,
-             &TPDFActionGotoNextPage::staticMetaObject,
-             &TPDFActionGotoPreviousPage::staticMetaObject,
-             &TPDFActionGotoFirstPage::staticMetaObject,
-             &TPDFActionGotoLastPage::staticMetaObject,
-             &TPDFActionAddDocumentDescription::staticMetaObject,
-             &TPDFActionJavaScript::staticMetaObject,
-             &TPDFUnknownAction::staticMetaObject,
-         })
-        Reflection::RegisterClass(*type);
+    for (const TPDFActionManager::TRegisteredAction& row : RegisteredActions())
+        Reflection::RegisterClass(*row.cl);
+    Reflection::RegisterClass(TPDFUnknownAction::staticMetaObject);
 }

@@ -1,5 +1,6 @@
 #include "actions/ActionManager.h"
 
+#include "actions/ActionRegistry.h"
 #include "actions/ConfigurationFiles.h"
 #include "base/Paths.h"
 #include "base/UniqueName.h"
@@ -57,6 +58,7 @@ TPDFActionManager& GetActionManager() {
     static TPDFActionManager& manager = []() -> TPDFActionManager& {
         auto* made = new TPDFActionManager; // lives to the end of the process
         made->Load(QString());
+        CollectActionCategories();
         return *made;
     }();
     return manager;

@@ -10,6 +10,15 @@ class TPDFActionManager : public QObject {
     Q_PROPERTY(TPDFActionLists* ManagerActions READ ManagerActions CONSTANT)
     Q_PROPERTY(int Count READ Count STORED false)
 public:
+    /// One row of the catalogue (actions/ActionRegistry.h).
+    struct TRegisteredAction {
+        explicit TRegisteredAction(const QMetaObject& type) : cl(&type) {}
+        const QMetaObject* cl;
+        string title;            ///< for people
+        string category;         ///< for people
+        Integer imageIndex = -1; ///< in a host's list of images; -1 for none
+    };
+
     [[nodiscard]] TPDFActionLists* ManagerActions() { return &FActions; }
     [[nodiscard]] int Count() const { return FActions.Count(); }
     [[nodiscard]] TPDFActionList& operator[](int index) const { return *FActions[index]; }
@@ -37,6 +46,6 @@ private:
     TPDFActionLists FActions;
 };
 
-/// The shared manager, loaded from the default path at its first use and never again. The run has a manager
-/// of its own.
+/// The shared manager, loaded from the default path at its first use and never again. That first use also
+/// collects the categories of the catalogue. The run has a manager of its own.
 [[nodiscard]] TPDFActionManager& GetActionManager();

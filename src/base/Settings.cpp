@@ -1,5 +1,7 @@
 #include "base/Settings.h"
 
+#include "base/Paths.h"
+
 #include <QDir>
 #include <QSettings>
 #include <QStringList>
@@ -31,5 +33,10 @@ TEditorSettings GetEditorSettings() {
                                         QStringLiteral("%HOME%/.config/morvane/watched-folders"));
     if (result.ConfigurationFolder.size() > 1 && result.ConfigurationFolder.endsWith(u'/'))
         result.ConfigurationFolder.chop(1);
+    const string beside = ExtractFilePath(result.ConfigurationFolder);
+    result.RepositoryFilename =
+        TextOf(settings, QStringLiteral("RepositoryFilename"), beside + QStringLiteral("repository.xml"));
+    result.WatermarksFolder =
+        TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
     return result;
 }

@@ -7,6 +7,10 @@ struct TEditorSettings {
     /// The folder of the two configuration files, without a delimiter at its end; may hold %NAME%
     /// references, which are expanded by its users.
     string ConfigurationFolder;
+    /// The file of the defined stamps, and the folder of the defined watermarks: both likewise. Not set, they
+    /// are `repository.xml` and `watermarks` beside the configuration folder.
+    string RepositoryFilename;
+    string WatermarksFolder;
 };
 
 /// The path of that file, whether it is there or not.

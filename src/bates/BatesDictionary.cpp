@@ -64,6 +64,12 @@ void TZQPDFBatesDictionary::InitCurrScheme() {
     CurrScheme = {};
 }
 
+QStringList TZQPDFBatesDictionary::GetSchemes() const {
+    QStringList names;
+    FindSchemes(names);
+    return names;
+}
+
 void TZQPDFBatesDictionary::FindSchemes(QStringList& Schemes) const {
     if (!FPrepared)
         return;

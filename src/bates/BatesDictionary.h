@@ -10,13 +10,17 @@
 #include <QStringList>
 
 class TSchemeDocument;
+class TZQPDFDocument;
 
 class TZQPDFBatesDictionary : public TComponent {
     Q_OBJECT
+    Q_CLASSINFO("ScriptCollect", "true") // it writes when it goes: not long after the script
     Q_PROPERTY(bool IsPrepared READ GetIsPrepared STORED false)
     Q_PROPERTY(bool IsValid READ GetIsValid STORED false)
     Q_PROPERTY(string SchemeFile READ GetSchemeFile STORED false)
     Q_PROPERTY(string Xml READ GetXml STORED false)
+    Q_PROPERTY(QStringList Schemes READ GetSchemes STORED false)
+    Q_PROPERTY(TZQPDFBatesSetting CurrScheme MEMBER CurrScheme STORED false)
 public:
     Q_INVOKABLE explicit TZQPDFBatesDictionary(TComponent* AOwner = nullptr);
     /// Of a prepared store: removes the scratch scheme and writes the file once more. Never raises; a failed
@@ -25,7 +29,7 @@ public:
 
     /// Attaches a scheme file. One that is missing is made by the first save. Raises EFileError or EXmlError
     /// for a file that can't be read; the store is then not prepared, and the file stays as it is.
-    void Prepare(const string& ASchemeFile);
+    Q_INVOKABLE void Prepare(const string& ASchemeFile);
     [[nodiscard]] bool GetIsPrepared() const { return FPrepared; }
     [[nodiscard]] const string& GetSchemeFile() const { return FSchemeFile; }
     /// The scheme file as it would be written now.
@@ -34,17 +38,19 @@ public:
     [[nodiscard]] bool GetIsValid() const;
 
     /// Puts the scheme at hand on its defaults; the number list stays.
-    void InitCurrScheme();
+    Q_INVOKABLE void InitCurrScheme();
     /// Appends the names in the order of the file, duplicates too, without the scratch scheme.
     void FindSchemes(QStringList& Schemes) const;
+    /// The same names as a list.
+    [[nodiscard]] QStringList GetSchemes() const;
     /// Loads a scheme and its numbers; the name is looked for as it is. Where there is none, the scheme at
     /// hand is on its defaults. No name, or that of no scheme, means the scratch scheme.
-    void GetSchemeByName(const string& ASchemeName);
+    Q_INVOKABLE void GetSchemeByName(const string& ASchemeName);
     /// Stores the scheme at hand under a name, without blanks at its ends, which it then bears. Raises
     /// EFileError, and the store keeps the change.
-    void SaveCurrSchemeToName(const string& ASchemeName);
+    Q_INVOKABLE void SaveCurrSchemeToName(const string& ASchemeName);
     /// Removes a scheme and writes the file, also if there is no such scheme.
-    void DeleteScheme(const string& ASchemeName);
+    Q_INVOKABLE void DeleteScheme(const string& ASchemeName);
 
     /// The parts of a line or macro (bates/BatesNumbers.h).
     static void StrToBates(const string& AText, TBates& ABates);
@@ -56,12 +62,19 @@ public:
     /// What a stamp text looks like on a first page: numbers at their start, "NNN" pages.
     [[nodiscard]] string ParseTextTest(const string& AText) const;
 
+    /// Stamps the pages of a range (engine/PageRange.h; empty: all) with the scheme at hand and moves each
+    /// number on once a page. Number macros are expanded as far as the list has them, so call FillBatesStrl
+    /// first where they shall be. A prepared store then saves the scheme under its name. Where something
+    /// raises, pages stamped so far stay so, the file is as it was, and GlobalDocument stays set.
+    void ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro);
+
     QStringList BatesStrl; ///< lines "macro=current" (bates/NumberList.h)
     TZQPDFBatesSetting CurrScheme;
 
 private:
     /// The six texts in the order of the record.
     [[nodiscard]] QStringList Texts() const;
+    void StampPage(TZQPDFDocument& document, int number);
 
     std::unique_ptr<TSchemeDocument> FXml;
     string FSchemeFile;

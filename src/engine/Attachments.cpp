@@ -51,7 +51,9 @@ void Remove(QPDF& pdf, QPDFEmbeddedFileDocumentHelper& files, const string& name
             files.removeEmbeddedFile(key);
 }
 
-void Embed(QPDF& pdf, QPDFEmbeddedFileDocumentHelper& files, const TAttachmentChange& change) {
+} // namespace
+
+QPDFObjectHandle NewFileSpec(QPDF& pdf, const TAttachmentChange& change) {
     QPDFObjectHandle data = pdf.newStream();
     data.replaceStreamData(*change.Contents, QPDFObjectHandle::newName("/FlateDecode"),
                            QPDFObjectHandle::newNull());
@@ -66,10 +68,8 @@ void Embed(QPDF& pdf, QPDFEmbeddedFileDocumentHelper& files, const TAttachmentCh
     auto spec = QPDFFileSpecObjectHelper::createFileSpec(pdf, change.Name.toStdString(), stream);
     if (!change.Description.isEmpty())
         spec.setDescription(change.Description.toStdString());
-    files.replaceEmbeddedFile(change.Name.toStdString(), spec);
+    return spec.getObjectHandle();
 }
-
-} // namespace
 
 void ApplyAttachments(TDocumentCore& core) {
     if (core.Changes.Attachments.empty())
@@ -79,7 +79,7 @@ void ApplyAttachments(TDocumentCore& core) {
     for (const TAttachmentChange& change : core.Changes.Attachments) {
         Remove(pdf, files, change.Name);
         if (change.Contents)
-            Embed(pdf, files, change);
+            files.replaceEmbeddedFile(change.Name.toStdString(), NewFileSpec(pdf, change));
     }
     core.Changes.Attachments.clear();
 }

@@ -173,6 +173,9 @@ public:
     void RenderToLayers(int page, int dpi);
     /// Records that the zero-based page, and those of the list, were the last used.
     void updatePageMru(int page, const QList<int>& pages);
+    /// Puts a group, which must live as long as the document, on each page of its range. Raises EPDFError
+    /// for a text that is no range.
+    void updateWatermark(TZQPDFXObjectGroup& group);
     /// The form objects that go on pages as groups.
     [[nodiscard]] TZQPDFXObjectsCache& XObjects();
 

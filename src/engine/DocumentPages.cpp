@@ -177,6 +177,12 @@ void TZQPDFDocument::WritePending(const NarrowString& range) {
     }
 }
 
+void TZQPDFDocument::updateWatermark(TZQPDFXObjectGroup& group) {
+    for (const int number : PagesOf(group.PageRange(), GetPageCount()))
+        Pages().getItem(number - 1).updateXObject(*this, group);
+    Changed();
+}
+
 TZQPDFXObjectsCache& TZQPDFDocument::XObjects() {
     return Core().XObjects;
 }

@@ -60,6 +60,8 @@ private:
         writer.setCompressStreams(false);
         writer.setDecodeLevel(qpdf_dl_none);
         writer.setObjectStreamMode(qpdf_o_preserve);
+        if (core.Drawing)
+            writer.setMinimumPDFVersion("1." + std::to_string(core.Drawing->MinorVersion()));
         if (core.Protection == TProtection::Encrypt)
             SetEncryption(writer, core);
         else if (core.Protection == TProtection::Remove)

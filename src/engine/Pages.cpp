@@ -119,6 +119,12 @@ void TZQPDFPage::updateXObject(TZQPDFDocument& /*document*/, TZQPDFXObjectGroup&
     Placed().GroupsChanged = true;
 }
 
+std::weak_ptr<TZQPDFPage> TZQPDFPage::Handle() {
+    if (!FHandle)
+        FHandle = std::shared_ptr<TZQPDFPage>(this, [](TZQPDFPage*) {});
+    return FHandle;
+}
+
 Single TZQPDFPage::GetWidth() const {
     return FWidth >= 0 ? FWidth : Single(Geometry().Width());
 }

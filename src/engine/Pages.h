@@ -38,6 +38,9 @@ public:
     /// Puts a group of the document's cache on the page, where it is drawn as the page lies now.
     void updateXObject(TZQPDFDocument& document, TZQPDFXObjectGroup& group);
 
+    /// For what refers to a page that may be deleted meanwhile: expires with the page, owns nothing.
+    [[nodiscard]] std::weak_ptr<TZQPDFPage> Handle();
+
     /// What callers recorded as changed: 4 for annotations, 19 for content.
     quint32 ChangedParts = 0;
 
@@ -52,7 +55,8 @@ private:
     quint64 FId;
     std::unique_ptr<TPageObject> FObject;
     std::unique_ptr<TPlacedContent> FContent;
-    Single FWidth = -1; // negative: not set
+    std::shared_ptr<TZQPDFPage> FHandle; // null until somebody asks
+    Single FWidth = -1;                  // negative: not set
     Single FHeight = -1;
     bool FRendered = false;
 };

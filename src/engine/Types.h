@@ -43,10 +43,18 @@ public:
 
     enum class TPDFSecurityHandlerType : quint8 { shNone, shPassword, shPublicKey };
     Q_ENUM(TPDFSecurityHandlerType)
+
+    /// Where something stands between the sides of a page as displayed.
+    enum class TPDFHorizontalPosition : quint8 { hpLeft, hpCenter, hpRight };
+    Q_ENUM(TPDFHorizontalPosition)
+    enum class TPDFVerticalPosition : quint8 { vpTop, vpCenter, vpBottom };
+    Q_ENUM(TPDFVerticalPosition)
 };
 
 using TPDFPageMode = TPDFTypes::TPDFPageMode;
 using TPDFPageLayout = TPDFTypes::TPDFPageLayout;
+using TPDFHorizontalPosition = TPDFTypes::TPDFHorizontalPosition;
+using TPDFVerticalPosition = TPDFTypes::TPDFVerticalPosition;
 using TZQPDFPagePosition = TPDFTypes::TZQPDFPagePosition;
 using TPDFLinkDestKind = TPDFTypes::TPDFLinkDestKind;
 using TIsPasswordOkOption = TPDFTypes::TIsPasswordOkOption;

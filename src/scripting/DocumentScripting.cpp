@@ -1,6 +1,10 @@
 #include "scripting/DocumentScripting.h"
 
+#include "bates/BatesDictionary.h"
 #include "engine/Permissions.h"
+#include "engine/layers/LayerImage.h"
+#include "engine/layers/LayerText.h"
+#include "engine/watermark/WatermarkSettings.h"
 #include "scripting/GlobalFunctions.h"
 
 namespace {
@@ -16,20 +20,29 @@ const QList<const QMetaObject*>& DocumentClasses() {
 
 const QList<const QMetaObject*>& ContentClasses() {
     // A class of something that is put on pages adds its line here.
-    static const QList<const QMetaObject*> classes{};
+    static const QList<const QMetaObject*> classes{&TPDFWatermarkSettings::staticMetaObject,
+                                                   &TZQPDFText::staticMetaObject,
+                                                   &TZQPDFImage::staticMetaObject};
+    return classes;
+}
+
+/// The store of Bates schemes: what AddBatesNumbering takes can be looked up and kept there.
+const QList<const QMetaObject*>& BatesClasses() {
+    static const QList<const QMetaObject*> classes{&TZQPDFBatesDictionary::staticMetaObject};
     return classes;
 }
 
 } // namespace
 
 QList<const QMetaObject*> ScriptClasses() {
-    return DocumentClasses() + ContentClasses();
+    return DocumentClasses() + ContentClasses() + BatesClasses();
 }
 
 TJSDocumentScripting::TJSDocumentScripting(TJSPDFDocument* Document, Cardinal MaxMemory)
     : TJSEngine(MaxMemory) {
     registerClasses(DocumentClasses());
     registerClasses(ContentClasses(), ContentOptions);
+    registerClasses(BatesClasses());
     registerGlobalFunctions(TJSGlobalFunctions::staticMetaObject);
     if (Document != nullptr)
         const TJSClass bound(*Document, *this, QStringLiteral("Document"));

@@ -6,21 +6,29 @@
 // Methods answer false or null where the document's permissions refuse the operation, without a message;
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
+#include "bates/BatesSetting.h"
+#include "engine/Permissions.h"
 #include "engine/Types.h"
+#include "engine/annotations/FileAttachmentAnnotation.h"
+#include "engine/annotations/FreeTextAnnotation.h"
+#include "engine/annotations/LinkAnnotation.h"
+#include "engine/annotations/StampAnnotation.h"
+#include "engine/annotations/TextAnnotation.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 #include "engine/outlines/Objects.h"
+#include "engine/watermark/WatermarkSettings.h"
 #include "scripting/DocumentDescription.h"
 #include "scripting/PageInfo.h"
 
 #include <QPointer>
 
 class TZQLayerCollection;
-class TPDFDocPermissions;
 class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
     Q_OBJECT
+    Q_MOC_INCLUDE("engine/Permissions.h") // the run-time table needs to know the whole class
     Q_CLASSINFO("ScriptName", "TPDFDocument")
     Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
     Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one
@@ -66,6 +74,27 @@ public:
                                     TColor FillColor, float X, float Y);
     /// Without a file name the image shows nothing, until it loads one.
     Q_INVOKABLE TZQPDFImage* AddImage(const TFileName& fileName, float X, float Y);
+    /// Stamps the pages of a range. The numbers of the scheme don't count here: number macros stay as they
+    /// stand. Always false.
+    Q_INVOKABLE bool AddBatesNumbering(const TZQPDFBatesSetting& bates, const string& pageRange);
+    /// Annotations (ScriptDocumentAnnotations.cpp), except for stamps by name, which add nothing.
+    Q_INVOKABLE TZQPDFTextAnnotation* AddNoteAnnotation(float X, float Y, TColor Color);
+    Q_INVOKABLE TZQPDFStampAnnotation* AddStampAnnotation(double X, double Y, const string& Text,
+                                                          const string& Subject, TColor baseColor,
+                                                          TColor BgGradientStartColor,
+                                                          TColor BgGradientEndColor);
+    Q_INVOKABLE TZQPDFStampAnnotation* AddStampAnnotationDefined(const string& name);
+    Q_INVOKABLE TZQPDFFileAttachementAnnotation* AddFileAttachAnnotation(double X, double Y,
+                                                                         const TFileName& fileName);
+    Q_INVOKABLE TZQPDFLinkAnnotation* AddLinkAnnotation(float X, float Y, float Width, float Height,
+                                                        int pageNum);
+    Q_INVOKABLE TZQPDFLinkAnnotation* AddWebAnnotation(float X, float Y, float Width, float Height,
+                                                       const string& uri);
+    Q_INVOKABLE TZQPDFFreeTextAnnotation* AddFreeTextAnnotation(const string& Text, float X, float Y,
+                                                                float Width, float Height);
+    /// Watermarks (ScriptDocumentWatermark.cpp); by name, always false, and nothing is added.
+    Q_INVOKABLE bool AddWatermark(TPDFWatermarkSettings* w);
+    Q_INVOKABLE bool AddWatermarkDefined(const string& name);
     /// An attachment of the same name is replaced.
     Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
     Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);

@@ -1,3 +1,4 @@
+#include "bates/BatesDictionary.h"
 #include "engine/Document.h"
 #include "engine/EmbeddedFiles.h"
 #include "engine/Pages.h"
@@ -52,6 +53,15 @@ TZQPDFImage* TJSPDFDocument::AddImage(const TFileName& fileName, float X, float 
     image->SetPosition(TGPPointF::Create(X, Y));
     MarkPageChanged(ContentChanged);
     return image;
+}
+
+bool TJSPDFDocument::AddBatesNumbering(const TZQPDFBatesSetting& bates, const string& pageRange) {
+    if (!Document().GetCanModify())
+        return false;
+    TZQPDFBatesDictionary store;
+    store.CurrScheme = bates;
+    store.ApplySchemeToDocument(Document(), pageRange);
+    return false;
 }
 
 bool TJSPDFDocument::AddFileAttachment(const TFileName& fileName) {

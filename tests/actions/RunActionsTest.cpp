@@ -36,6 +36,16 @@ protected:
     TZQPDFDocument FDocument{nullptr};
 };
 
+TEST_F(RunActions, BatesNumberingStampsMacrosAndLeavesNumbers) {
+    Open(3);
+    TPDFActionAddBatesNumbering action;
+    EXPECT_EQ(action.Fbates.FontName, "Arial");
+    action.Fbates.FooterCenter = "<BN:0:6:1:0>[page]of[NUMPAGES]";
+    action.FpageRange = "2-";
+    action.Execute(FDocument);
+    EXPECT_EQ(Pages(), "1 2\n\n<BN:0:6:1:0>2of3 3\n\n<BN:0:6:1:0>3of3");
+}
+
 TEST_F(RunActions, DeletePagesReachesOnePageFurther) {
     Open(6);
     TPDFActionDeletePages action;
@@ -157,6 +167,25 @@ TEST_F(RunActions, AttachingTwiceLeavesOneEntry) {
     EXPECT_EQ(RunProgram("qpdf", {"--list-attachments", FWorkspace.Path("out.pdf")}).Out.count("note.txt"),
               1);
     EXPECT_EQ(RunProgram("qpdf", {"--show-attachment=note.txt", FWorkspace.Path("out.pdf")}).Out, "second");
+}
+
+TEST_F(RunActions, EncryptHoldsItsPermissionsAndNamesWhatItLacks) {
+    Open(1);
+    TPDFActionEncrypt action;
+    TPDFDocPermissions* held = action.Perms();
+    TPDFDocPermissions given;
+    given.FCopy = false;
+    const QMetaProperty perms = Reflection::FindMember(*action.metaObject(), u"perms");
+    perms.write(&action, QVariant::fromValue(&given));
+    EXPECT_EQ(perms.read(&action).value<TPDFDocPermissions*>(), held);
+    EXPECT_FALSE(held->FCopy);
+    try {
+        action.Execute(FDocument);
+        FAIL() << "no exception";
+    } catch (const Exception& e) {
+        EXPECT_EQ(e.Message(), "TPDFAction.Execute invalid propert/parameter name Algo");
+    }
+    EXPECT_FALSE(FDocument.getIsEncrypted());
 }
 
 TEST_F(RunActions, DecryptWantsTheOwner) {

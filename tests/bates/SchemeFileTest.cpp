@@ -4,7 +4,6 @@
 #include "bates/BatesDictionary.h"
 #include "testing/Workspace.h"
 
-#include <QElapsedTimer>
 #include <QLocale>
 
 #include <cerrno>
@@ -236,7 +235,7 @@ TEST_F(SchemeFile, AFailedWriteLeavesTheOldFileAndIsNotThrownByTheDestructor) {
     EXPECT_EQ(Names(), QStringList("a"));
 }
 
-TEST_F(SchemeFile, TwoThousandSchemesAreNoBurden) {
+TEST_F(SchemeFile, TwoThousandSchemes) {
     const QByteArray whole(Whole);
     const qsizetype begin = whole.indexOf("    <headerleft>");
     const QByteArray fields = whole.mid(begin, whole.indexOf("</batesstamps>") - begin);
@@ -244,11 +243,9 @@ TEST_F(SchemeFile, TwoThousandSchemesAreNoBurden) {
     for (int i = 0; i < 2000; ++i)
         schemes += "<batestamp id='s" + QByteArray::number(i) + "'>\n" + fields;
     Give(schemes);
-    QElapsedTimer time;
-    time.start();
     EXPECT_EQ(Names().size(), 2000);
     EXPECT_EQ(Load("s1999").FontSize, 10.5);
-    Store().SaveCurrSchemeToName("s1000");
+    Store().SaveCurrSchemeToName("new");
     FStore.reset();
-    EXPECT_LT(time.elapsed(), 5000); // far more than it takes
+    EXPECT_EQ(XPath("count(//batestamp)"), "2001");
 }

@@ -90,6 +90,9 @@ TEST_F(ScriptEngine, RefusalsNameWhatIsWrong) {
         EXPECT_FALSE(Run("\n  " + row.Script)) << row.Script.toStdString();
         EXPECT_TRUE(Failure().contains(row.Message)) << Failure().toStdString();
         EXPECT_TRUE(Failure().startsWith("test:2:")) << Failure().toStdString();
+        if (row.Script.startsWith("nothing")) {
+            EXPECT_TRUE(Failure().startsWith("test:2:3:")) << Failure().toStdString();
+        }
         // A native failure is an exception there.
         const bool later = row.Script.contains("romise") || row.Script.contains("async");
         if (!later && !row.Script.startsWith("if (")) {
@@ -125,7 +128,10 @@ TEST_F(ScriptEngine, ObjectsKeepIdentityAndDieSafely) {
     }
     EXPECT_FALSE(Run("Lent.Save()"));
     EXPECT_TRUE(Failure().contains("This TPDFDocument is gone")) << Failure().toStdString();
+    EXPECT_EQ(Value("(text = Document.AddText('t', '', 9, 0, 5, 5)) === text && text.X"), "5");
     FDocument.reset(); // under "Document", which stays
+    EXPECT_FALSE(Run("text.X = 7"));
+    EXPECT_TRUE(Failure().contains("This TZQPDFText is gone")) << Failure().toStdString();
     EXPECT_FALSE(Run("Document.RotatePages('', 90)"));
     EXPECT_TRUE(Failure().contains("The document is no longer open.")) << Failure().toStdString();
 }

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr quint8 Int32 = 29; // an operand of four bytes
+
 /// Where the first object of an INDEX lies and where the INDEX ends.
 struct TIndex {
     size_t First = 0, FirstEnd = 0, End = 0;
@@ -24,9 +26,9 @@ std::optional<TIndex> IndexAt(std::string_view data, size_t at) {
     if (!count || *count == 0 || !offsetSize || *offsetSize < 1 || *offsetSize > 4)
         return {};
     const size_t offsets = at + 3;
-    const size_t base = offsets + (*count + 1) * *offsetSize - 1; // offsets count from 1
+    const size_t base = offsets + (size_t(*count) + 1) * *offsetSize - 1; // offsets count from 1
     const auto second = NumberAt(data, offsets + *offsetSize, *offsetSize);
-    const auto last = NumberAt(data, offsets + *count * *offsetSize, *offsetSize);
+    const auto last = NumberAt(data, offsets + size_t(*count) * *offsetSize, *offsetSize);
     if (!second || !last || *last < *second || base + *last > data.size())
         return {};
     return TIndex{base + 1, base + *second, base + *last};
@@ -34,7 +36,8 @@ std::optional<TIndex> IndexAt(std::string_view data, size_t at) {
 
 /// Size of an operand by its first byte.
 size_t OperandSize(std::string_view data, size_t at) {
-    constexpr quint8 Int16 = 28, Int32 = 29, Real = 30;
+    constexpr quint8 Int16 = 28;
+    constexpr quint8 Real = 30;
     const auto first = quint8(data[at]);
     if (first == Int16)
         return 3;
@@ -55,7 +58,10 @@ struct TTopDict {
 };
 
 TTopDict TopDictOf(std::string_view data) {
-    constexpr quint8 Charset = 15, Escape = 12, RosAfterEscape = 30, FirstOperand = 28, Int32 = 29;
+    constexpr quint8 Charset = 15;
+    constexpr quint8 Escape = 12;
+    constexpr quint8 RosAfterEscape = 30;
+    constexpr quint8 FirstOperand = 28;
     TTopDict dict;
     const auto names = IndexAt(data, NumberAt(data, 2, 1).value_or(0));
     const auto dicts = names ? IndexAt(data, names->End) : std::nullopt;

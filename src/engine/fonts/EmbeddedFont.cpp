@@ -77,6 +77,7 @@ void TEmbeddedFont::Fill() {
     if (glyphs.size() == FFilledGlyphs && map == FFilledMap)
         return;
     std::vector<quint32> numbers;
+    numbers.reserve(glyphs.size());
     for (const TGlyph& glyph : glyphs)
         numbers.push_back(glyph.Number);
     const std::string program = SubsetProgram(*FFace, numbers);
@@ -94,7 +95,9 @@ void TEmbeddedFont::Fill() {
 }
 
 void TEmbeddedFont::FillDescriptor(const std::string& tag) {
-    constexpr int FixedPitch = 1, Symbolic = 4, Italic = 64;
+    constexpr int FixedPitch = 1;
+    constexpr int Symbolic = 4;
+    constexpr int Italic = 64;
     const TFontFacts facts = FactsOf(*FFace);
     const QPDFObjectHandle name = Name(tag + '+' + facts.PostScriptName);
     // With glyphs outside one alphabet a subset counts as symbolic.

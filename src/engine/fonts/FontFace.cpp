@@ -33,7 +33,10 @@ bool HasTable(hb_face_t* face, hb_tag_t tag) {
 
 /// OS/2's word on embedding (OpenType, OS/2 table, fsType). A face without the table says nothing against it.
 bool MayEmbedSubset(hb_face_t* face) {
-    constexpr quint16 UsageMask = 0x000F, Restricted = 0x0002, NoSubsetting = 0x0100, BitmapsOnly = 0x0200;
+    constexpr quint16 UsageMask = 0x000F;
+    constexpr quint16 Restricted = 0x0002;
+    constexpr quint16 NoSubsetting = 0x0100;
+    constexpr quint16 BitmapsOnly = 0x0200;
     hb_blob_t* table = hb_face_reference_table(face, HB_TAG('O', 'S', '/', '2'));
     unsigned length = 0;
     const char* data = hb_blob_get_data(table, &length);

@@ -10,10 +10,10 @@ struct hb_font_t;
 
 /// Where a face is found and how it is drawn.
 struct TFontSource {
-    NarrowString File;
+    NarrowString File = {};
     int Index = 0; ///< as fontconfig counts: the face in its low half, a named instance in its high one
-    NarrowString Variations; ///< axes of a variable font, as "wght=700,wdth=75"
-    bool Slanted = false;    ///< an upright face stands in for an italic one
+    NarrowString Variations = {}; ///< axes of a variable font, as "wght=700,wdth=75"
+    bool Slanted = false;         ///< an upright face stands in for an italic one
 
     bool operator==(const TFontSource&) const = default;
 };

@@ -34,45 +34,40 @@ void AppendSection(std::string& map, const char* kind, const std::vector<std::st
     }
 }
 
-constexpr struct {
-    QStringView Letters;
-    char16_t Ligature;
-} LamAlefs[] = {{u"\u0644\u0622", 0xFEF5},
-                {u"\u0644\u0623", 0xFEF7},
-                {u"\u0644\u0625", 0xFEF9},
-                {u"\u0644\u0627", 0xFEFB}};
-
-bool IsLamAlef(const string& text) {
-    return std::any_of(std::begin(LamAlefs), std::end(LamAlefs),
-                       [&](const auto& one) { return text.size() == 1 && text[0] == one.Ligature; });
-}
-
-/// What the one glyph of a cluster stands for by itself.
-string OwnText(QStringView text, bool rightToLeft) {
-    if (text.size() > 1) {
-        string shown;
-        for (const QChar c : text)
-            if (!NeedsNoGlyph(c.unicode()))
-                shown += c;
-        if (!shown.isEmpty() && shown.size() < text.size())
-            return OwnText(shown, rightToLeft);
+/// The character of an Arabic ligature of lam and alef; no character for other texts. Some readers turn the
+/// letters of each glyph from right to left around, so that this one would come out as the article. All of
+/// them know its own character.
+QChar LamAlef(QStringView text) {
+    constexpr char16_t Lam = 0x0644;
+    if (text.size() != 2 || text[0] != Lam)
+        return {};
+    switch (text[1].unicode()) {
+    case 0x0622:
+        return QChar(0xFEF5);
+    case 0x0623:
+        return QChar(0xFEF7);
+    case 0x0625:
+        return QChar(0xFEF9);
+    case 0x0627:
+        return QChar(0xFEFB);
+    default:
+        return {};
     }
-    if (!rightToLeft)
-        return text.toString();
-    // A bracket is shown by the glyph of its counterpart.
-    if (text.size() == 1)
-        return QChar(char16_t(QChar::mirroredChar(text[0].unicode())));
-    // Some readers turn the letters of any glyph from right to left around, so that lam with alef would come
-    // out as the Arabic article. All of them know the ligature's own character.
-    for (const auto& one : LamAlefs)
-        if (text == one.Letters)
-            return QChar(one.Ligature);
-    return text.toString();
 }
 
-bool IsDirectionMark(char16_t c) {
-    return c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) ||
-           (c >= 0x2066 && c <= 0x2069);
+/// What the one glyph of a cluster stands for by itself: not for what is joined to it without being shown.
+string OwnText(QStringView text, bool rightToLeft) {
+    string own = text.toString();
+    if (text.size() > 1)
+        own.removeIf([](QChar c) { return NeedsNoGlyph(c.unicode()); });
+    if (own.isEmpty())
+        return text.toString();
+    if (!rightToLeft)
+        return own;
+    if (own.size() == 1) // a bracket is shown by the glyph of its counterpart
+        return QChar(char16_t(QChar::mirroredChar(own[0].unicode())));
+    const QChar ligature = LamAlef(own);
+    return ligature.isNull() ? own : string(ligature);
 }
 
 } // namespace
@@ -88,42 +83,52 @@ TGlyph& TGlyphTexts::Use(const TFontFace& face, quint32 glyph) {
     return FGlyphs[index - 1];
 }
 
+void TGlyphTexts::Tell(TGlyph& glyph, const string& text) {
+    constexpr quint32 Missing = 0; // stands for whatever a font lacks
+    if (glyph.Text.isEmpty() && glyph.Number != Missing)
+        glyph.Text = text;
+}
+
 bool TGlyphTexts::Note(const TFontFace& face, const TShapedCluster& cluster, QStringView text,
                        bool rightToLeft) {
-    constexpr quint32 MissingGlyph = 0;
-    const size_t count = cluster.Glyphs.size();
-    if (count == 1) {
-        TGlyph& glyph = Use(face, cluster.Glyphs[0].Glyph);
-        if (glyph.Text == text)
-            return true;
-        const string own = OwnText(text, rightToLeft);
-        if (glyph.Text.isEmpty() && glyph.Number != MissingGlyph)
-            glyph.Text = own;
-        return glyph.Text == own && (own == text || (IsLamAlef(own) && text.size() == 2));
-    }
+    if (cluster.Glyphs.size() > 1)
+        return NoteSeveral(face, cluster, text, rightToLeft);
+    TGlyph& glyph = Use(face, cluster.Glyphs[0].Glyph);
+    if (glyph.Text == text)
+        return true;
+    const string own = OwnText(text, rightToLeft);
+    Tell(glyph, own);
+    return glyph.Text == own && (own == text || own == LamAlef(text));
+}
+
+bool TGlyphTexts::NoteSeveral(const TFontFace& face, const TShapedCluster& cluster, QStringView text,
+                              bool rightToLeft) {
+    constexpr size_t MostGlyphs = 64; // of letters and marks that mean something together
+    for (const TShapedGlyph& shaped : cluster.Glyphs)
+        (void)Use(face, shaped.Glyph);
+    if (cluster.Glyphs.size() > MostGlyphs)
+        return false;
     // Characters that have their own glyph in the cluster are told by it, the first of the others by the
     // rest.
     string rest = text.toString();
-    for (const TShapedGlyph& shaped : cluster.Glyphs) {
-        TGlyph& glyph = Use(face, shaped.Glyph);
+    for (const TShapedGlyph& shaped : cluster.Glyphs)
         for (qsizetype i = 0; i < rest.size(); ++i)
-            if (face.GlyphOf(rest[i].unicode()) == glyph.Number && glyph.Number != MissingGlyph) {
-                if (glyph.Text.isEmpty())
-                    glyph.Text = rest[i];
+            if (face.GlyphOf(rest[i].unicode()) == shaped.Glyph) {
+                Tell(Use(face, shaped.Glyph), rest[i]);
                 rest.remove(i, 1);
                 break;
             }
-    }
     string told;
+    const size_t count = cluster.Glyphs.size();
     for (size_t i = 0; i < count; ++i) {
         TGlyph& glyph = Use(face, cluster.Glyphs[rightToLeft ? count - 1 - i : i].Glyph);
-        if (glyph.Text.isEmpty() && glyph.Number != MissingGlyph)
-            glyph.Text = std::exchange(rest, string());
+        if (glyph.Text.isEmpty())
+            Tell(glyph, std::exchange(rest, string()));
         told += glyph.Text;
     }
     // Marks of one letter may come in another order.
-    return told == text || told.normalized(QString::NormalizationForm_D) ==
-                               text.toString().normalized(QString::NormalizationForm_D);
+    const auto canonical = [](const string& some) { return some.normalized(QString::NormalizationForm_D); };
+    return told == text || canonical(told) == canonical(text.toString());
 }
 
 std::vector<TGlyph> TGlyphTexts::Glyphs() const {
@@ -134,8 +139,7 @@ std::vector<TGlyph> TGlyphTexts::Glyphs() const {
 }
 
 bool IsReadable(QStringView text) {
-    return std::none_of(text.begin(), text.end(),
-                        [](QChar c) { return IsControl(c) || IsDirectionMark(c.unicode()); });
+    return std::none_of(text.begin(), text.end(), [](QChar c) { return IsControl(c) || IsDirectionMark(c); });
 }
 
 string ReadableText(QStringView text) {
@@ -144,7 +148,7 @@ string ReadableText(QStringView text) {
     for (const QChar c : text)
         if (c == u'\t')
             readable += string(BlanksOfTab, u' ');
-        else if (!IsControl(c) && !IsDirectionMark(c.unicode()))
+        else if (!IsControl(c) && !IsDirectionMark(c))
             readable += c;
     return readable;
 }
@@ -166,7 +170,8 @@ void AppendUtf16(std::string& data, QStringView text) {
 }
 
 std::string ToUnicodeMap(const std::vector<TGlyph>& glyphs) {
-    std::vector<std::string> characters, ranges;
+    std::vector<std::string> characters;
+    std::vector<std::string> ranges;
     for (size_t first = 0, end = 0; first < glyphs.size(); first = end) {
         end = EndOfRange(glyphs, first);
         if (glyphs[first].Text.isEmpty())

@@ -26,6 +26,10 @@ public:
 
 private:
     [[nodiscard]] TGlyph& Use(const TFontFace& face, quint32 glyph);
+    /// The first text of a glyph is the one that it keeps.
+    static void Tell(TGlyph& glyph, const string& text);
+    [[nodiscard]] bool NoteSeveral(const TFontFace& face, const TShapedCluster& cluster, QStringView text,
+                                   bool rightToLeft);
 
     std::vector<quint32> FIndexes; ///< by glyph number, index + 1
     std::vector<TGlyph> FGlyphs;   ///< in the order of their first use

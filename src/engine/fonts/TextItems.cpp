@@ -27,7 +27,8 @@ string WithoutControls(const string& text) {
 
 /// Letters that need no analysis: from left to right, and all in the main face. Most lines are such.
 bool IsPlainLatin(const string& text, TFontChain& fonts) {
-    constexpr char16_t SoftHyphen = 0xAD, EndOfLatin = 0x250;
+    constexpr char16_t SoftHyphen = 0xAD;
+    constexpr char16_t EndOfLatin = 0x250;
     const TFacePtr& main = fonts.Main();
     for (const QChar& c : text)
         if (c >= EndOfLatin || c == SoftHyphen || &fonts.FaceFor(QStringView(&c, 1)) != &main)
@@ -92,7 +93,9 @@ void AddScripts(TCharacters& characters) {
 }
 
 bool BelongsToPrevious(char32_t previous, char32_t c) {
-    constexpr char32_t FirstSkinTone = 0x1F3FB, LastSkinTone = 0x1F3FF, NonJoiner = 0x200C;
+    constexpr char32_t FirstSkinTone = 0x1F3FB;
+    constexpr char32_t LastSkinTone = 0x1F3FF;
+    constexpr char32_t NonJoiner = 0x200C;
     return QChar::isMark(c) || c == JoinedToNext || c == NonJoiner || previous == JoinedToNext ||
            (c >= FirstSkinTone && c <= LastSkinTone);
 }
@@ -123,8 +126,9 @@ void JoinWords(TCharacters& characters) {
         size_t next = i;
         while (next < characters.size() && characters[next].Code == U' ')
             ++next;
-        for (; next < characters.size() && characters[next].Face == before && characters[i].Code == U' '; ++i)
-            characters[i].Face = before;
+        if (next < characters.size() && characters[next].Face == before)
+            for (; i < next; ++i)
+                characters[i].Face = before;
     }
 }
 

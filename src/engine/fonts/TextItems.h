@@ -24,9 +24,16 @@ inline constexpr int BlanksOfTab = 4;
 
 /// Control characters and line breaks, which show nothing.
 [[nodiscard]] inline bool IsControl(QChar c) {
-    constexpr char16_t LineSeparator = 0x2028, ParagraphSeparator = 0x2029;
+    constexpr char16_t LineSeparator = 0x2028;
+    constexpr char16_t ParagraphSeparator = 0x2029;
     return c.unicode() < 0x20 || (c.unicode() >= 0x7F && c.unicode() < 0xA0) || c == LineSeparator ||
            c == ParagraphSeparator;
+}
+
+/// Marks of writing direction, which act on the order of a line and are not text that anybody reads.
+[[nodiscard]] inline bool IsDirectionMark(QChar c) {
+    return c == u'\u061C' || c == u'\u200E' || c == u'\u200F' || (c >= u'\u202A' && c <= u'\u202E') ||
+           (c >= u'\u2066' && c <= u'\u2069');
 }
 
 /// Whether a character is shown beside the one before it, not over it or not at all.

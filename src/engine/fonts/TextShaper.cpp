@@ -73,9 +73,10 @@ private:
                 infos[i].codepoint, infos[i].cluster, Single(positions[i].x_advance * scale),
                 Single(positions[i].x_offset * scale), Single(positions[i].y_offset * scale)};
             const QChar c = FLine.Text[glyph.Cluster];
-            if (c == u'\t')
+            const bool isInvisible = glyph.Glyph == item.Face->InvisibleGlyph();
+            if (c == u'\t' && glyph.Glyph == item.Face->SpaceGlyph())
                 glyphs.insert(glyphs.end(), BlanksOfTab, glyph);
-            else if (!IsControl(c))
+            else if (!isInvisible || !(IsControl(c) || IsDirectionMark(c)))
                 glyphs.push_back(glyph);
         }
         return glyphs;

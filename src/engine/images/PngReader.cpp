@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view Signature = "\x89PNG\r\n\x1A\n";
 
-/// The bits of a PNG file's colour type (PNG specification, 11.2.2).
+/// The bits of a PNG file's colour type (ISO/IEC 15948, 11.2.2).
 enum : int { UsesPalette = 1, UsesColor = 2, UsesAlpha = 4 };
 
 /// Goes through the chunks of a PNG file.

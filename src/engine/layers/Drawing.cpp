@@ -1,5 +1,7 @@
 #include "engine/layers/Drawing.h"
 
+#include <algorithm>
+
 namespace {
 
 int AlphaOf(ARGB color) {
@@ -41,6 +43,11 @@ QPDFObjectHandle TDocumentDrawing::OpacityState(int fillAlpha, int strokeAlpha) 
         state = Pdf.makeIndirectObject(state);
     }
     return state;
+}
+
+int TDocumentDrawing::MinorVersion() const {
+    constexpr int Transparency = 4;
+    return std::max(Images.MinorVersion(), FOpacities.empty() ? 0 : Transparency);
 }
 
 QPDFObjectHandle TDocumentDrawing::SharedStream(const std::string& content) {

@@ -15,6 +15,9 @@ struct TDocumentDrawing {
     /// A content stream of that text, one for all pages that need it.
     [[nodiscard]] QPDFObjectHandle SharedStream(const std::string& content);
 
+    /// The minor version of PDF 1 that all this needs.
+    [[nodiscard]] int MinorVersion() const;
+
     QPDF& Pdf;
     TDocumentFonts Fonts;
     TDocumentImages Images;

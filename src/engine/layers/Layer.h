@@ -57,7 +57,7 @@ public:
 
 protected:
     /// What the layer shows has changed.
-    void Changed();
+    virtual void Changed();
 
     Single FX = 0;
     Single FY = 0;

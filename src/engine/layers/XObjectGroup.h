@@ -25,6 +25,10 @@ public:
     [[nodiscard]] bool IsBehind() const { return FBehind; }
     void SetBehind(bool behind) { FBehind = behind; }
 
+    /// The pages that updateWatermark puts it on; empty for all.
+    [[nodiscard]] const string& PageRange() const { return FPageRange; }
+    void SetPageRange(const string& range) { FPageRange = range; }
+
     /// Draws the layers on a page of that size.
     virtual void Draw(TDrawing& to);
     void DropLayout();
@@ -34,6 +38,7 @@ public:
 private:
     TZQPDFXObjectGroupType FType;
     bool FBehind = false;
+    string FPageRange;
     std::vector<std::unique_ptr<TZQCustomLayer>> FLayers;
 };
 

@@ -4,6 +4,7 @@
 #include "engine/outlines/Objects.h"
 
 struct TPDFObject::THandle {
+    explicit THandle(QPDFObjectHandle object) : Object(std::move(object)) {}
     QPDFObjectHandle Object;
 };
 

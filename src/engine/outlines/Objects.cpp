@@ -25,14 +25,14 @@ void TPDFDictionary::Add(const NarrowString& key, const TPDFObjectPtr& value) {
     }
 }
 
-TPDFObjectPtr TPDFObjectsList::NewNumeric(Double value) const {
+TPDFObjectPtr TPDFObjectsList::NewNumeric(Double value) {
     constexpr int Decimals = 6;
     if (value == std::floor(value) && std::abs(value) <= std::numeric_limits<Integer>::max())
         return NewObject(QPDFObjectHandle::newInteger(qint64(value)));
     return NewObject(QPDFObjectHandle::newReal(value, Decimals));
 }
 
-TPDFObjectPtr TPDFObjectsList::NewArray(const TPDFObjectPtr* items, int high) const {
+TPDFObjectPtr TPDFObjectsList::NewArray(const TPDFObjectPtr* items, int high) {
     std::vector<QPDFObjectHandle> handles;
     for (int i = 0; i <= high; ++i)
         handles.push_back(items[i]->Handle().Object);

@@ -47,9 +47,9 @@ public:
 /// Makes objects. They belong to whatever they are put into.
 class TPDFObjectsList {
 public:
-    [[nodiscard]] TPDFObjectPtr NewNumeric(Double value) const;
+    [[nodiscard]] static TPDFObjectPtr NewNumeric(Double value);
     /// The items 0 to `high`.
-    [[nodiscard]] TPDFObjectPtr NewArray(const TPDFObjectPtr* items, int high) const;
+    [[nodiscard]] static TPDFObjectPtr NewArray(const TPDFObjectPtr* items, int high);
 };
 
 /// A reference to an object of a document, which owns it: the same object has the same reference for as

@@ -14,10 +14,11 @@ TOutlineTree::TOutlineTree(const TDocumentCore& core) {
     while (!waiting.empty()) {
         TOutlineNode* parent = waiting.back();
         waiting.pop_back();
-        for (QPDFObjectHandle item = Entry(parent->Dict, "/First");
-             item.isDictionary() && (!item.isIndirect() || seen.insert(KeyOf(item)).second);
+        QPDFObjectHandle item = Entry(parent->Dict, "/First");
+        for (; item.isDictionary() && (!item.isIndirect() || seen.insert(KeyOf(item)).second);
              item = item.getKey("/Next"))
             waiting.push_back(&Append(*parent, item));
+        FDamaged = FDamaged || !item.isNull();
     }
 }
 
@@ -71,6 +72,9 @@ TPDFIndirect* TOutlineTree::Add(const TPDFIndirect* parent, const string& title,
     node.Target = target;
     for (; above && !above->Changed; above = above->Parent)
         above->Changed = true;
+    if (std::exchange(FDamaged, false))
+        for (const auto& any : FNodes)
+            any->Changed = true;
     return ReferenceTo(node);
 }
 

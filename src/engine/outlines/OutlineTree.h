@@ -67,5 +67,6 @@ private:
     void GoOverTo(TOutlineTree fresh, const TSuccessor& successor);
 
     TOutlineNodes FNodes;
+    bool FDamaged = false; ///< the file's links are wrong somewhere; what is written replaces them all
     std::unordered_map<const TPDFIndirect*, TOutlineNode*> FByReference;
 };

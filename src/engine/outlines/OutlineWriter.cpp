@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 #include <unordered_set>
 
 namespace {
@@ -77,8 +78,8 @@ void TOutlineWriter::Write() {
 /// Children come behind their parents, so that from the back a heading is met when it has lost them.
 void TOutlineWriter::LeaveOut() {
     std::unordered_set<const TOutlineNode*> gone;
-    for (auto it = FNodes.rbegin(); it != FNodes.rend(); ++it) {
-        TOutlineNode& node = **it;
+    for (const auto& item : std::views::reverse(FNodes)) {
+        TOutlineNode& node = *item;
         if (node.Changed)
             std::erase_if(node.Children, [&](const TOutlineNode* child) { return gone.contains(child); });
         if (node.Target && !FPages.contains(node.Target->PageId) && node.Children.empty())
@@ -140,14 +141,14 @@ void TOutlineWriter::Link() {
 /// open.
 void TOutlineWriter::Count() {
     std::unordered_map<const TOutlineNode*, qint64> shown;
-    for (auto it = FNodes.rbegin(); it != FNodes.rend(); ++it) {
-        const TOutlineNode& node = **it;
+    for (const auto& item : std::views::reverse(FNodes)) {
+        const TOutlineNode& node = *item;
         qint64& count = shown[&node];
         for (const TOutlineNode* child : node.Children)
             count += 1 + (CountOf(*child) > 0 ? shown[child] : 0);
         if (!node.Changed)
             continue;
-        const bool closed = node.Parent && CountOf(node) < 0;
+        const bool closed = node.Parent != nullptr && CountOf(node) < 0;
         QPDFObjectHandle dict = node.Dict;
         if (count > 0)
             dict.replaceKey("/Count", QPDFObjectHandle::newInteger(closed ? -count : count));

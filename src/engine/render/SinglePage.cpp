@@ -1,8 +1,12 @@
 #include "engine/render/SinglePage.h"
 
 #include "engine/ObjectCopier.h"
+#include "engine/PageTreeWriter.h"
+#include "engine/content/PageContent.h"
+#include "engine/render/UprightAnnotations.h"
 
 #include <qpdf/Buffer.hh>
+#include <qpdf/QPDFAcroFormDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
@@ -28,6 +32,7 @@ public:
     TSinglePage(QPDF& pdf, const TPageObject& page, const TPDFSourcePtr& source)
         : FPage(page), FSource(source), FPdf(pdf), FCopier(pdf, source) {}
 
+    /// `target` becomes the page of the document.
     void CopyInto(QPDFObjectHandle target) {
         FCopier.MapPage(FPage.Origin == TPageOrigin::Own ? FPage.Dict.getObjGen() : FPage.CopiedFrom, target);
         for (const char* key : PageKeys)
@@ -38,9 +43,11 @@ public:
         Take(Entry(from, "/OCProperties"), FPdf.getRoot(), "/OCProperties");
         CopyFormDefaults(Entry(from, "/AcroForm"));
         FCopier.Finish();
+        TurnUpright(target, FPage.Rotation());
         QPDFObjectHandle drawn = Entry(target.getKey("/Resources"), "/XObject");
         if (drawn.isDictionary() && drawn.getKeys().size() > FewXObjects)
             QPDFPageObjectHelper(target).removeUnreferencedResources();
+        ShowWidgets(target);
     }
 
 private:
@@ -60,6 +67,22 @@ private:
         target.replaceKey("/Annots", copies);
     }
 
+    /// Widgets are left to whoever fills forms, and no painter shows them by itself; the same appearance
+    /// under another name is painted. A form may leave it to the viewer to make that from the values.
+    void ShowWidgets(QPDFObjectHandle target) {
+        std::vector<QPDFObjectHandle> widgets;
+        if (QPDFObjectHandle annotations = target.getKey("/Annots"); annotations.isArray())
+            for (const QPDFObjectHandle& annotation : annotations.getArrayAsVector())
+                if (IsName(Entry(annotation, "/Subtype"), "/Widget"))
+                    widgets.push_back(annotation);
+        if (QPDFObjectHandle form = FPdf.getRoot().getKey("/AcroForm"); form.isDictionary()) {
+            form.replaceKey("/Fields", QPDFObjectHandle::newArray(widgets));
+            MakeAppearances(widgets);
+        }
+        for (QPDFObjectHandle& widget : widgets)
+            widget.replaceKey("/Subtype", QPDFObjectHandle::newName("/Stamp"));
+    }
+
     QPDFObjectHandle CopyOf(QPDFObjectHandle annotation) {
         QPDFObjectHandle copy = QPDFObjectHandle::newDictionary();
         for (auto& [key, value] : annotation.getDictAsMap())
@@ -75,11 +98,27 @@ private:
         return copy;
     }
 
+    /// Widgets of a form that is too damaged for it keep the appearance that they have.
+    void MakeAppearances(const std::vector<QPDFObjectHandle>& widgets) {
+        try {
+            QPDFAcroFormDocumentHelper form(FPdf);
+            if (!form.getNeedAppearances())
+                return;
+            form.generateAppearancesIfNeeded();
+            // The library leaves them to filters of the writer, which work on streams that it decodes.
+            for (const QPDFObjectHandle& widget : widgets)
+                if (QPDFObjectHandle shown = Entry(Entry(widget, "/AP"), "/N"); shown.isStream())
+                    shown.replaceStreamData(shown.getStreamData(), QPDFObjectHandle::newNull(),
+                                            QPDFObjectHandle::newNull());
+        } catch (const std::exception&) {
+            return;
+        }
+    }
+
     void CopyFormDefaults(const QPDFObjectHandle& form) {
         QPDFObjectHandle copy = QPDFObjectHandle::newDictionary();
         for (const char* key : {"/DA", "/DR", "/NeedAppearances", "/Q"})
             Take(Entry(form, key), copy, key);
-        copy.replaceKey("/Fields", QPDFObjectHandle::newArray());
         if (QPDFObjectHandle(form).isDictionary())
             FPdf.getRoot().replaceKey("/AcroForm", copy);
     }
@@ -94,7 +133,6 @@ private:
 void LayOut(QPDF& pdf, QPDFObjectHandle page, const TPageGeometry& geometry) {
     const TPageBox& box = geometry.Crop;
     const QPDFObjectHandle::Rectangle rectangle(box.x0, box.y0, box.x1, box.y1);
-    page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
     page.replaceKey("/MediaBox", QPDFObjectHandle::newArray(rectangle));
     page.replaceKey("/Rotate", QPDFObjectHandle::newInteger(geometry.Rotation));
     const QByteArray paper = "q 1 g " + QByteArray::number(box.x0 - 1, 'f') + ' ' +
@@ -109,6 +147,20 @@ void LayOut(QPDF& pdf, QPDFObjectHandle page, const TPageGeometry& geometry) {
         for (const QPDFObjectHandle& stream : originals.getArrayAsVector())
             contents.push_back(stream);
     page.replaceKey("/Contents", QPDFObjectHandle::newArray(contents));
+}
+
+/// What was put on pages becomes objects of the source, as a save would make it.
+void MakeObjects(TDocumentCore& core) {
+    if (!core.Source)
+        core.Source = NewSource();
+    try {
+        ApplyPages(core);
+        ApplyContent(core);
+    } catch (const Exception&) {
+        throw;
+    } catch (const std::exception& e) {
+        throw Translated(e, QStringLiteral("paint a page of"), core.FileName);
+    }
 }
 
 std::string BytesOf(QPDF& pdf) {
@@ -126,17 +178,19 @@ std::string BytesOf(QPDF& pdf) {
 
 std::string SinglePagePdf(TDocumentCore& core, int page) {
     TZQPDFPage& item = core.Pages.getItem(page);
+    if (HasPendingContent(item))
+        MakeObjects(core);
     const TPageObject& object = item.Object();
     const TPDFSourcePtr& source = object.Origin == TPageOrigin::Own ? core.Source : object.Source;
     try {
         QPDF pdf;
         pdf.setSuppressWarnings(true);
         pdf.emptyPDF();
-        QPDFObjectHandle copy = pdf.makeIndirectObject(QPDFObjectHandle::newDictionary());
+        QPDFObjectHandle copy = pdf.makeIndirectObject(QPDFObjectHandle::parse("<< /Type /Page >>"));
+        pdf.addPage(copy, /*first*/ true);
         if (object.Origin != TPageOrigin::Blank)
             TSinglePage(pdf, object, source).CopyInto(copy);
         LayOut(pdf, copy, item.Geometry());
-        pdf.addPage(copy, /*first*/ true);
         std::string bytes = BytesOf(pdf);
         if (source && source->Input)
             source->Input->RequireSound();

@@ -161,13 +161,14 @@ TOwnership OwnershipOf(const QVariant& result) {
     return ofScript ? TOwnership::OfScript : TOwnership::Borrowed;
 }
 
+/// Converting arguments may run parts of the script, so the object is looked up behind it.
 bool CallMethod(JSContext* cx, unsigned argc, JS::Value* vp) {
     const JS::CallArgs args = JS::CallArgsFromVp(argc, vp);
     return Guarded(cx, [&] {
         const TScriptMember& member = MemberOf(args);
-        QObject& object = ThisObject(args, member);
         const QMetaMethod& method = MethodFor(member, args.length());
-        const QVariant result = Reflection::Call(object, method, Arguments(member.Classes, method, args));
+        const QVariantList arguments = Arguments(member.Classes, method, args);
+        const QVariant result = Reflection::Call(ThisObject(args, member), method, arguments);
         ToScript(member.Classes, result, OwnershipOf(result), args.rval());
     });
 }
@@ -206,14 +207,13 @@ bool WriteProperty(JSContext* cx, unsigned argc, JS::Value* vp) {
     const JS::CallArgs args = JS::CallArgsFromVp(argc, vp);
     return Guarded(cx, [&] {
         const TScriptMember& member = MemberOf(args);
-        QObject& object = ThisObject(args, member);
         const string what = QStringLiteral("member \"%1\" of %2")
                                 .arg(QString::fromLatin1(member.Name), TWrapped::ScriptName(member.Type));
         if (!member.Property.isWritable())
             throw Exception(what + QStringLiteral(" can only be read."));
         const QMetaType type = member.Property.metaType();
-        member.Property.write(&object,
-                              ConvertTo(FromScript(member.Classes, args.get(0), type, what), type, what));
+        const QVariant value = ConvertTo(FromScript(member.Classes, args.get(0), type, what), type, what);
+        member.Property.write(&ThisObject(args, member), value);
         args.rval().setUndefined();
     });
 }
@@ -343,6 +343,8 @@ JSObject* TClassTable::Wrap(QObject& object, TOwnership ownership) {
     JS::SetReservedSlot(wrapper, WrappedSlot, JS::PrivateValue(wrapped.release()));
     [[maybe_unused]] QObject* held = guard.release();
     FWrappers.insert(&object, wrapper);
+    FUrgent = FUrgent || (ownership == TOwnership::OfScript &&
+                          !Reflection::ClassInfo(*object.metaObject(), "ScriptCollect").isEmpty());
     return wrapper;
 }
 

@@ -34,6 +34,9 @@ public:
     /// The object's one wrapper.
     [[nodiscard]] JSObject* Wrap(QObject& object, TOwnership ownership);
     [[nodiscard]] static bool IsWrapper(JSObject& object);
+    /// Whether scripts have come to own an object since the last call that shouldn't wait to be collected:
+    /// one of a class with the Q_CLASSINFO "ScriptCollect".
+    [[nodiscard]] bool TakeUrgent() { return std::exchange(FUrgent, false); }
     /// Raises Exception if the object is gone.
     [[nodiscard]] static QObject& Unwrap(JSObject& wrapper);
 
@@ -49,5 +52,6 @@ private:
     JSContext* const FContext;
     std::map<const QMetaObject*, TMembers> FMembers; ///< outlive every function made for them
     std::map<const QMetaObject*, JS::PersistentRootedObject> FPrototypes;
+    bool FUrgent = false;
     QHash<QObject*, JSObject*> FWrappers; ///< weak; a wrapper takes itself out
 };

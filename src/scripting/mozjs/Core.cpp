@@ -69,18 +69,14 @@ private:
     JS::PersistentRootedScript FScript;
 };
 
-class TSource {
-public:
-    TSource(JSContext* cx, const string& text, const string& name) : FName(Narrow(name)), Options(cx) {
-        Options.setFileAndLine(FName.constData(), 1).setNoScriptRval(/*nsr=*/true);
+/// A text to compile, which must outlive it.
+struct TSource {
+    TSource(JSContext* cx, const string& text, const string& name) : Name(Narrow(name)), Options(cx) {
+        Options.setFileAndLine(Name.constData(), 1).setNoScriptRval(/*nsr=*/true);
         Must(Text.init(cx, reinterpret_cast<const char16_t*>(text.utf16()), size_t(text.size()),
                        JS::SourceOwnership::Borrowed));
     }
-
-private:
-    QByteArray FName;
-
-public:
+    QByteArray Name;
     JS::CompileOptions Options;
     JS::SourceText<char16_t> Text;
 };
@@ -240,14 +236,28 @@ bool TMozCore::Ended() const {
 
 bool TMozCore::RunScript(const string& script, const string& scriptName) {
     JSContext* cx = FContext.get();
-    const bool ran = Guarded(cx, [&] {
-        TSource source(cx, script, scriptName);
-        JS::RootedValue result(cx);
-        Must(JS::Evaluate(cx, source.Options, source.Text, &result));
-    });
-    if (!ran)
-        ReportPending();
+    const JS::RootedScript compiled(cx, CompileText(script, scriptName, TUse::Once));
+    const bool ran = compiled && Guarded(cx, [&] {
+                         JS::RootedValue result(cx);
+                         Must(JS_ExecuteScript(cx, compiled, &result));
+                     });
+    if (compiled && !ran)
+        ReportPending(TColumns::FromOne);
     return ran;
+}
+
+/// Null on a syntax error, which has been reported.
+JSScript* TMozCore::CompileText(const string& text, const string& scriptName, TUse use) {
+    JSContext* cx = FContext.get();
+    JS::RootedScript script(cx);
+    const bool compiled = Guarded(cx, [&] {
+        TSource source(cx, text, scriptName);
+        source.Options.setIsRunOnce(use == TUse::Once);
+        script = Must(JS::Compile(cx, source.Options, source.Text));
+    });
+    if (!compiled)
+        ReportPending(TColumns::FromZero);
+    return script;
 }
 
 /// What promises have queued, until nothing is left. A promise that was rejected and that nobody handles is a
@@ -262,19 +272,23 @@ bool TMozCore::RunJobs() {
     for (size_t i = 0; i < FRejected.length(); ++i) {
         JS::RootedObject promise(cx, FRejected[i]);
         JS::RootedValue reason(cx, JS::GetPromiseResult(promise));
-        ReportException(JS::ExceptionStack(cx, reason, nullptr));
+        ReportException(JS::ExceptionStack(cx, reason, nullptr), TColumns::FromOne);
     }
     FRejected.clear();
     return succeeded && handled;
 }
 
 void TMozCore::CleanUp(bool succeeded) {
-    if (FExhausted || GlobalIsClosed() || (!succeeded && IsCrowded())) {
+    const bool spoilt = FExhausted || GlobalIsClosed() || (!succeeded && IsCrowded());
+    if (spoilt || Ended())
         DropJobs();
-        FExhausted = false;
+    FExhausted = false;
+    if (spoilt)
         RenewGlobal();
-    }
-    JS_MaybeGC(FContext.get());
+    if (FClasses->TakeUrgent())
+        JS_GC(FContext.get());
+    else
+        JS_MaybeGC(FContext.get());
 }
 
 /// What scripts have left in the global scope leaves too little for others.
@@ -307,16 +321,11 @@ bool TMozCore::GlobalIsClosed() {
 
 std::unique_ptr<TJSCompiledScript> TMozCore::Compile(const string& text, const string& scriptName) {
     JSContext* cx = FContext.get();
+    if (FGlobal == nullptr && !RenewGlobal())
+        return nullptr;
     const JSAutoRealm realm(cx, FGlobal);
-    JS::RootedScript script(cx);
-    const bool compiled = Guarded(cx, [&] {
-        TSource source(cx, text, scriptName);
-        script = Must(JS::Compile(cx, source.Options, source.Text));
-    });
-    if (compiled)
-        return std::make_unique<TMozScript>(cx, script);
-    ReportPending();
-    return nullptr;
+    const JS::RootedScript script(cx, CompileText(text, scriptName, TUse::Again));
+    return script ? std::make_unique<TMozScript>(cx, script) : nullptr;
 }
 
 void TMozCore::Interrupt() noexcept {
@@ -343,17 +352,17 @@ void TMozCore::ReportEnded() {
 }
 
 /// A script that was ended leaves no exception behind.
-void TMozCore::ReportPending() {
+void TMozCore::ReportPending(TColumns columns) {
     JSContext* cx = FContext.get();
     JS::ExceptionStack stack(cx);
     if (FExhausted || !JS_IsExceptionPending(cx))
         ReportEnded();
     else if (JS::StealPendingExceptionStack(cx, &stack))
-        return ReportException(stack);
+        return ReportException(stack, columns);
     JS_ClearPendingException(cx);
 }
 
-void TMozCore::ReportException(const JS::ExceptionStack& stack) {
+void TMozCore::ReportException(const JS::ExceptionStack& stack, TColumns columns) {
     JSContext* cx = FContext.get();
     JS::ErrorReportBuilder builder(cx);
     if (!builder.init(cx, stack, JS::ErrorReportBuilder::WithSideEffects)) {
@@ -364,7 +373,7 @@ void TMozCore::ReportException(const JS::ExceptionStack& stack) {
     // Running out of memory has no place in the script.
     FHost.Report({.ScriptName = report->filename ? QString::fromUtf8(report->filename) : FScriptName,
                   .Line = int(report->lineno),
-                  .Column = report->lineno > 0 ? int(report->column) + 1 : 0, // the library counts from 0
+                  .Column = int(report->column) + (columns == TColumns::FromZero ? 1 : 0),
                   .Text = QString::fromUtf8(builder.toStringResult().c_str())});
 }
 

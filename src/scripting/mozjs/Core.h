@@ -44,11 +44,16 @@ private:
         void operator()(JSContext* cx) const { JS_DestroyContext(cx); }
     };
 
+    enum class TUse { Once, Again };
+    /// The library counts columns from 0 while it compiles and from 1 while it runs.
+    enum class TColumns { FromZero, FromOne };
+
     void SetLimits();
     void OpenGlobal();
     bool RenewGlobal();
     void Register(std::function<void()> step);
     void Do(const std::function<void()>& step);
+    JSScript* CompileText(const string& text, const string& scriptName, TUse use);
     bool RunScript(const string& script, const string& scriptName);
     bool RunJobs();
     void CleanUp(bool succeeded);
@@ -56,9 +61,9 @@ private:
     void DropJobs();
     bool GlobalIsClosed();
     [[nodiscard]] bool Ended() const;
-    void ReportPending();
+    void ReportPending(TColumns columns);
     void ReportEnded();
-    void ReportException(const JS::ExceptionStack& stack);
+    void ReportException(const JS::ExceptionStack& stack, TColumns columns);
     void ReportText(const string& text);
     [[nodiscard]] double UsedBytes();
 

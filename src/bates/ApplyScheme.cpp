@@ -1,0 +1,102 @@
+// Stamping: each chosen page gets a group of its own with the six texts of the scheme.
+#include "bates/BatesDictionary.h"
+
+#include "base/Paths.h"
+#include "bates/BatesText.h"
+#include "bates/CommaText.h"
+#include "bates/NumberList.h"
+#include "engine/GlobalDocument.h"
+#include "engine/PageRange.h"
+#include "engine/layers/XObjectGroup.h"
+#include "engine/macros/Macros.h"
+
+#include <array>
+
+namespace {
+
+/// The columns of one row, the header's before the footer's: the order of the record.
+enum TColumn { Left, Center, Right, Columns };
+constexpr size_t Positions = 2 * size_t(Columns);
+using TStampTexts = std::array<std::unique_ptr<TZQPDFBatesText>, Positions>;
+
+void SetLook(TZQPDFBatesText& text, const TZQPDFBatesSetting& scheme) {
+    text.BeginUpdate();
+    text.SetFontName(Narrow(scheme.FontName));
+    text.SetFontSize(Single(scheme.FontSize));
+    text.SetFontStyle(scheme.FontStyle);
+    if (scheme.FontOutline) {
+        text.SetStrokeColor(scheme.FontColor);
+        text.SetFillColor(0);
+        text.SetStrokePenWidth(1.0);
+    } else {
+        text.SetFillColor(scheme.FontColor);
+        text.SetStrokeColor(0);
+    }
+    text.CancelUpdate();
+}
+
+Double XOf(size_t column, Double width, Double pageWidth, const TZQPDFBatesSetting& scheme) {
+    switch (column) {
+    case Left:
+        return scheme.MarginLeft;
+    case Center:
+        return scheme.MarginLeft + (pageWidth - scheme.MarginLeft - scheme.MarginRight - width) / 2;
+    default:
+        return pageWidth - scheme.MarginRight - width;
+    }
+}
+
+/// A header stands on the top margin's line and a footer hangs from the bottom one's, so that both lie in
+/// the margins.
+void Place(const TStampTexts& texts, const TZQPDFPage& page, const TZQPDFBatesSetting& scheme) {
+    const auto pageWidth = Double(page.GetWidth());
+    const auto pageHeight = Double(page.GetHeight());
+    for (size_t i = 0; i < Positions; ++i) {
+        TZQPDFBatesText& text = *texts[i];
+        const Double x = XOf(i % Columns, Double(text.Width()), pageWidth, scheme);
+        const Double y =
+            i < Columns ? scheme.MarginTop - Double(text.Height()) : pageHeight - scheme.MarginBottom;
+        text.MoveTo(Single(x), Single(y));
+    }
+}
+
+void PutOnPage(TZQPDFDocument& document, TZQPDFPage& page, TStampTexts& texts) {
+    auto group = std::make_unique<TZQPDFXObjectGroup>(document, TZQPDFXObjectGroupType::BatesStamp);
+    for (auto& text : texts)
+        group->Add(text.release(), 0);
+    TZQPDFXObjectGroup* stamp = group.release();
+    document.XObjects().Add(stamp);
+    if (page.getRendered())
+        new TZQPDFXObjectBatesStampRef(&page.Layers(), string(), stamp); // the layers own it
+    page.updateXObject(document, *stamp);
+}
+
+} // namespace
+
+void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number) {
+    TZQPDFPage& page = document.Pages().getItem(number - 1);
+    const QStringList schemeTexts = Texts();
+    TStampTexts texts;
+    for (size_t i = 0; i < Positions; ++i) {
+        texts[i] = std::make_unique<TZQPDFBatesText>(nullptr);
+        SetLook(*texts[i], CurrScheme);
+        const string numbered =
+            NumberList::Replace(schemeTexts[qsizetype(i)], BatesStrl, NumberList::Shown::Current);
+        texts[i]->SetText(PDFformatMacroString(
+            &document, QString::number(number), QString::number(document.GetPageCount()), numbered,
+            ExtractFileName(document.FileName()), QDateTime::currentDateTime()));
+    }
+    Place(texts, page, CurrScheme);
+    NumberList::Advance(BatesStrl);
+    PutOnPage(document, page, texts);
+}
+
+void TZQPDFBatesDictionary::ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro) {
+    GlobalDocument = &ADocument;
+    const string range = PageRangeMacro.isEmpty() ? QStringLiteral("1-[numpages]") : PageRangeMacro;
+    for (const int page : TZQPDFPagesRangeSelector(range, ADocument.GetPageCount(), /*firstPage*/ 1))
+        StampPage(ADocument, page);
+    CurrScheme.BatesNumbers = ToCommaText(BatesStrl);
+    SaveCurrSchemeToName(CurrScheme.Name);
+    GlobalDocument = nullptr;
+}

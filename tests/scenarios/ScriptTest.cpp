@@ -1,0 +1,83 @@
+// Scripts in the real program: whatever one does, the agent answers and stops.
+#include "platform/NamedPipe.h"
+#include "scenarios/PlayedAgent.h"
+#include "scenarios/RealAgent.h"
+#include "testing/SamplePdf.h"
+
+#include <QElapsedTimer>
+
+namespace {
+
+/// One folder whose list is a script, then a rotation.
+class TScriptWorkspace : public TConfiguredWorkspace {
+public:
+    explicit TScriptWorkspace(QByteArray script) {
+        script.replace("DIR", Path().toUtf8());
+        Write("c/actions.xml", "<ActionManager><ManagerActions><ActionList><Name>Work</Name><Actions>"
+                               "<Action Class=\"TPDFActionJavaScript\"><Javascript><![CDATA[" +
+                                   script +
+                                   "]]></Javascript></Action><Action Class=\"TPDFActionRotatePages\">"
+                                   "<Angle>90</Angle></Action></Actions></ActionList></ManagerActions>"
+                                   "</ActionManager>");
+    }
+};
+
+string CheckReply(const TWorkspace& workspace) {
+    qputenv("XDG_RUNTIME_DIR", Narrow(workspace.Path("settings")));
+    TNamedPipeClient pipe("morvane_watched_folders");
+    pipe.OpenPipe();
+    pipe.WritePipe("check");
+    const string reply = pipe.Read(2000);
+    qunsetenv("XDG_RUNTIME_DIR");
+    return reply;
+}
+
+} // namespace
+
+TEST(ScriptScenario, HarmfulScriptsLeaveTheAgentAnsweringAndAbleToStop) {
+    for (const char* script : {
+             "leak = []; for (var i = 0; i < 1e5; ++i) leak.push({i})",
+             "Object.freeze(globalThis)",
+             "throw new Error('no')",
+             "(function f() { f() })()",
+             "var a = []; for (;;) a.push(new Uint8Array(1e6))",
+             "var a = []; for (;;) a.push(new TPDFDocument())",
+             "for (;;) try { for (;;); } catch (e) {} finally { for (;;); }",
+             "(async () => { for (;;) await 0 })()",
+             "(async () => { await new Promise(() => {}) })()",
+             "CreateProcess('sleep 20', 0, true)",
+             "for (;;) new TPDFDocument().Load('DIR/locked.pdf', '')",
+             "ShowMessage('shown'); MessageBox('asked', 4)",
+         }) {
+        const TScriptWorkspace workspace(QByteArray("CreateProcess('touch \"DIR/began\"', 0, true);\n") +
+                                         script);
+        MakePdf(workspace.Path("locked.pdf"), 1, {.UserPassword = "secret"});
+        TRealAgent agent(workspace.Path("settings"));
+        MakePdf(workspace.Path("in/a.pdf"), 1);
+        ASSERT_TRUE(Eventually([&] { return workspace.Has("began"); })) << script;
+        ::usleep(300'000);
+        EXPECT_EQ(CheckReply(workspace), "OK") << script;
+        QElapsedTimer timer;
+        timer.start();
+        agent.FProcess.terminate();
+        EXPECT_TRUE(agent.FProcess.waitForFinished(5000)) << script;
+        EXPECT_LT(timer.elapsed(), 2000) << script;
+        EXPECT_EQ(agent.FProcess.exitStatus(), QProcess::NormalExit) << script;
+        EXPECT_EQ(agent.FProcess.exitCode(), 0) << script;
+    }
+}
+
+TEST(ScriptScenario, FailedScriptIsToldToTheJournalAndTheListGoesOn) {
+    const TScriptWorkspace workspace("Document.RotatePages('1', 90);\nDocument.Rotate()");
+    TRealAgent agent(workspace.Path("settings"));
+    MakePdf(workspace.Path("in/a.pdf"), 2);
+    EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf"); }));
+    EXPECT_TRUE(RunProgram("pdfinfo", {"-f", "1", "-l", "2", workspace.Path("in/output/a.pdf")})
+                    .Out.simplified()
+                    .contains("Page 1 size: 595 x 842 pts (A4) Page 1 rot: 180"));
+    agent.FProcess.terminate();
+    EXPECT_TRUE(agent.FProcess.waitForFinished());
+    const QByteArray journal = agent.FProcess.readAllStandardError();
+    EXPECT_TRUE(journal.contains("PDFActions.Inline:2:10: TypeError: Document.Rotate is not a function"))
+        << journal.toStdString();
+}
