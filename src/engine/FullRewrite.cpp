@@ -54,6 +54,10 @@ public:
 
 private:
     static void WriteObjects(const TDocumentCore& core, TPartFile& file) {
+        // The library writes how many objects there are only if the file, which may be damaged, said so.
+        QPDFObjectHandle trailer = core.Source->Pdf->getTrailer();
+        if (!trailer.hasKey("/Size"))
+            trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
         TFileOutput output(file);
         QPDFWriter writer(*core.Source->Pdf);
         writer.setOutputPipeline(&output);
