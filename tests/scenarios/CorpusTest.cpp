@@ -69,7 +69,8 @@ QByteArray Complaints(const TWorkspace& workspace, const char* program, const st
         program == QLatin1String("poppler")
             ? RunProgram("pdftoppm", {"-r", "20", "-l", "1", path, workspace.Path("seen")})
             : RunProgram("mutool", {"draw", "-q", "-r", "20", "-o", workspace.Path("seen.png"), path, "1"});
-    return told.Errors + (told.Exit == 0 ? "" : "exit " + QByteArray::number(told.Exit));
+    return QByteArray(told.Errors).replace("warning: ICC support is not available\n", "") +
+           (told.Exit == 0 ? "" : "exit " + QByteArray::number(told.Exit));
 }
 
 } // namespace
