@@ -130,9 +130,11 @@ TEST(Corpus, StampedFilesAreReadByOtherPrograms) {
         const string result = workspace.Path("in/output/" + file.Name);
         const int check = RunProgram("qpdf", {"--check", result}).Exit;
         EXPECT_TRUE(check == 0 || (check == 3 && file.QpdfCheck == 3)) << "qpdf --check: " << check;
-        for (const char* program : {"poppler", "mupdf"})
-            if (const QByteArray complaints = Complaints(workspace, program, result); !complaints.isEmpty())
-                EXPECT_NE(Complaints(workspace, program, file.Path), "") << program << ": " << complaints;
+        for (const char* program : {"poppler", "mupdf"}) {
+            const QByteArray complaints = Complaints(workspace, program, result);
+            EXPECT_TRUE(complaints.isEmpty() || !Complaints(workspace, program, file.Path).isEmpty())
+                << program << ": " << complaints.toStdString();
+        }
         const QByteArray text = RunProgram("pdftotext", {"-l", "1", result, "-"}).Out;
         stamped += text.contains("005000") && text.contains("Added") ? 1 : 0;
     }
