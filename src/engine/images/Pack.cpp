@@ -116,8 +116,9 @@ void PackAlpha(TImageData& image, int bits, std::string rows) {
         std::string bitRows(rowSize * size_t(image.Height), '\0');
         for (size_t i = 0; i < rows.size(); ++i) {
             const size_t column = i % size_t(image.Width);
+            char& byte = bitRows[i / size_t(image.Width) * rowSize + column / 8];
             if (rows[i] != 0)
-                bitRows[i / size_t(image.Width) * rowSize + column / 8] |= char(0x80 >> column % 8);
+                byte = char(byte | 0x80 >> column % 8);
         }
         rows = std::move(bitRows);
     }
