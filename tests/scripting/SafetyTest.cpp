@@ -9,7 +9,7 @@
 #include <thread>
 
 #ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/allocator_interface.h>
+extern "C" size_t __sanitizer_get_current_allocated_bytes(); // the compiler comes without its header
 #endif
 
 namespace {
