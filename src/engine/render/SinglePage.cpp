@@ -1,7 +1,6 @@
 #include "engine/render/SinglePage.h"
 
 #include "engine/ObjectCopier.h"
-#include "engine/render/UprightAnnotations.h"
 #include "engine/PageTreeWriter.h"
 #include "engine/content/PageContent.h"
 #include "engine/render/UprightAnnotations.h"
