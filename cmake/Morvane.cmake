@@ -24,6 +24,11 @@ if(MORVANE_SANITIZE STREQUAL "address")
     target_compile_options(morvane_options INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     target_link_options(morvane_options INTERFACE -fsanitize=address,undefined)
+elseif(MORVANE_SANITIZE STREQUAL "fuzzer")
+    # Clang only: fuzz/ has programs that libFuzzer drives.
+    target_compile_options(morvane_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+        -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    target_link_options(morvane_options INTERFACE -fsanitize=address,undefined)
 elseif(MORVANE_SANITIZE STREQUAL "thread")
     target_compile_options(morvane_options INTERFACE -fsanitize=thread)
     target_link_options(morvane_options INTERFACE -fsanitize=thread)

@@ -11,23 +11,44 @@
 #include <QMimeDatabase>
 
 #include <qpdf/QPDFEmbeddedFileDocumentHelper.hh>
+#include <qpdf/QPDFNameTreeObjectHelper.hh>
 
 #include <cerrno>
 
 namespace {
 
-string ShownName(const std::string& key, QPDFFileSpecObjectHelper& file) {
-    const std::string name = file.getFilename();
-    return ExtractFileName(QString::fromStdString(name.empty() ? key : name).replace(u'\\', u'/'));
+/// The name that readers show of a file specification (ISO 32000-1, table 44).
+string ShownName(const std::string& key, const QPDFObjectHandle& file) {
+    string name = QString::fromStdString(key);
+    for (const char* of : {"/UF", "/F", "/Unix", "/DOS", "/Mac"}) {
+        const string told = TextOf(Entry(file, of));
+        if (told.isEmpty())
+            continue;
+        name = told;
+        break;
+    }
+    return ExtractFileName(name.replace(u'\\', u'/'));
 }
 
-void Remove(QPDFEmbeddedFileDocumentHelper& files, const string& name) {
-    std::vector<std::string> keys;
-    for (const auto& [key, file] : files.getEmbeddedFiles())
-        if (ShownName(key, *file) == name)
-            keys.push_back(key);
-    for (const std::string& key : keys)
-        files.removeEmbeddedFile(key);
+/// Shown names by the keys of the name tree. What of it is damaged has none.
+std::vector<std::pair<std::string, string>> NamesByKey(QPDF& pdf) {
+    std::vector<std::pair<std::string, string>> names;
+    QPDFObjectHandle tree = Entry(Entry(pdf.getRoot(), "/Names"), "/EmbeddedFiles");
+    if (!tree.isDictionary())
+        return names;
+    try {
+        for (const auto& [key, file] : QPDFNameTreeObjectHelper(tree, pdf))
+            if (QPDFObjectHandle spec = file; spec.isDictionary())
+                names.emplace_back(key, ShownName(key, spec));
+    } catch (const std::exception&) { // a tree that the library gave up on
+    }
+    return names;
+}
+
+void Remove(QPDF& pdf, QPDFEmbeddedFileDocumentHelper& files, const string& name) {
+    for (const auto& [key, shown] : NamesByKey(pdf))
+        if (shown == name)
+            files.removeEmbeddedFile(key);
 }
 
 } // namespace
@@ -56,7 +77,7 @@ void ApplyAttachments(TDocumentCore& core) {
     QPDF& pdf = *core.Source->Pdf;
     QPDFEmbeddedFileDocumentHelper files(pdf);
     for (const TAttachmentChange& change : core.Changes.Attachments) {
-        Remove(files, change.Name);
+        Remove(pdf, files, change.Name);
         if (change.Contents)
             files.replaceEmbeddedFile(change.Name.toStdString(), NewFileSpec(pdf, change));
     }
@@ -65,10 +86,8 @@ void ApplyAttachments(TDocumentCore& core) {
 
 QStringList AttachmentNames(const TPDFSource& source) {
     QStringList names;
-    if (!Entry(Entry(source.Pdf->getRoot(), "/Names"), "/EmbeddedFiles").isDictionary())
-        return names;
-    for (const auto& [key, file] : QPDFEmbeddedFileDocumentHelper(*source.Pdf).getEmbeddedFiles())
-        names.append(ShownName(key, *file));
+    for (const auto& [key, shown] : NamesByKey(*source.Pdf))
+        names.append(shown);
     return names;
 }
 

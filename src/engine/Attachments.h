@@ -8,7 +8,7 @@ void ApplyAttachments(TDocumentCore& core);
 /// The names that the file's own attachments are shown by.
 [[nodiscard]] QStringList AttachmentNames(const TPDFSource& source);
 
-/// A file specification with the file in it (ISO 32000-1, 7.11.3), for a change that has contents.
+/// The dictionary that names and holds the file (ISO 32000-1, 7.11.3), for a change that has contents.
 [[nodiscard]] QPDFObjectHandle NewFileSpec(QPDF& pdf, const TAttachmentChange& change);
 
 /// A change that attaches the file at `path`. Raises EFileError.

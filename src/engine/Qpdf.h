@@ -5,7 +5,7 @@
 #ifdef __clang__
 // Clang 14, which the lint runs on, can't read this header of libqpdf as C++20, and we need nothing in it.
 #define JSON_HH
-class JSON;
+class JSON {}; // complete, or headers that hold lists of it can't be precompiled
 #endif
 
 #include <qpdf/QPDF.hh>

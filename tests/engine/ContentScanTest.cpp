@@ -32,12 +32,25 @@ TEST(TContentScan, FindsWhatIsOpen) {
         {"q (unfinished (q", "))\nQ\n", {}},
         {"BI /W 9 ID abc q", "EI\n", {}},
         {"q <41", ">\nQ\n", {}},
+        {"q <", ">\nQ\n", {}},
     };
     for (const TCase& one : cases) {
         const TContentBalance balance = ScanContent(one.Content);
         EXPECT_EQ(balance.Closing, one.Closing) << one.Content;
         EXPECT_EQ(balance.ExcessRestores, one.Excess) << one.Content;
     }
+}
+
+TEST(TContentScan, DeepNestingTakesNoTime) {
+    std::string content;
+    std::string closing;
+    for (const char* word : {"BT ", "q ", "BMC "})
+        for (int i = 0; i < 200'000; ++i)
+            content += word;
+    for (int i = 0; i < 400'000; ++i)
+        closing += "ET ";
+    EXPECT_EQ(ScanContent(content + closing).Closing.size(),
+              200'000U * 6); // "EMC" and "Q", each with a line feed
 }
 
 } // namespace

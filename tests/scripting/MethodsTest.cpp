@@ -152,7 +152,7 @@ QList<TMethodCase> DocumentCases() {
          "Document.AddStampAnnotation(9, 9, 'PAID', 'Done', 0xFF, 0xFFFFFF, 0xCCCCCC)", Has,
          "/Subtype /Stamp"},
         {"TPDFDocument.AddStampAnnotationDefined",
-         "ShowMessage(Document.AddStampAnnotationDefined('Standard.Paid'))", Said, "null"},
+         "ShowMessage(String(Document.AddStampAnnotationDefined('Standard.Paid')))", Said, "null"},
         {"TPDFDocument.AddFileAttachAnnotation", "Document.AddFileAttachAnnotation(9, 9, 'DIR/note.txt')",
          Attached, "note.txt"},
         {"TPDFDocument.AddLinkAnnotation", "Document.AddLinkAnnotation(9, 9, 99, 99, 2)", Has,

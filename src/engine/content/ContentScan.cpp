@@ -35,12 +35,14 @@ public:
         FResult.Closing = FCutOff;
         if (FPathOpen)
             FResult.Closing += "n\n";
-        for (auto open = FOpen.rbegin(); open != FOpen.rend(); ++open)
-            FResult.Closing += *open == 'q' ? "Q\n" : *open == 'B' ? "ET\n" : "EMC\n";
+        for (TKind last = Latest(); Close(last); last = Latest())
+            FResult.Closing += last == State ? "Q\n" : last == TextObject ? "ET\n" : "EMC\n";
         return std::move(FResult);
     }
 
 private:
+    enum TKind : size_t { State, TextObject, MarkedContent, Kinds };
+
     void Next() {
         const char c = FData[FPos];
         if (IsRegular(c)) {
@@ -50,7 +52,7 @@ private:
             Operator(FData.substr(start, FPos - start), start);
         } else if (c == '(') {
             SkipString();
-        } else if (c == '<' && FPos + 1 < FData.size() && FData[FPos + 1] != '<') {
+        } else if (c == '<' && FData.substr(FPos, 2) != "<<") {
             SkipPast('>');
         } else if (c == '%') {
             FPos = std::min(FData.find_first_of("\r\n", FPos), FData.size());
@@ -93,9 +95,9 @@ private:
             break;
         case 2:
             if (word == "BT")
-                FOpen.push_back('B');
+                Open(TextObject);
             else if (word == "ET")
-                Close('B');
+                Close(TextObject);
             else if (word == "re")
                 FPathOpen = true;
             else if (word == "ID")
@@ -105,9 +107,9 @@ private:
             break;
         case 3:
             if (word == "BDC" || word == "BMC")
-                FOpen.push_back('M');
+                Open(MarkedContent);
             else if (word == "EMC")
-                Close('M');
+                Close(MarkedContent);
             break;
         default:
             break;
@@ -117,10 +119,10 @@ private:
     void OneLetter(char letter, size_t at) {
         switch (letter) {
         case 'q':
-            FOpen.push_back('q');
+            Open(State);
             break;
         case 'Q':
-            if (!Close('q'))
+            if (!Close(State))
                 FResult.ExcessRestores.push_back(at);
             break;
         case 'm':
@@ -144,12 +146,22 @@ private:
         }
     }
 
-    bool Close(char kind) {
-        const auto last = std::find(FOpen.rbegin(), FOpen.rend(), kind);
-        if (last == FOpen.rend())
+    void Open(TKind kind) { FOpen[kind].push_back(++FOpened); }
+
+    bool Close(TKind kind) {
+        if (FOpen[kind].empty())
             return false;
-        FOpen.erase(std::next(last).base());
+        FOpen[kind].pop_back();
         return true;
+    }
+
+    /// The kind of what was opened last; any if nothing is open.
+    [[nodiscard]] TKind Latest() const {
+        size_t latest = State;
+        for (size_t kind = State; kind < Kinds; ++kind)
+            if (!FOpen[kind].empty() && (FOpen[latest].empty() || FOpen[kind].back() > FOpen[latest].back()))
+                latest = kind;
+        return TKind(latest);
     }
 
     /// To behind the EI that ends the data: between white space, and followed by what looks like content
@@ -179,7 +191,10 @@ private:
 
     std::string_view FData;
     size_t FPos = 0;
-    std::string FOpen; // q, B for a text object, M for marked content
+    // What is open of each kind, as the numbers of its openings: one list for all would take quadratic time
+    // where hostile content nests deeply.
+    std::array<std::vector<size_t>, Kinds> FOpen;
+    size_t FOpened = 0;
     bool FPathOpen = false;
     std::string FCutOff; // closes the string or inline image in which damaged content ends
     TContentBalance FResult;

@@ -2,8 +2,8 @@
 
 #include "engine/images/ImageFile.h"
 
+#include <ctime>
 #include <sys/stat.h>
-#include <time.h>
 
 namespace {
 

@@ -66,6 +66,14 @@ inline void RequireDecodable(qint64 width, qint64 height, int bitsPerPixel) {
         throw EImageError("too large: it has more than 200 million pixels or takes more than a gigabyte");
 }
 
+/// Raises EImageError where so few bytes can't hold that many samples, so that a small file that claims to be
+/// a large image takes no time. `ratio` is the most that a coding shrinks anything.
+inline void RequirePlausible(size_t coded, size_t decoded, size_t ratio) {
+    constexpr size_t Harmless = 4 << 20;
+    if (decoded > Harmless && coded < decoded / ratio)
+        throw EImageError("damaged: it ends too early");
+}
+
 /// Numbers in files. They must be known to be there.
 inline quint32 BigEndian(std::string_view bytes, size_t at, int count) {
     quint32 value = 0;

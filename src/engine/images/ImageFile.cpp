@@ -47,15 +47,17 @@ TImageData Read(std::string bytes) {
     if (IsJpeg(bytes))
         return ReadJpeg(std::move(bytes));
     if (IsPng(bytes))
-        return ReadPng(std::move(bytes));
+        return ReadPng(bytes);
     if (IsTiff(bytes))
-        return ReadTiff(std::move(bytes));
-    return ReadOther(std::move(bytes));
+        return ReadTiff(bytes);
+    return ReadOther(bytes);
 }
 
 qint64 SizeOf(const TImageData& image) {
-    const size_t alpha = image.Alpha ? image.Alpha->Data.size() : 0;
-    return qint64(image.Data.size() + image.Palette.size() + image.Profile.size() + alpha);
+    size_t size = image.Data.size() + image.Palette.size() + image.Profile.size();
+    if (image.Alpha)
+        size += image.Alpha->Data.size();
+    return qint64(size);
 }
 
 } // namespace

@@ -24,7 +24,7 @@ Double Encoded(Double light) {
         }
         return values;
     }();
-    return Double(table[size_t(std::clamp(light, 0.0, 1.0) * Steps + 0.5)]);
+    return Double(table[size_t(std::lround(std::clamp(light, 0.0, 1.0) * Steps))]);
 }
 
 /// From lightness in 0 to 100. The matrix is sRGB's, adapted by Bradford's rule to the white of D50.
@@ -54,7 +54,7 @@ void LabToRgb(std::string& rows, int bits, int samples, TLabNumbers numbers) {
         const Double lightness = BigEndian(rows, at, int(sample)) * 100 / most;
         const TVector rgb = Rgb(lightness, opponent(1), opponent(2));
         for (size_t i = 0; i < 3; ++i) {
-            const auto value = quint32(rgb[i] * most + 0.5);
+            const auto value = quint32(std::lround(rgb[i] * most));
             rows[at + (i + 1) * sample - 1] = char(value);
             if (sample == 2)
                 rows[at + i * sample] = char(value >> 8);

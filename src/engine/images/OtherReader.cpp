@@ -28,12 +28,22 @@ QImage ReadImage(const std::string& file) {
     const QByteArray format = reader.format();
     if (std::none_of(std::begin(Formats), std::end(Formats), [&](const char* f) { return format == f; }))
         throw EImageError("not an image of a known format");
-    if (const QSize size = reader.size(); size.isValid())
-        RequireDecodable(size.width(), size.height(), 32);
+    // Qt doesn't tell the size of a GIF file beforehand, which may claim any for the canvas of its picture.
+    const bool isGif = format == "gif" && file.size() >= 10;
+    const QSize told =
+        isGif ? QSize(int(LittleEndian(file, 6, 2)), int(LittleEndian(file, 8, 2))) : reader.size();
+    const auto require = [&](QSize size, int depth) {
+        constexpr size_t MostCoded = 32'768;
+        RequireDecodable(size.width(), size.height(), depth);
+        if (isGif)
+            RequirePlausible(file.size(), size_t(size.width()) * size_t(size.height()) * 4, MostCoded);
+    };
+    if (!told.isEmpty())
+        require(told, 32);
     QImage image = reader.read();
     if (image.isNull())
         throw EImageError("damaged: its data makes no sense");
-    RequireDecodable(image.width(), image.height(), image.depth());
+    require(image.size(), image.depth());
     return image;
 }
 
@@ -52,15 +62,27 @@ std::string HighByteFirst(std::string rows) {
     return rows;
 }
 
-/// Rows of an image that has four samples of so many bytes a pixel, the last its opacity.
-void SplitAlpha(TImageData& result, const std::string& rows, size_t sample) {
-    std::string colors, alpha;
-    for (size_t at = 0; at < rows.size(); at += sample * 4) {
-        colors.append(rows, at, sample * 3);
-        alpha.append(rows, at + sample * 3, sample);
+/// Parts the opacity of each pixel from its colours.
+void TakeWithAlpha(TImageData& result, QImage image) {
+    const bool deep = image.pixelFormat().redSize() > 8;
+    const size_t sample = deep ? 2 : 1;
+    result.Components = 3;
+    result.Bits = int(sample) * 8;
+    image.convertTo(deep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
+    std::string colors;
+    std::string alpha;
+    colors.reserve(size_t(image.width()) * size_t(image.height()) * sample * 3);
+    alpha.reserve(size_t(image.width()) * size_t(image.height()) * sample);
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* pixel = reinterpret_cast<const char*>(image.constScanLine(y));
+        for (int x = 0; x < image.width(); ++x, pixel += sample * 4) {
+            colors.append(pixel, sample * 3);
+            alpha.append(pixel + sample * 3, sample);
+        }
     }
-    Pack(result, std::move(colors));
-    PackAlpha(result, int(sample) * 8, std::move(alpha));
+    image = {};
+    Pack(result, deep ? HighByteFirst(std::move(colors)) : std::move(colors));
+    PackAlpha(result, result.Bits, deep ? HighByteFirst(std::move(alpha)) : std::move(alpha));
 }
 
 /// Whether the palette goes in even steps of grey from black to white, or the other way round.
@@ -85,25 +107,28 @@ void TakeIndexed(TImageData& result, const QImage& image) {
     Pack(result, RowsOf(image, RowSize(result)));
 }
 
-void TakePixels(TImageData& result, const QImage& image) {
-    const bool indexed = image.format() == QImage::Format_Mono || image.format() == QImage::Format_Indexed8;
-    const bool deep = image.pixelFormat().redSize() > 8 || image.format() == QImage::Format_Grayscale16;
-    if (image.hasAlphaChannel()) {
-        result.Components = 3;
-        result.Bits = deep ? 16 : 8;
-        const QImage rgba = image.convertToFormat(deep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
-        std::string rows = RowsOf(rgba, size_t(rgba.width()) * size_t(rgba.depth()) / 8);
-        SplitAlpha(result, deep ? HighByteFirst(std::move(rows)) : rows, deep ? 2 : 1);
-    } else if (indexed && image.colorCount() > 0) {
-        TakeIndexed(result, image);
-    } else if (image.format() == QImage::Format_Grayscale8 || image.format() == QImage::Format_Grayscale16) {
-        result.Bits = image.depth();
+void TakePixels(TImageData& result, QImage image) {
+    const auto take = [&] {
         std::string rows = RowsOf(image, RowSize(result));
-        Pack(result, deep ? HighByteFirst(std::move(rows)) : std::move(rows));
-    } else {
+        image = {}; // gives back what packing needs
+        return rows;
+    };
+    switch (image.format()) {
+    case QImage::Format_Mono:
+    case QImage::Format_Indexed8:
+        TakeIndexed(result, image);
+        break;
+    case QImage::Format_Grayscale8:
+        Pack(result, take());
+        break;
+    case QImage::Format_Grayscale16:
+        result.Bits = 16;
+        Pack(result, HighByteFirst(take()));
+        break;
+    default:
         result.Components = 3;
-        const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-        Pack(result, RowsOf(rgb, RowSize(result)));
+        image.convertTo(QImage::Format_RGB888);
+        Pack(result, take());
     }
 }
 
@@ -125,17 +150,21 @@ void TakeResolution(TImageData& result, std::string_view file) {
 
 } // namespace
 
-TImageData ReadOther(std::string file) {
+TImageData ReadOther(const std::string& file) {
     QImage image = ReadImage(file);
     if (image.format() == QImage::Format_MonoLSB)
         image.convertTo(QImage::Format_Mono);
     TImageData result;
     result.Width = image.width();
     result.Height = image.height();
-    TakePixels(result, image);
+    const QColorSpace space = image.colorSpace();
+    if (image.hasAlphaChannel())
+        TakeWithAlpha(result, std::move(image));
+    else
+        TakePixels(result, std::move(image));
     TakeResolution(result, file);
-    if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb)) {
-        const QByteArray profile = image.colorSpace().iccProfile();
+    if (space.isValid() && space != QColorSpace(QColorSpace::SRgb)) {
+        const QByteArray profile = space.iccProfile();
         result.Profile = UsableProfile({profile.constData(), size_t(profile.size())},
                                        result.Palette.empty() ? result.Components : 3);
     }

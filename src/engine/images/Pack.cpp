@@ -8,7 +8,7 @@
 
 namespace {
 
-/// PNG's filters (PNG specification, 9), which PDF's predictor undoes: each byte is stored as its difference
+/// PNG's filters (ISO/IEC 15948, 9), which PDF's predictor undoes: each byte is stored as its difference
 /// to what its neighbours let expect.
 class TRowFilter {
 public:
@@ -54,7 +54,7 @@ private:
         }
     }
 
-    /// Leaves the filtered row in FTrial; gives the sum of its differences, by which the PNG specification
+    /// Leaves the filtered row in FTrial; gives the sum of its differences, by which the PNG standard
     /// advises to choose.
     quint64 Filter(char type, const quint8* row) {
         quint64 cost = 0;
@@ -116,8 +116,9 @@ void PackAlpha(TImageData& image, int bits, std::string rows) {
         std::string bitRows(rowSize * size_t(image.Height), '\0');
         for (size_t i = 0; i < rows.size(); ++i) {
             const size_t column = i % size_t(image.Width);
+            char& byte = bitRows[i / size_t(image.Width) * rowSize + column / 8];
             if (rows[i] != 0)
-                bitRows[i / size_t(image.Width) * rowSize + column / 8] |= char(0x80 >> column % 8);
+                byte = char(byte | 0x80 >> column % 8);
         }
         rows = std::move(bitRows);
     }

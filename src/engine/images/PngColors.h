@@ -1,5 +1,5 @@
 #pragma once
-// What a PNG file says of the meaning of its colours (PNG specification, 11.3.3).
+// What a PNG file says of the meaning of its colours (ISO/IEC 15948, 11.3.3).
 #include "engine/images/ImageData.h"
 
 class TPngColors {

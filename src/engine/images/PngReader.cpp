@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view Signature = "\x89PNG\r\n\x1A\n";
 
-/// The bits of a PNG file's colour type (PNG specification, 11.2.2).
+/// The bits of a PNG file's colour type (ISO/IEC 15948, 11.2.2).
 enum : int { UsesPalette = 1, UsesColor = 2, UsesAlpha = 4 };
 
 /// Goes through the chunks of a PNG file.
@@ -141,7 +141,7 @@ void SetColorKey(TImageData& image, std::string_view transparency) {
         return;
     const int mask = (1 << image.Bits) - 1;
     for (size_t i = 0; i < transparency.size(); i += 2) {
-        const int sample = int(BigEndian(transparency, i, 2)) & mask;
+        const auto sample = int(BigEndian(transparency, i, 2)) & mask;
         image.ColorKey.insert(image.ColorKey.end(), {sample, sample});
     }
 }
@@ -150,7 +150,8 @@ void SetColorKey(TImageData& image, std::string_view transparency) {
 void SplitAlpha(TImageData& image, const std::string& rows) {
     const auto sample = size_t(image.Bits / 8);
     const size_t colors = sample * size_t(image.Components);
-    std::string colorRows, alphaRows;
+    std::string colorRows;
+    std::string alphaRows;
     colorRows.reserve(rows.size() / (colors + sample) * colors);
     alphaRows.reserve(rows.size() / (colors + sample) * sample);
     for (size_t at = 0; at < rows.size(); at += colors + sample) {
@@ -167,14 +168,16 @@ bool IsPng(std::string_view file) {
     return file.starts_with(Signature);
 }
 
-TImageData ReadPng(std::string file) {
+TImageData ReadPng(const std::string& file) {
     TPngScan scan(file);
     scan.Run();
     TImageData& image = scan.Image;
     const auto decoded = [&](int components) {
+        constexpr size_t MostDeflated = 1032;
+        const size_t rowSize = (size_t(image.Width) * size_t(image.Bits) * size_t(components) + 7) / 8;
         RequireDecodable(image.Width, image.Height, image.Bits * components);
-        return DecodePng(file, image.Height,
-                         (size_t(image.Width) * size_t(image.Bits) * size_t(components) + 7) / 8);
+        RequirePlausible(image.Data.size(), rowSize * size_t(image.Height), MostDeflated);
+        return DecodePng(file, image.Height, rowSize);
     };
     if (scan.Has(UsesAlpha)) {
         SplitAlpha(image, decoded(image.Components + 1));

@@ -40,7 +40,7 @@ TTiffInput::TTiffInput(std::string_view file) : FFile(file) {
         throw EImageError("damaged: its header makes no sense");
 }
 
-void TTiffInput::Require(bool sound) const {
+void TTiffInput::Require(bool sound) {
     if (!sound)
         throw EImageError("damaged: its data makes no sense");
 }
@@ -89,6 +89,8 @@ std::string TTiffInput::Samples(int planes) {
     const size_t stride = (width * bits * (planes > 1 ? 1 : samples) + 7) / 8;
     if (Number(TIFFTAG_COMPRESSION) == COMPRESSION_JPEG && Number(TIFFTAG_PHOTOMETRIC) == PHOTOMETRIC_YCBCR)
         TIFFSetField(FTiff.get(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    constexpr size_t MostCoded = 32'768; // fax code makes next to nothing of white paper
+    RequirePlausible(FFile.size(), bits == 1 ? 0 : stride * height * size_t(planes), MostCoded);
     std::string rows(stride * height * size_t(planes), '\0');
     for (int plane = 0; plane < planes; ++plane)
         ReadPlane(rows.data() + size_t(plane) * stride * height, stride, plane);
@@ -119,7 +121,8 @@ void TTiffInput::ReadPlane(char* to, size_t stride, int plane) {
 }
 
 void TTiffInput::ReadTiles(char* to, size_t stride, int plane) {
-    quint32 tileWidth = 0, tileHeight = 0;
+    quint32 tileWidth = 0;
+    quint32 tileHeight = 0;
     Require(TIFFGetField(FTiff.get(), TIFFTAG_TILEWIDTH, &tileWidth) == 1 && tileWidth > 0);
     Require(TIFFGetField(FTiff.get(), TIFFTAG_TILELENGTH, &tileHeight) == 1 && tileHeight > 0);
     const quint64 tileSize = TIFFTileSize64(FTiff.get());

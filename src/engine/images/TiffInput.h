@@ -29,7 +29,7 @@ public:
 private:
     void ReadPlane(char* to, size_t stride, int plane);
     void ReadTiles(char* to, size_t stride, int plane);
-    void Require(bool sound) const;
+    static void Require(bool sound);
 
     static tmsize_t OnRead(thandle_t self, void* to, tmsize_t size);
     static toff_t OnSeek(thandle_t self, toff_t offset, int whence);

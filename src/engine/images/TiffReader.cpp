@@ -96,7 +96,8 @@ void TakeWithExtras(TImageData& image, const TLayout& layout, const std::string&
     const auto sample = size_t(layout.Bits / 8);
     const auto colorSize = sample * size_t(layout.Colors);
     const auto pixelSize = sample * size_t(layout.Samples);
-    std::string colors, alpha;
+    std::string colors;
+    std::string alpha;
     for (size_t at = 0; at < rows.size(); at += pixelSize) {
         colors.append(rows, at, colorSize);
         if (layout.Alpha != 0)
@@ -175,7 +176,7 @@ bool IsTiff(std::string_view file) {
            file.starts_with("MM\0+"sv);
 }
 
-TImageData ReadTiff(std::string file) {
+TImageData ReadTiff(const std::string& file) {
     TTiffInput tiff(file);
     TImageData image;
     image.Width = tiff.Number(TIFFTAG_IMAGEWIDTH);

@@ -6,7 +6,7 @@
 #include <cmath>
 
 TPDFObjectPtr NewObject(const QPDFObjectHandle& object) {
-    auto handle = std::make_shared<TPDFObject::THandle>(object);
+    auto handle = std::make_shared<TPDFObject::THandle>(TPDFObject::THandle{object});
     QPDFObjectHandle typed = object;
     if (typed.isDictionary())
         return std::make_shared<TPDFDictionary>(std::move(handle));

@@ -59,7 +59,7 @@ qint64 CountOf(const TOutlineNode& node) {
 } // namespace
 
 TOutlineWriter::TOutlineWriter(TDocumentCore& core, const TOutlineNodes& nodes)
-    : FCore(core), FPdf(*core.Source->Pdf), FNodes(nodes) {
+    : FPdf(*core.Source->Pdf), FNodes(nodes) {
     for (const auto& page : core.Pages.Items())
         FPages.emplace(page->Id(), page.get());
 }

@@ -19,7 +19,6 @@ private:
     void Count();
     [[nodiscard]] QPDFObjectHandle DestinationOf(const TOutlineTarget& target) const;
 
-    TDocumentCore& FCore;
     QPDF& FPdf;
     const TOutlineNodes& FNodes;
     std::unordered_map<quint64, const TZQPDFPage*> FPages; // by their ids
