@@ -2,8 +2,10 @@
 #include "base/PartFile.h"
 #include "engine/Document.h"
 #include "engine/EmbeddedFiles.h"
+#include "engine/layers/LayerImage.h"
 #include "fuzz/Target.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 namespace {
@@ -24,7 +26,17 @@ void Walk(TZQPDFDocument& document) {
     static_cast<void>(document.GetEmbeddedFiles().Names());
 }
 
-void Change(TZQPDFDocument& document) {
+/// The smallest picture, of one pixel.
+string PictureIn(const QTemporaryDir& folder) {
+    const string path = folder.filePath(QStringLiteral("a.pgm"));
+    QFile file(path);
+    Require(file.open(QIODevice::WriteOnly) && file.write("P5 1 1 255\nx") > 0,
+            "the picture can't be written");
+    return path;
+}
+
+void Change(TZQPDFDocument& document, const string& picture) {
+    (new TZQPDFImage(&document.Pages().getItem(0).Layers()))->LoadFromFile(picture); // the collection's
     document.SetInfoString("Title", QStringLiteral("t"), false /* keepExisting */);
     document.RotatePages(QStringLiteral("1"), 90);
     document.InsertPages(1, 1, 100, 100, true /* before */);
@@ -32,12 +44,12 @@ void Change(TZQPDFDocument& document) {
     document.DeletePageRange(QStringLiteral("1"));
 }
 
-void Run(const string& path, const string& output) {
+void Run(const string& path, const string& picture, const string& output) {
     TZQPDFDocument document(nullptr);
     document.OpenFromFile(path, {});
     Walk(document);
     if (document.GetPageCount() <= MaxPages)
-        Change(document);
+        Change(document, picture);
     document.SaveToPath(output, true /* keepSource */, false /* takeName */);
     TZQPDFDocument again(nullptr);
     again.OpenFromFile(output, {});
@@ -48,10 +60,11 @@ void Run(const string& path, const string& output) {
 
 int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     static const QTemporaryDir folder;
+    static const string picture = PictureIn(folder);
     SetFileSync(FileSync::Off);
     const TInputFile input(data, size);
     try {
-        Run(input.Path(), folder.filePath(QStringLiteral("out.pdf")));
+        Run(input.Path(), picture, folder.filePath(QStringLiteral("out.pdf")));
     } catch (const Exception&) {
     }
     return 0;

@@ -109,7 +109,7 @@ private:
 /// The opacity of each pixel by the palette's.
 std::string PaletteAlpha(const TImageSamples& samples, std::string_view rows, std::string_view opacity) {
     const size_t rowSize = RowSize(samples);
-    const size_t perByte = size_t(8 / samples.Bits);
+    const auto perByte = size_t(8 / samples.Bits);
     const int mask = (1 << samples.Bits) - 1;
     std::string alpha;
     alpha.reserve(size_t(samples.Width) * size_t(samples.Height));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 #include <unordered_set>
 
 namespace {
@@ -78,8 +77,8 @@ void TOutlineWriter::Write() {
 /// Children come behind their parents, so that from the back a heading is met when it has lost them.
 void TOutlineWriter::LeaveOut() {
     std::unordered_set<const TOutlineNode*> gone;
-    for (const auto& item : std::views::reverse(FNodes)) {
-        TOutlineNode& node = *item;
+    for (auto item = FNodes.rbegin(); item != FNodes.rend(); ++item) {
+        TOutlineNode& node = **item;
         if (node.Changed)
             std::erase_if(node.Children, [&](const TOutlineNode* child) { return gone.contains(child); });
         if (node.Target && !FPages.contains(node.Target->PageId) && node.Children.empty())
@@ -141,8 +140,8 @@ void TOutlineWriter::Link() {
 /// open.
 void TOutlineWriter::Count() {
     std::unordered_map<const TOutlineNode*, qint64> shown;
-    for (const auto& item : std::views::reverse(FNodes)) {
-        const TOutlineNode& node = *item;
+    for (auto item = FNodes.rbegin(); item != FNodes.rend(); ++item) {
+        const TOutlineNode& node = **item;
         qint64& count = shown[&node];
         for (const TOutlineNode* child : node.Children)
             count += 1 + (CountOf(*child) > 0 ? shown[child] : 0);
