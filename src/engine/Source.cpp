@@ -3,7 +3,10 @@
 #include "base/Paths.h"
 #include "engine/Teardown.h"
 
+#include <qpdf/QPDFLogger.hh>
 #include <qpdf/QUtil.hh>
+
+#include <mutex>
 
 namespace {
 
@@ -29,7 +32,15 @@ std::vector<std::string> Spellings(const NarrowString& password) {
     return spellings;
 }
 
+/// What the library has to say of objects that belong to no document goes to standard error, without a name.
+void SilenceLibrary() {
+    const auto logger = QPDFLogger::defaultLogger();
+    logger->setError(logger->discard());
+}
+
 std::shared_ptr<QPDF> NewQpdf() {
+    static std::once_flag silenced;
+    std::call_once(silenced, SilenceLibrary);
     auto pdf = QPDF::create();
     pdf->setSuppressWarnings(true);
     return pdf;
