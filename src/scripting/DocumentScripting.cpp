@@ -1,11 +1,11 @@
 #include "scripting/DocumentScripting.h"
 
-#include "bates/BatesDictionary.h"
 #include "engine/Permissions.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 #include "engine/watermark/WatermarkSettings.h"
 #include "scripting/GlobalFunctions.h"
+#include "scripting/ScriptBates.h"
 
 namespace {
 
@@ -26,9 +26,9 @@ const QList<const QMetaObject*>& ContentClasses() {
     return classes;
 }
 
-/// The store of Bates schemes: what AddBatesNumbering takes can be looked up and kept there.
+/// The store of Bates schemes, so that a script can number files one after the other.
 const QList<const QMetaObject*>& BatesClasses() {
-    static const QList<const QMetaObject*> classes{&TZQPDFBatesDictionary::staticMetaObject};
+    static const QList<const QMetaObject*> classes{&TJSBatesDictionary::staticMetaObject};
     return classes;
 }
 

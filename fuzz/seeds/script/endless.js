@@ -1,0 +1,1 @@
+for (;;) { new Uint8Array(1e6); }

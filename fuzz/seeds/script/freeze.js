@@ -1,0 +1,1 @@
+Object.freeze(globalThis); eval("1" + "+1"); /(a+)+$/.test("aaaaaaaaaaaaaaaaaaaaaaaaaaaaab")

@@ -1,0 +1,1 @@
+const p = new TPDFDocPermissions(); p.Print = false; p.Load(p); p.Print

@@ -1,0 +1,1 @@
+async function f() { await 1; throw new Error("x"); } f()

@@ -1,0 +1,1 @@
+try { (function r() { r(); })(); } catch (e) { e.message }
