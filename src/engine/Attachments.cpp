@@ -17,7 +17,7 @@
 
 namespace {
 
-/// The name that readers show of a file specification (ISO 32000-1, table 44).
+/// The name that readers show of an attached file (ISO 32000-1, table 44).
 string ShownName(const std::string& key, const QPDFObjectHandle& file) {
     string name = QString::fromStdString(key);
     for (const char* of : {"/UF", "/F", "/Unix", "/DOS", "/Mac"}) {
