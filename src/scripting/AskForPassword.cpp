@@ -22,11 +22,6 @@ public:
 
 std::atomic<TPasswordPrompt*> RegisteredPrompt = nullptr;
 
-bool Fits(const string& fileName, const string& password, TIsPasswordOkOption option) {
-    TPDFSecurityHandlerType handlerType{};
-    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
-}
-
 } // namespace
 
 TPasswordPrompt& PasswordPrompt() {
@@ -39,9 +34,14 @@ void SetPasswordPrompt(TPasswordPrompt* prompt) {
     RegisteredPrompt.store(prompt);
 }
 
+bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {
+    TPDFSecurityHandlerType handlerType{};
+    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
+}
+
 bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password) {
     string candidate = Password;
-    while (!Fits(FileName, candidate, Option)) {
+    while (!PasswordFits(FileName, candidate, Option)) {
         const bool owner = Option == TIsPasswordOkOption::poPermission;
         const std::optional<string> typed =
             PasswordPrompt().Ask(SFileProtected.arg(ExtractFileName(FileName)) + u' ' +

@@ -23,6 +23,10 @@ public:
 /// Not owned; null takes the registered one away. Prompts that are open keep theirs.
 void SetPasswordPrompt(TPasswordPrompt* prompt);
 
+/// Whether it is a password of that kind for the file; true for a file without protection. Raises what
+/// TPDFDocument::IsPasswordOk raises.
+[[nodiscard]] bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option);
+
 /// Whether `Password`, or one that the user types, is one of the kind `Option` for the file; `Password`
 /// becomes the one that fits, and stays as it was on Cancel. A file without protection needs no answer. There
 /// is no limit on attempts. Raises what the test of a password raises (TPDFDocument::IsPasswordOk).

@@ -1,15 +1,11 @@
 #include "engine/Document.h"
 #include "engine/Security.h"
+#include "scripting/AskForPassword.h"
 #include "scripting/ScriptDocument.h"
 
 #include <iterator>
 
 namespace {
-
-bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {
-    TPDFSecurityHandlerType handlerType{};
-    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
-}
 
 /// Only an owner may change how a document is protected, and a signature would no longer hold.
 bool MayProtect(const TZQPDFDocument& document) {
