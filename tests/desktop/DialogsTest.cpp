@@ -167,6 +167,8 @@ TEST_F(FileDialogTest, AnswersWithTheNameAndItsDefaultExtension) {
     OnDialog([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.directory().path(), QFileInfo(asked.FileName).path());
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        name->setFocus();
         name->selectAll();
         QTest::keyClicks(name, "new");
         QTest::keyClick(name, Qt::Key_Return);
