@@ -3,7 +3,9 @@
 #include <QAbstractButton>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -82,9 +84,11 @@ void AddButtons(QMessageBox& box, int flags) {
 
 /// A text that would push the buttons off the screen shows its beginning, and the rest on demand.
 void SetTextOf(QMessageBox& box, const string& text) {
-    constexpr qsizetype MostLines = 30;
-    constexpr qsizetype MostCharacters = 3000;
-    const string head = text.section(u'\n', 0, MostLines - 1).left(MostCharacters);
+    const QScreen* screen = box.screen();
+    const int room = screen ? screen->availableGeometry().height() / 2 : 0;
+    const int lines = std::max(room / box.fontMetrics().lineSpacing(), 5);
+    constexpr int CharactersALine = 80;
+    const string head = text.section(u'\n', 0, lines - 1).left(qsizetype(lines) * CharactersALine);
     if (head.size() == text.size()) {
         box.setText(text);
         return;

@@ -34,7 +34,6 @@ TfrmPassword::TfrmPassword(const string& message)
       TeButton1(new QPushButton(QStringLiteral("&OK"), this)),
       TeButton2(new QPushButton(QStringLiteral("&Cancel"), this)) {
     setWindowTitle(QStringLiteral("Password"));
-    setWindowFlag(Qt::WindowContextHelpButtonHint, /*on=*/false);
     Label1->setTextFormat(Qt::PlainText); // a file's name is no mark-up
     Label1->setWordWrap(/*on=*/true);
     Label2->setBuddy(TeSEdit1);
