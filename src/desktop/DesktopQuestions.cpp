@@ -30,6 +30,8 @@ TDesktopQuestions::TDesktopQuestions() : FQueue(TMessageQueue::OfThisThread()) {
 
 TDesktopQuestions::~TDesktopQuestions() {
     CloseAll();
+    // No event loop comes any more that would delete what has been closed.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void TDesktopQuestions::Ask(const TMake& make, const TTake& take) {
