@@ -39,6 +39,7 @@ TEST_F(ScriptProgramTest, ChecksFilesWithoutADisplay) {
     const QString marked = FFiles.Write("m.js", QByteArray("\xEF\xBB\xBF") + "x = (1;");
     const QString wide = FFiles.Write("w.js", QByteArray("\xFF\xFE\n\0!\0", 6));
     const QString binary = FFiles.Write("b.js", "\xFF\x00\x01");
+    const QString deep = FFiles.Write("d.js", QByteArray(500'000, '('));
     const QString gone = FFiles.Path("gone.js");
     const struct {
         QStringList Files;
@@ -49,6 +50,7 @@ TEST_F(ScriptProgramTest, ChecksFilesWithoutADisplay) {
         {{unclosed}, 4, "^" + unclosed + ":3:7: SyntaxError: [^\n]+\n$"},
         {{marked}, 4, "^" + marked + ":1:7: SyntaxError: [^\n]+\n$"},
         {{wide}, 4, "^" + wide + ":2:2: SyntaxError: [^\n]+\n$"},
+        {{deep}, 4, "^" + deep + ":1:1: InternalError: too much recursion\n$"},
         {{gone}, 1, "^morvane-script: Cannot open \"" + gone + "\": No such file or directory\n$"},
         {{FFiles.Path()}, 1, "Is a directory\n$"},
         {{binary}, 1, "\"" + binary + "\" is no UTF-8 or UTF-16 text.\n$"},

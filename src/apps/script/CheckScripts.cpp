@@ -11,10 +11,17 @@ namespace {
 
 constexpr Cardinal HeapLimit = 256 << 20; // for the largest file's syntax tree
 
+/// A place that the engine doesn't know is the file's beginning.
+void PrintFault(const string& path, const TJSMessage& message) {
+    std::fprintf(stderr, "%s:%d:%d: %s\n", Narrow(path).constData(), std::max(message.Line, 1),
+                 std::max(message.Column, 1), Narrow(message.Text).constData());
+}
+
 TExitCode CheckScript(TJSEngine& engine, const string& path) {
     const TScriptFile file(path);
     if (!file.Exists())
         throw EFileError(QStringLiteral("open"), path, ENOENT);
+    engine.OnMessage = [&path](const TJSMessage& message) { PrintFault(path, message); };
     return engine.Global().Compile(file.Text(), Narrow(path)) ? ExitDone : ExitFaults;
 }
 
@@ -27,10 +34,6 @@ TExitCode Worse(TExitCode a, TExitCode b) {
 
 TExitCode CheckScripts(const QStringList& paths) {
     TJSEngine engine(HeapLimit);
-    engine.OnMessage = [](const TJSMessage& message) {
-        std::fprintf(stderr, "%s:%d:%d: %s\n", Narrow(message.ScriptName).constData(), message.Line,
-                     message.Column, Narrow(message.Text).constData());
-    };
     TExitCode worst = ExitDone;
     for (const string& path : paths) {
         try {
