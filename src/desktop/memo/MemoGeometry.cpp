@@ -140,6 +140,21 @@ QRect TMemoGeometry::CaretRect() const {
     return {x, YOf(row), width > 0 ? width : FCell.W, FCell.H};
 }
 
+QRect TMemoGeometry::FoldBox(int row) const {
+    const TLineProp* prop = FMemo.Lines().GetLineProp(row);
+    if (!FMemo.Folding().Enabled() || !prop || !prop->FHasChildren)
+        return {};
+    const int size = std::min({9, FoldWidth, FCell.H - 2}) / 2 * 2 + 1; // odd: its signs have a middle
+    return {GutterWidth() + (FoldWidth - size) / 2, YOf(row) + (FCell.H - size) / 2, size, size};
+}
+
+int TMemoGeometry::FoldMarkAt(QPoint at) const {
+    if (at.x() < GutterWidth() || at.x() >= GutterWidth() + FoldWidth || at.y() < 0)
+        return -1;
+    const int row = RowAt(at.y());
+    return RowRect(row).contains(at.x(), at.y()) && !FoldBox(row).isEmpty() ? row : -1;
+}
+
 std::vector<int> TMemoGeometry::RowsInView() const {
     std::vector<int> rows;
     const int count = FMemo.Lines().Count();

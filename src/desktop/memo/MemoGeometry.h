@@ -7,6 +7,7 @@
 #include "editor/Memo.h"
 
 #include <QFont>
+#include <QPoint>
 #include <QRect>
 #include <QTextLayout>
 
@@ -56,6 +57,11 @@ public:
     [[nodiscard]] QRect RowRect(int row) const;
     /// The cell of the caret, as wide as the character in it.
     [[nodiscard]] QRect CaretRect() const;
+
+    /// The box that opens and closes the fold of a row; empty where none starts.
+    [[nodiscard]] QRect FoldBox(int row) const;
+    /// The row whose fold box, with the air around it, is there; -1 if none is.
+    [[nodiscard]] int FoldMarkAt(QPoint at) const;
 
     /// The rows that show, from the top; the last may show in part.
     [[nodiscard]] std::vector<int> RowsInView() const;
