@@ -18,7 +18,8 @@ public:
     void DeleteSelection();
     /// Puts `text` in the place of a range in text order, as one undo step. Caret and selection go to the two
     /// offsets (TMemoWords::TextFromPos), of which the second is the caret's. Folds that hide any of it
-    /// open, and marks on its lines are given up. With word wrap the range must begin where a line does, wherever wrapping cuts.
+    /// open, and marks on its lines are given up. With word wrap the range must begin where a line does,
+    /// wherever wrapping cuts.
     void ReplaceRange(const TSelectionRange& range, const string& text, int anchor, int caret);
 
     void CutToClipBoard();

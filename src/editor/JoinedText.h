@@ -1,6 +1,6 @@
 #pragma once
-// The whole text in one piece, with wrapped lines joined and a line feed between lines, and the way between its
-// offsets and the rows of the store. The offsets are those of TMemoWords, found faster.
+// The whole text in one piece, with wrapped lines joined and a line feed between lines, and the way between
+// its offsets and the rows of the store. The offsets are those of TMemoWords, found faster.
 #include "base/Text.h"
 
 class TAdvCustomMemo;

@@ -1,7 +1,7 @@
 #pragma once
-// Commands for whole lines: those that the selection touches, or the caret's. A selection that ends at the start
-// of a line doesn't count that one. Each is one undo step, keeps the selection on its text, and does nothing
-// where the text can't be edited.
+// Commands for whole lines: those that the selection touches, or the caret's. A selection that ends at the
+// start of a line doesn't count that one. Each is one undo step, keeps the selection on its text, and does
+// nothing where the text can't be edited.
 #include "base/Text.h"
 
 class TAdvCustomMemo;
@@ -10,8 +10,8 @@ class TLineCommands {
 public:
     explicit TLineCommands(TAdvCustomMemo& memo) : FMemo(memo) {}
 
-    /// Puts the styler's mark of line comments before each line, below one another, or takes it away where all
-    /// lines have it. Blank lines are left alone.
+    /// Puts the styler's mark of line comments before each line, below one another, or takes it away where
+    /// all lines have it. Blank lines are left alone.
     void ToggleComment();
     void MoveUp();
     void MoveDown();

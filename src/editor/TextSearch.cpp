@@ -84,7 +84,8 @@ bool TTextSearch::Update() {
 QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
     const bool inPair = offset > 0 && offset < FSubject.size() && FSubject[offset].isLowSurrogate();
     offset += inPair ? 1 : 0;
-    const QRegularExpressionMatch match = FPattern.match(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
+    const QRegularExpressionMatch match =
+        FPattern.match(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
     if (!match.isValid())
         Fail(TooMuchWork, 0);
     return match;

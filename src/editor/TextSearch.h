@@ -1,6 +1,6 @@
 #pragma once
-// TTextSearch: finds and replaces in the control's text. Expressions may span lines; ^ and $ stand at the ends
-// of each.
+// TTextSearch: finds and replaces in the control's text. Expressions may span lines; ^ and $ stand at the
+// ends of each.
 //
 // The matches of the whole text are found once per text and query, as far as the caps allow; beyond them the
 // search goes on from where it is needed.
@@ -64,8 +64,8 @@ public:
     /// The columns of `row` that matches cover.
     [[nodiscard]] std::vector<TColumnRange> ColumnsOf(int row);
 
-    /// Replaces the selection if it is a match, and finds the next one. In the text for an expression \1 or $1
-    /// stand for its groups, \0 or $0 for the match, \n and \t for line break and tab.
+    /// Replaces the selection if it is a match, and finds the next one. In the text for an expression \1 or
+    /// $1 stand for its groups, \0 or $0 for the match, \n and \t for line break and tab.
     TFound Replace(const string& by);
     /// Replaces all matches, as one undo step with the caret kept. Returns how many there were.
     int ReplaceAll(const string& by);
@@ -85,7 +85,7 @@ private:
     TJoinedText FText;
     TSearchQuery FQuery;
     QRegularExpression FPattern;
-    string FSubject; // the text, fit for matching
+    string FSubject;     // the text, fit for matching
     bool FFresh = false; // FMatches are those of FText and FPattern
     bool FWhole = false; // and all of them
     std::vector<TTextMatch> FMatches;

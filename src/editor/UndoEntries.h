@@ -111,8 +111,8 @@ public:
 };
 
 /// A stretch of text that another took the place of, in one entry: a pair of linked ones could lose a half at
-/// the end of the history. The ends of both stretches are taken anew whenever they are put in, since word wrap
-/// may cut differently.
+/// the end of the history. The ends of both stretches are taken anew whenever they are put in, since word
+/// wrap may cut differently.
 class TReplaceUndo : public TUndo {
 public:
     /// `range` in text order; `old` is what it holds.

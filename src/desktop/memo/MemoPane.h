@@ -1,6 +1,6 @@
 #pragma once
-// The script editor as dialogs use it: the editor's window with its find bar, its go-to-line bar and its status
-// line, and the keys that lead to them.
+// The script editor as dialogs use it: the editor's window with its find bar, its go-to-line bar and its
+// status line, and the keys that lead to them.
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/StatusLine.h"
 #include "editor/LineCommands.h"
@@ -27,6 +27,7 @@ public:
 private:
     void AddKey(const QKeySequence& key, const std::function<void()>& call);
     void TakeState();
+    void TakeFindMessage(const string& text, TMessageKind kind);
 
     TMemoWidget* const FEditor; // Qt's parents own the windows
     TTextSearch FSearch;
@@ -35,4 +36,5 @@ private:
     TGoToLine* FGoTo = nullptr;
     TStatusLine* FStatus = nullptr;
     unsigned FMessageRevision = 0; // the text's, when the message came
+    bool FMessageFromFind = false;
 };
