@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoWidget.h"
 
+#include "desktop/memo/AssistWindows.h"
 #include "desktop/memo/MemoKeyboard.h"
 #include "desktop/memo/MemoMouse.h"
 #include "desktop/memo/MemoPainter.h"
@@ -10,7 +11,7 @@
 #include <QStyleHints>
 
 TMemoWidget::TMemoWidget(QWidget* parent)
-    : QAbstractScrollArea(parent), FPainter(std::make_unique<TMemoPainter>(*this)),
+    : QAbstractScrollArea(parent), FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
       FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FMouse(std::make_unique<TMemoMouse>(*this)) {
     FMemo.View = this;
     setFocusPolicy(Qt::StrongFocus);

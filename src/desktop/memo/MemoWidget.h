@@ -7,6 +7,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 
+class TAssistWindows;
 class TMemoKeyboard;
 class TMemoMouse;
 class TMemoPainter;
@@ -71,6 +72,7 @@ private:
     TAdvMemo FMemo;
     TMemoGeometry FGeometry{FMemo, *viewport()};
     TMemoCompletion FCompletion{FMemo};
+    const std::unique_ptr<TAssistWindows> FAssist;
     const std::unique_ptr<TMemoPainter> FPainter;
     const std::unique_ptr<TMemoKeyboard> FKeyboard;
     const std::unique_ptr<TMemoMouse> FMouse;
