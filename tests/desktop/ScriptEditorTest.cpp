@@ -84,7 +84,7 @@ TEST_F(ScriptEditorTest, AScriptIsWrittenWithCompletionAndConfirmed) {
         editor.Key(Qt::Key_Return);
         EXPECT_EQ(editor.Text(), "Document.\n");
         editor.Key(Qt::Key_Space, Qt::ControlModifier);
-        EXPECT_THAT(editor.Offered(), Contains("function GetLastError  Cardinal;"));
+        EXPECT_THAT(editor.Offered(), Contains("function GetLastError  Integer;"));
         EXPECT_THAT(editor.Offered(), Not(Contains("Document.")));
         editor.Type("SaveA");
         editor.Key(Qt::Key_Return);
@@ -171,7 +171,7 @@ TEST_F(ScriptEditorTest, KeysOfTheDialogOutsideAndInsideTheScript) {
                      editor.Key(key);
                      EXPECT_TRUE(editor.IsOpen());
                  }
-                 EXPECT_EQ(editor.Text(), "\n    \na\n");
+                 EXPECT_EQ(editor.Text(), "\n    \n    a\n");
                  for (int i = 0; i < 10; ++i)
                      editor.Key(Qt::Key_Z, Qt::ControlModifier);
                  EXPECT_EQ(editor.Text(), "a\n");
