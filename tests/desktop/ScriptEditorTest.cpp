@@ -22,7 +22,7 @@ public:
     explicit TOpenEditor(TfrmJavaScriptEditor& form) : FForm(form) {
         Editor().activateWindow();
         Editor().setFocus();
-        QApplication::processEvents();
+        (void)QTest::qWaitForWindowActive(&form);
     }
     [[nodiscard]] TMemoWidget& Editor() { return *FForm.findChild<TMemoWidget*>(); }
     [[nodiscard]] TMemoCompletion& Completion() { return Editor().Completion(); }
@@ -37,9 +37,9 @@ public:
             texts.append(entry.Text);
         return texts;
     }
-    void Type(const char* text) { QTest::keyClicks(&Editor(), QString::fromUtf8(text)); }
+    void Type(const char* text) { RealKeys::Type(&Editor(), QString::fromUtf8(text)); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        RealKeys::Click(QApplication::focusWidget(), key, modifiers);
     }
     void Click(const char* caption) {
         for (QPushButton* button : FForm.findChildren<QPushButton*>())
