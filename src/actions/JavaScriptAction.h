@@ -12,4 +12,8 @@ public:
     /// 0 if the script ran to success, else 1. What it has changed stays either way. All scripts share one
     /// global scope: what one leaves there is there for the next.
     Cardinal Execute(TZQPDFDocument& Document) override;
+
+    /// Opens the script in the editor, which checks it with the engine of all scripts. Raises what
+    /// GetDocumentScripting() raises, and nothing of its own.
+    bool Config() override;
 };

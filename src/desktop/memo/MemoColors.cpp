@@ -77,7 +77,7 @@ TMemoTints TintsOf(const QPalette& palette, bool dark) {
 } // namespace
 
 double Contrast(const QColor& a, const QColor& b) {
-    const auto [less, more] = std::minmax(Luminance(a), Luminance(b));
+    const auto [less, more] = std::minmax({Luminance(a), Luminance(b)});
     return (more + 0.05) / (less + 0.05);
 }
 
