@@ -181,12 +181,14 @@ string AccessibleText(TMemoWidget& widget) {
     return text;
 }
 
-TMemoAccessibility::TMemoAccessibility(TMemoWidget& widget) : FWidget(widget) {
+TMemoAccessibility::TMemoAccessibility(TMemoWidget& widget)
+    : Listens(&QAccessible::isActive),
+      Send([](QAccessibleEvent& event) { QAccessible::updateAccessibility(&event); }), FWidget(widget) {
     QAccessible::installFactory(&MakeAccessible); // once is enough, and it is kept once
 }
 
 void TMemoAccessibility::Tell() {
-    if (!QAccessible::isActive()) {
+    if (!Listens()) {
         FListening = false;
         FText.clear();
         return;
@@ -205,10 +207,10 @@ void TMemoAccessibility::Tell() {
     if (selected && (start != FSelectionStart || end != FSelectionEnd)) {
         QAccessibleTextSelectionEvent event(&FWidget, start, end);
         event.setCursorPosition(caret);
-        QAccessible::updateAccessibility(&event);
+        Send(event);
     } else if (caret != FCaret) {
         QAccessibleTextCursorEvent event(&FWidget, caret);
-        QAccessible::updateAccessibility(&event);
+        Send(event);
     }
     std::tie(FCaret, FSelectionStart, FSelectionEnd) = std::tie(caret, start, end);
 }
@@ -226,5 +228,5 @@ void TMemoAccessibility::TellText(const string& text) {
     const string removed = old.mid(head, old.size() - head - tail);
     const string added = text.mid(head, text.size() - head - tail);
     QAccessibleTextUpdateEvent event(&FWidget, int(head), removed, added);
-    QAccessible::updateAccessibility(&event);
+    Send(event);
 }

@@ -107,15 +107,23 @@ int TMemoGeometry::XOf(int row, int column) const {
     const int beyond = (column - std::min(column, int(text.size()))) * FCell.W;
     if (!HasPreedit(row) && IsOnGrid(text))
         return left + within * FCell.W + beyond;
-    return left + int(std::lround(LayOut(row)->lineAt(0).cursorToX(within))) + beyond;
+    const auto layout = LayOut(row);
+    // Columns behind the caret come after what is being composed there.
+    const bool behind = HasPreedit(row) && within > layout->preeditAreaPosition();
+    const int place = within + (behind ? int(Preedit.Text.size()) : 0);
+    return left + int(std::lround(layout->lineAt(0).cursorToX(place))) + beyond;
 }
 
 int TMemoGeometry::ColumnAt(int row, int x) const {
     const string text = FMemo.LineText(row);
     const int from = x - TextLeft() + FMemo.Scroll().LeftCol() * FCell.W;
-    if (IsOnGrid(text))
+    if (!HasPreedit(row) && IsOnGrid(text))
         return std::clamp(int(std::floor(double(from) / FCell.W + 0.5)), 0, int(text.size()));
-    return WholeColumn(text, LayOut(row)->lineAt(0).xToCursor(from));
+    const auto layout = LayOut(row);
+    const int place = layout->lineAt(0).xToCursor(from);
+    const int composed = HasPreedit(row) ? int(Preedit.Text.size()) : 0;
+    const int at = HasPreedit(row) ? layout->preeditAreaPosition() : place;
+    return WholeColumn(text, place > at ? std::max(at, place - composed) : place);
 }
 
 QRect TMemoGeometry::RowRect(int row) const {

@@ -90,15 +90,16 @@ void TMemoMouse::Press(QMouseEvent& event) {
 
 void TMemoMouse::Click(QMouseEvent& event) {
     const bool shift = event.modifiers().testFlag(Qt::ShiftModifier);
+    const bool alt = event.modifiers().testFlag(Qt::AltModifier);
     const bool triple = IsTripleClick(event);
     FSinceDouble.invalidate();
     if (triple)
         return Begin(TUnit::Line, PlaceAt(event.pos()));
-    if (!shift && FDrag.IsInSelection(event.pos())) {
+    if (!shift && !alt && FDrag.IsInSelection(event.pos())) {
         FMayDrag = true;
         return;
     }
-    SetBlock(event.modifiers().testFlag(Qt::AltModifier));
+    SetBlock(alt);
     if (!shift)
         return Begin(TUnit::Character, PlaceAt(event.pos()));
     const TSelectionRange range = FWidget.Memo().Selection().Range();

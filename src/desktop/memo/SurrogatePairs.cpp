@@ -268,6 +268,9 @@ void TSurrogatePairs::WidenSelection() {
             selection.Take(wide, /*block=*/true);
         return;
     }
+    // Lines may have become shorter than where the selection was begun.
+    wide.StartX = std::min(wide.StartX, FMemo.LineLength(wide.StartY));
+    wide.EndX = std::min(wide.EndX, FMemo.LineLength(wide.EndY));
     wide.StartX = WholeColumn(FMemo.LineText(wide.StartY), wide.StartX);
     if (const string line = FMemo.LineText(wide.EndY); WholeColumn(line, wide.EndX) != wide.EndX)
         ++wide.EndX;
