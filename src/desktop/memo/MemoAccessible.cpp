@@ -33,7 +33,10 @@ public:
         return state;
     }
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Value ? AccessibleText(FWidget) : QAccessibleWidget::text(kind);
+        if (kind == QAccessible::Value)
+            return AccessibleText(FWidget);
+        const QString text = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Name && text.isEmpty() ? QString("Editor") : text;
     }
     void setText(QAccessible::Text kind, const QString& text) override {
         if (kind == QAccessible::Value)

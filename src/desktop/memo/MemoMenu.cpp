@@ -34,7 +34,7 @@ void ShowMemoMenu(TMemoWidget& widget, QContextMenuEvent& event) {
     Add(*menu, "Cu&t", "Ctrl+X", edits && selected, execute(keyCtrlX));
     Add(*menu, "&Copy", "Ctrl+C", selected, execute(keyCtrlC));
     Add(*menu, "&Paste", "Ctrl+V", edits && !widget.Clipboard().Text().isEmpty(), execute(keyCtrlV));
-    Add(*menu, "&Delete", "Del", edits && selected, execute(keyDelete));
+    Add(*menu, "&Delete", "Del", edits && selected, [&widget] { widget.Pairs().DeleteSelection(); });
     menu->addSeparator();
     // With a read-only text the key does nothing; there is no harm in the menu's doing it.
     Add(*menu, "Select &All", "Ctrl+A", holdsText, [&memo] { memo.SelectAll(); });
