@@ -3,6 +3,7 @@
 #include "editor/Memo.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -96,6 +97,35 @@ void TMemoBlocks::DeleteSelection() {
     entry->FUndoCurX = caret.X();
     entry->FUndoCurY = caret.Y();
     FMemo.ClearSelection();
+    FMemo.AddUndoStep(std::move(entry));
+}
+
+void TMemoBlocks::ReplaceRange(const TSelectionRange& range, const string& text, int anchor, int caret) {
+    TMemoSelection& selection = FMemo.Selection();
+    const TSelectionRange before = selection.Range();
+    const bool block = selection.IsBlock();
+    const int x0 = FMemo.Caret().X();
+    const int y0 = FMemo.Caret().Y();
+    FMemo.Folding().Reveal(range.StartY);
+    for (int row = range.StartY; row <= range.EndY; ++row)
+        FMemo.Folding().ExpandNode(row);
+    selection.BeginUpdate();
+    selection.Take(range, /*block=*/false);
+    auto entry = std::make_unique<TReplaceUndo>(range, selection.Text(), text);
+    TSelectionRange after;
+    FMemo.CompoundEdit([&] {
+        FMemo.UndoList().Perform(*entry);
+        FMemo.Words().PosFromText(anchor, after.StartX, after.StartY);
+        FMemo.Words().PosFromText(caret, after.EndX, after.EndY);
+        FMemo.Caret().MoveTo(after.EndX, after.EndY);
+        selection.Take(after, /*block=*/false);
+    });
+    selection.EndUpdate();
+    entry->FBefore = before;
+    entry->FBlock = block;
+    entry->FAfter = after;
+    std::tie(entry->FUndoCurX0, entry->FUndoCurY0) = std::tie(x0, y0);
+    std::tie(entry->FUndoCurX, entry->FUndoCurY) = std::tie(after.EndX, after.EndY);
     FMemo.AddUndoStep(std::move(entry));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // Edits of more than a character: blocks, the selection, the clipboard, indentation.
-#include "base/Text.h"
+#include "editor/UndoTarget.h"
 
 class TAdvCustomMemo;
 
@@ -16,6 +16,11 @@ public:
     /// Puts each line of `text` in at the caret's column, in rows from the caret's on.
     void InsertColumns(const string& text);
     void DeleteSelection();
+    /// Puts `text` in the place of a range in text order, as one undo step. Caret and selection go to the two
+    /// offsets (TMemoWords::TextFromPos), of which the second is the caret's. Folds that hide any of it
+    /// open, and marks on its lines are given up. With word wrap the range must begin where a line does,
+    /// wherever wrapping cuts.
+    void ReplaceRange(const TSelectionRange& range, const string& text, int anchor, int caret);
 
     void CutToClipBoard();
     void CopyToClipBoard();

@@ -149,6 +149,13 @@ void TMemoFolding::SetExpanded(int line, bool expanded) {
         FMemo.Caret().SetLine(line);
 }
 
+void TMemoFolding::Reveal(int line) {
+    for (int above = line - 1; above >= 0 && !IsVisible(line); --above) {
+        if (!IsExpanded(above) && FoldEnd(above) >= line)
+            ExpandNode(above);
+    }
+}
+
 void TMemoFolding::Refresh() const {
     const TAdvMemoStrings& lines = FMemo.Lines();
     if (!FStale && FSeenCount == lines.Count())

@@ -19,6 +19,8 @@ public:
     void MoveFoldEnd(int line);
     void ExpandNode(int line) { SetExpanded(line, true); }
     void CollapseNode(int line) { SetExpanded(line, false); }
+    /// Opens the closed folds that hide `line`.
+    void Reveal(int line);
     [[nodiscard]] bool IsExpanded(int line) const;
     /// The last line of the fold that starts at `line`; `line` itself if none does.
     [[nodiscard]] int FoldEnd(int line) const;

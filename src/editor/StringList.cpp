@@ -193,6 +193,7 @@ void TStringList::Changing() {
 }
 
 void TStringList::Changed() {
+    ++FRevision;
     if (FUpdateCount == 0 && OnChange)
         OnChange();
 }

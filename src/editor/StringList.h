@@ -46,6 +46,9 @@ public:
     virtual void SaveToFile(const string& name);
     virtual void SaveToStream(QIODevice& stream);
 
+    /// Another number after every change.
+    [[nodiscard]] unsigned Revision() const { return FRevision; }
+
     /// All lines, each ended by a line feed.
     [[nodiscard]] string Text() const;
     /// Replaces all lines through Clear and Add.
@@ -77,6 +80,7 @@ private:
     };
     std::vector<TItem> FItems;
     int FUpdateCount = 0;
+    unsigned FRevision = 0;
 };
 
 /// Opens an update bracket and closes it on every way out.

@@ -193,6 +193,27 @@ void TPasteUndo::PerformRedo() {
     Memo->InsertBuffer(FUndoText);
 }
 
+void TReplaceUndo::Exchange(const string& by) {
+    Memo->TakeSelection(FRange, /*block=*/false);
+    Memo->DeleteSelection();
+    // What is empty isn't deleted, and leaves the caret where it was.
+    Memo->MoveToLine(FRange.StartY);
+    Memo->MoveToColumn(FRange.StartX);
+    Memo->InsertBuffer(by);
+    FRange.EndX = Memo->CaretX();
+    FRange.EndY = Memo->CaretY();
+}
+
+void TReplaceUndo::PerformUndo() {
+    Exchange(FOldText);
+    Memo->TakeSelection(FBefore, FBlock);
+}
+
+void TReplaceUndo::PerformRedo() {
+    Exchange(FUndoText);
+    Memo->TakeSelection(FAfter, /*block=*/false);
+}
+
 void TCorrectUndo::PerformUndo() {
     const int row = Memo->CaretY();
     const string line = Memo->LineText(row);

@@ -110,6 +110,26 @@ public:
     void PerformRedo() override;
 };
 
+/// A stretch of text that another took the place of, in one entry: a pair of linked ones could lose a half at
+/// the end of the history. The ends of both stretches are taken anew whenever they are put in, since word
+/// wrap may cut differently.
+class TReplaceUndo : public TUndo {
+public:
+    /// `range` in text order; `old` is what it holds.
+    TReplaceUndo(const TSelectionRange& range, const string& old, const string& text)
+        : TUndo(0, 0, 0, 0, text), FRange(range), FOldText(old) {}
+    void PerformUndo() override;
+    void PerformRedo() override;
+    TSelectionRange FBefore, FAfter; ///< what is selected
+    bool FBlock = false;             ///< of what was selected before
+
+private:
+    void Exchange(const string& by);
+
+    TSelectionRange FRange; // of the text that is there
+    string FOldText;
+};
+
 class TInsertOverwriteUndo : public TUndo {
 public:
     explicit TInsertOverwriteUndo(bool insertMode) : TUndo(0, 0, 0, 0, {}), FInsertMode(insertMode) {}

@@ -36,6 +36,15 @@ void TAdvUndoList::EndPerforming(bool autoIndent) {
     TellChange();
 }
 
+void TAdvUndoList::Perform(TUndo& entry) {
+    if (!FMemo)
+        return;
+    entry.Memo = FMemo;
+    const bool autoIndent = BeginPerforming();
+    entry.PerformRedo();
+    EndPerforming(autoIndent);
+}
+
 void TAdvUndoList::Undo() {
     if (!CanUndo() || !FMemo)
         return;

@@ -14,6 +14,8 @@ public:
     /// 0: stored as a new entry, and the redo history is gone. -1: swallowed by the newest entry, or
     /// discarded because an undo or redo is running; the entry is destroyed.
     int Add(std::unique_ptr<TUndo> entry);
+    /// Does for the first time what `entry` redoes, with recording suspended; adds nothing.
+    void Perform(TUndo& entry);
     /// Both do nothing at their end of the history, and without a control.
     void Undo();
     void Redo();

@@ -1,12 +1,11 @@
 #pragma once
 // The editor's window on a desktop that paints into memory, with real events.
+#include "RealKeys.h"
 #include "desktop/Desktop.h"
 #include "desktop/memo/MemoWidget.h"
 #include "editor/JSMemoStyler.h"
 
 #include <QApplication>
-#include <QKeyEvent>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +18,7 @@ protected:
         FWidget->show();
         FWidget->activateWindow();
         FWidget->setFocus();
-        QApplication::processEvents();
+        (void)QTest::qWaitForWindowActive(FWidget.get());
     }
 
     /// Lines between line feeds; the bar is the caret, an arrow up the other end of the selection.
@@ -70,16 +69,9 @@ protected:
     [[nodiscard]] TAdvMemo& Memo() { return FWidget->Memo(); }
     [[nodiscard]] std::string Text() { return Memo().Text().toStdString(); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QTest::keyClick(FWidget.get(), key, modifiers);
+        RealKeys::Click(FWidget.get(), key, modifiers);
     }
-    void Type(const char* text) {
-        for (const uint code : QString::fromUtf8(text).toUcs4()) {
-            const QString typed = QString::fromUcs4(reinterpret_cast<const char32_t*>(&code), 1);
-            QKeyEvent event(QEvent::KeyPress, code < 128 ? int(QChar(code).toUpper().unicode()) : 0,
-                            Qt::NoModifier, typed);
-            QApplication::sendEvent(FWidget.get(), &event);
-        }
-    }
+    void Type(const char* text) { RealKeys::Type(FWidget.get(), QString::fromUtf8(text)); }
 
     /// A place in the middle of the row, this many pixels right of a column's left edge.
     [[nodiscard]] QPoint At(int column, int row, int dx = 0) {
@@ -94,8 +86,7 @@ protected:
 private:
     struct TOffscreen {
         TOffscreen() {
-            qputenv("QT_QPA_PLATFORM", "offscreen");
-            qputenv("DISPLAY", ":0");
+            RealKeys::ChoosePlatform();
             Desktop = std::make_unique<TDesktop>();
         }
         std::unique_ptr<TDesktop> Desktop;

@@ -28,7 +28,7 @@ protected:
         QApplication::sendEvent(FWidget.get(), &event);
         return event.value(query);
     }
-    [[nodiscard]] std::string Composed() { return FWidget->Geometry().Preedit.Text.toStdString(); }
+    [[nodiscard]] std::string Composed() { return FWidget->Geometry().Rows().Preedit.Text.toStdString(); }
     [[nodiscard]] QImage Grab() { return FWidget->viewport()->grab().toImage(); }
 };
 
@@ -67,7 +67,7 @@ TEST_F(MemoInputTest, ComposedTextShowsAtTheCaretOnly) {
     EXPECT_EQ(Text(), "abcd\n");
     EXPECT_EQ(Composed(), "xyz");
     EXPECT_EQ(FWidget->Geometry().CaretRect().left(), plain.left() + cell);
-    EXPECT_TRUE(FWidget->Geometry().Preedit.Formats[0].format.fontUnderline());
+    EXPECT_TRUE(FWidget->Geometry().Rows().Preedit.Formats[0].format.fontUnderline());
     // What stands behind the caret makes room, and a click there finds it.
     EXPECT_EQ(FWidget->Geometry().XOf(0, 3), plain.left() + 4 * cell);
     EXPECT_EQ(FWidget->Geometry().XOf(0, 1), plain.left() - cell);

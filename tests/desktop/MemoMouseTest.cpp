@@ -157,7 +157,7 @@ TEST_F(MemoMouseTest, FoldMarksOpenAndClose) {
     Given("function f() {\n  a;|\n}\nb;");
     Memo().Folding().SetEnabled(true);
     Memo().Folding().AutoCodeFold();
-    const QPoint mark(FWidget->Geometry().GutterWidth() + 5, At(0, 0).y());
+    const QPoint mark = FWidget->Geometry().FoldBox(0).center();
     Click(mark);
     EXPECT_FALSE(Memo().Folding().IsExpanded(0));
     EXPECT_EQ(Memo().Caret().Y(), 0); // out of what has been closed

@@ -44,7 +44,7 @@ void TMemoInput::Take(QInputMethodEvent& event) {
         Cancel();
         return event.ignore();
     }
-    FWidget.Geometry().Preedit = {};
+    FWidget.Geometry().Rows().Preedit = {};
     Commit(event);
     for (const QInputMethodEvent::Attribute& attribute : event.attributes())
         if (attribute.type == QInputMethodEvent::Selection)
@@ -71,8 +71,11 @@ void TMemoInput::Commit(const QInputMethodEvent& event) {
 }
 
 void TMemoInput::Compose(const QInputMethodEvent& event) {
-    FWidget.Geometry().Preedit = PreeditOf(event);
-    BringIntoView();
+    FWidget.Geometry().Rows().Preedit = PreeditOf(event);
+    if (!event.preeditString().isEmpty()) {
+        FWidget.Memo().Scroll().ScrollCaretIntoView();
+        FWidget.Geometry().ScrollSideways(TMemoGeometry::ToCaret::Yes);
+    }
     FWidget.CaretPlaceChanged();
 }
 
@@ -88,21 +91,10 @@ void TMemoInput::Select(int start, int length) {
     FWidget.Pairs().Snap();
 }
 
-void TMemoInput::BringIntoView() {
-    const TMemoGeometry& geometry = FWidget.Geometry();
-    TMemoScroll& scroll = FWidget.Memo().Scroll();
-    if (geometry.Preedit.Text.isEmpty())
-        return;
-    scroll.ScrollCaretIntoView();
-    const int beyond = geometry.CaretRect().right() - FWidget.viewport()->width();
-    if (beyond >= 0)
-        scroll.SetLeftCol(scroll.LeftCol() + beyond / geometry.CellWidth() + 2);
-}
-
 void TMemoInput::Cancel() {
-    if (FWidget.Geometry().Preedit.Text.isEmpty())
+    if (FWidget.Geometry().Rows().Preedit.Text.isEmpty())
         return;
-    FWidget.Geometry().Preedit = {};
+    FWidget.Geometry().Rows().Preedit = {};
     QGuiApplication::inputMethod()->reset();
     FWidget.CaretPlaceChanged();
 }

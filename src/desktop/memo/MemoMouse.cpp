@@ -112,22 +112,11 @@ void TMemoMouse::Click(QMouseEvent& event) {
 }
 
 void TMemoMouse::ClickMargin(QMouseEvent& event) {
-    const int fold = FoldMarkAt(event.pos());
+    const int fold = FWidget.Geometry().FoldMarkAt(event.pos());
     if (fold >= 0)
         return ToggleFold(fold);
     SetBlock(/*on=*/false);
     Begin(TUnit::Line, {0, FWidget.Geometry().RowAt(event.pos().y())});
-}
-
-/// The row whose fold is opened and closed there; -1 for none.
-int TMemoMouse::FoldMarkAt(QPoint pos) const {
-    const TMemoGeometry& geometry = FWidget.Geometry();
-    const TAdvMemo& memo = FWidget.Memo();
-    if (!memo.Folding().Enabled() || pos.x() < geometry.GutterWidth() || pos.x() >= geometry.TextLeft())
-        return -1;
-    const int row = geometry.RowAt(pos.y());
-    const bool on = row < memo.Lines().Count() && geometry.RowRect(row).contains(pos);
-    return on && memo.Folding().FoldEnd(row) > row ? row : -1;
 }
 
 void TMemoMouse::ToggleFold(int row) {

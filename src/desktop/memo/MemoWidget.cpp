@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoWidget.h"
 
+#include "desktop/memo/AssistWindows.h"
 #include "desktop/memo/MemoAccessible.h"
 #include "desktop/memo/MemoClipboard.h"
 #include "desktop/memo/MemoInput.h"
@@ -15,8 +16,8 @@
 
 TMemoWidget::TMemoWidget(QWidget* parent)
     : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
-      FPainter(std::make_unique<TMemoPainter>(*this)), FKeyboard(std::make_unique<TMemoKeyboard>(*this)),
-      FInput(std::make_unique<TMemoInput>(*this)),
+      FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
+      FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FInput(std::make_unique<TMemoInput>(*this)),
       FAccessibility(std::make_unique<TMemoAccessibility>(*this)),
       FMouse(std::make_unique<TMemoMouse>(*this)) {
     FMemo.View = this;
@@ -208,7 +209,9 @@ void TMemoWidget::SettleLater() {
 void TMemoWidget::Settle() {
     FPairs->Snap();
     FGeometry.Update(); // more digits may want a wider gutter
-    if (std::exchange(FCaretNew, false))
+    const bool moved = std::exchange(FCaretNew, false);
+    FGeometry.ScrollSideways(moved ? TMemoGeometry::ToCaret::Yes : TMemoGeometry::ToCaret::No);
+    if (moved)
         updateMicroFocus();
     FAccessibility->Tell();
     FSettling = false;

@@ -7,6 +7,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 
+class TAssistWindows;
 class TMemoAccessibility;
 class TMemoInput;
 class TMemoKeyboard;
@@ -91,6 +92,7 @@ private:
     TMemoCompletion FCompletion{FMemo};
     std::unique_ptr<TQtMemoClipboard> FClipboard;
     const std::unique_ptr<TSurrogatePairs> FPairs;
+    const std::unique_ptr<TAssistWindows> FAssist;
     const std::unique_ptr<TMemoPainter> FPainter;
     const std::unique_ptr<TMemoKeyboard> FKeyboard;
     const std::unique_ptr<TMemoInput> FInput;

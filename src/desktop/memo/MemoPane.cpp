@@ -1,0 +1,87 @@
+#include "desktop/memo/MemoPane.h"
+
+#include "desktop/memo/FindBar.h"
+#include "desktop/memo/GoToLine.h"
+
+#include <QShortcut>
+#include <QVBoxLayout>
+
+TMemoPane::TMemoPane(QWidget* parent)
+    : QWidget(parent), FEditor(new TMemoWidget(this)), FSearch(FEditor->Memo()), FCommands(FEditor->Memo()),
+      FFindBar(new TFindBar(*FEditor, FSearch, this)), FGoTo(new TGoToLine(*FEditor, this)),
+      FStatus(new TStatusLine(this)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(FEditor, 1);
+    for (QWidget* bar : std::initializer_list<QWidget*>{FFindBar, FGoTo, FStatus})
+        layout->addWidget(bar);
+    setFocusProxy(FEditor);
+    FEditor->Memo().Events.FOnFind = [this] { FFindBar->Open(TFindBar::TReplace::No); };
+    FEditor->Memo().Events.FOnReplace = [this] { FFindBar->Open(TFindBar::TReplace::Yes); };
+    AddKey(Qt::Key_F3, [this] { FFindBar->FindNext(); });
+    AddKey(Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
+    AddKey(Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
+    AddKey(Qt::CTRL | Qt::Key_Slash, [this] { FCommands.ToggleComment(); });
+    AddKey(Qt::ALT | Qt::Key_Up, [this] { FCommands.MoveUp(); });
+    AddKey(Qt::ALT | Qt::Key_Down, [this] { FCommands.MoveDown(); });
+    AddKey(Qt::CTRL | Qt::Key_D, [this] { FCommands.Duplicate(); });
+    connect(FEditor, &TMemoWidget::StateChanged, this, [this] { TakeState(); });
+    connect(FFindBar, &TFindBar::Said, this,
+            [this](const QString& text, TMessageKind kind) { TakeFindMessage(text, kind); });
+    connect(FFindBar, &TFindBar::MatchesChanged, FEditor, [this] { FEditor->viewport()->update(); });
+    connect(FGoTo, &TGoToLine::Chosen, this, [this](int line, int column) { GoTo(line, column); });
+    TakeState();
+}
+
+TMemoPane::~TMemoPane() = default;
+
+/// Works wherever in the pane the focus is.
+void TMemoPane::AddKey(const QKeySequence& key, const std::function<void()>& call) {
+    auto* shortcut = new QShortcut(key, this);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, [this, call] {
+        FEditor->Completion().CloseCompletionList();
+        FEditor->Memo().Activate();
+        call();
+    });
+}
+
+/// Having nothing to say takes away only what the find bar has said itself.
+void TMemoPane::TakeFindMessage(const string& text, TMessageKind kind) {
+    if (text.isEmpty() && !FMessageFromFind)
+        return;
+    ShowMessage(text, kind);
+    FMessageFromFind = true;
+}
+
+void TMemoPane::ShowMessage(const string& text, TMessageKind kind) {
+    FStatus->ShowMessage(text, kind);
+    FMessageFromFind = false;
+    FMessageRevision = FEditor->Memo().Lines().Revision();
+}
+
+void TMemoPane::GoTo(int line, int column) {
+    TAdvMemo& memo = FEditor->Memo();
+    int row = 0; // of the line's first piece
+    for (int next = 1; next < memo.Lines().Count() && line > 1; ++next) {
+        if (memo.IsContinuation(next))
+            continue;
+        row = next;
+        --line;
+    }
+    int x = column - 1;
+    while (memo.IsContinuation(row + 1) && x >= memo.LineLength(row))
+        x -= memo.LineLength(row++);
+    memo.Folding().Reveal(row);
+    memo.Caret().MoveTo(std::clamp(x, 0, memo.LineLength(row)), row);
+    memo.ClearSelection();
+    FEditor->setFocus();
+}
+
+void TMemoPane::TakeState() {
+    FStatus->TakeState(FEditor->Memo());
+    FFindBar->TakeState();
+    if (!FStatus->Message().Text().isEmpty() && FMessageRevision != FEditor->Memo().Lines().Revision())
+        ShowMessage({});
+}

@@ -1,0 +1,326 @@
+#include "editor/TextSearch.h"
+
+#include "editor/Memo.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* TooMuchWork = "The expression takes too much work to match";
+constexpr auto Unchecked = QRegularExpression::DontCheckSubjectStringMatchOption;
+
+/// Lone halves of surrogate pairs, which no expression can be matched against, become U+FFFD.
+string Matchable(const string& text) {
+    if (text.isValidUtf16())
+        return text;
+    string subject = text;
+    for (qsizetype i = 0; i < subject.size(); ++i) {
+        const bool pair =
+            subject[i].isHighSurrogate() && i + 1 < subject.size() && subject[i + 1].isLowSurrogate();
+        if (pair)
+            ++i;
+        else if (subject[i].isSurrogate())
+            subject[i] = QChar::ReplacementCharacter;
+    }
+    return subject;
+}
+
+TTextMatch Range(const QRegularExpressionMatch& match) {
+    return {int(match.capturedStart()), int(match.capturedLength())};
+}
+
+/// A number of one digit or two, the second only where the expression has so many groups.
+int GroupAt(QStringView text, int groups, qsizetype& length) {
+    length = 0;
+    int group = 0;
+    while (length < std::min<qsizetype>(2, text.size()) && text[length] >= u'0' && text[length] <= u'9') {
+        const int longer = group * 10 + text[length].digitValue();
+        if (length > 0 && longer > groups)
+            break;
+        group = longer;
+        ++length;
+    }
+    return group;
+}
+
+} // namespace
+
+void TTextSearch::SetQuery(const TSearchQuery& query) {
+    if (query == FQuery)
+        return;
+    FQuery = query;
+    FFresh = false;
+    FError.clear();
+    FErrorColumn = 0;
+    QRegularExpression::PatternOptions options =
+        QRegularExpression::MultilineOption | QRegularExpression::UseUnicodePropertiesOption;
+    if (!query.MatchCase)
+        options |= QRegularExpression::CaseInsensitiveOption;
+    const string pattern = query.Expression ? query.Text : QRegularExpression::escape(query.Text);
+    FPattern = QRegularExpression(pattern, options);
+    if (FPattern.isValid() && query.WholeWords)
+        FPattern.setPattern("(?<!\\w)(?:" + pattern + ")(?!\\w)");
+    if (!FPattern.isValid())
+        Fail(FPattern.errorString(), int(FPattern.patternErrorOffset()) + 1);
+}
+
+void TTextSearch::Fail(const string& text, int column) {
+    FError = text;
+    FErrorColumn = column;
+}
+
+/// False where there is nothing to search for.
+bool TTextSearch::Update() {
+    if (FText.Update()) {
+        FFresh = false;
+        FSubject = Matchable(FText.Text());
+    }
+    return !FQuery.Text.isEmpty() && FPattern.isValid();
+}
+
+/// The first match from `offset` on, which isn't behind the end.
+QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
+    const bool inPair = offset > 0 && offset < FSubject.size() && FSubject[offset].isLowSurrogate();
+    offset += inPair ? 1 : 0;
+    const QRegularExpressionMatch match =
+        FPattern.match(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
+    if (!match.isValid())
+        Fail(TooMuchWork, 0);
+    return match;
+}
+
+void TTextSearch::FindMatches() {
+    constexpr int MostTime = 40; // milliseconds: this runs at every key typed into a search box
+    if (std::exchange(FFresh, true))
+        return;
+    FMatches.clear();
+    FWhole = false;
+    Fail({}, 0);
+    QElapsedTimer timer;
+    timer.start();
+    auto all = FPattern.globalMatch(FSubject, 0, QRegularExpression::NormalMatch, Unchecked);
+    while (all.hasNext()) {
+        if (int(FMatches.size()) == MostCounted || timer.elapsed() > MostTime)
+            return;
+        FMatches.push_back(Range(all.next()));
+    }
+    FWhole = all.isValid();
+    if (!FWhole)
+        Fail(TooMuchWork, 0);
+}
+
+/// The first match that begins at or behind `offset`.
+bool TTextSearch::FirstFrom(int offset, TTextMatch& match) {
+    FindMatches();
+    const auto at =
+        std::find_if(FMatches.begin(), FMatches.end(), [offset](const auto& m) { return m.From >= offset; });
+    if (at != FMatches.end()) {
+        match = *at;
+        return true;
+    }
+    if (FWhole || offset > FSubject.size())
+        return false;
+    const QRegularExpressionMatch found = MatchAt(offset);
+    match = Range(found);
+    return found.hasMatch();
+}
+
+/// The last match that begins before `offset`. Beyond what is listed it is looked for in stretches that grow
+/// towards the start.
+bool TTextSearch::LastBefore(int offset, TTextMatch& match) {
+    FindMatches();
+    if (FWhole || (!FMatches.empty() && FMatches.back().From >= offset)) {
+        const auto at = std::find_if(FMatches.rbegin(), FMatches.rend(),
+                                     [offset](const auto& m) { return m.From < offset; });
+        match = at == FMatches.rend() ? TTextMatch() : *at;
+        return at != FMatches.rend();
+    }
+    bool found = false;
+    for (int stretch = 4096; !found; stretch *= 8) {
+        const int from = offset > stretch ? int(FSubject.lastIndexOf(u'\n', offset - stretch)) + 1 : 0;
+        auto all = FPattern.globalMatch(FSubject, from, QRegularExpression::NormalMatch, Unchecked);
+        while (all.hasNext()) {
+            const TTextMatch next = Range(all.next());
+            if (next.From >= offset)
+                break;
+            match = next;
+            found = true;
+        }
+        if (from == 0)
+            break;
+    }
+    return found;
+}
+
+/// The selection, or an empty match at the caret.
+TTextMatch TTextSearch::Selected() const {
+    const TSelectionRange range = FMemo.Selection().Ordered();
+    if (FMemo.Selection().IsEmpty())
+        return {FText.OffsetOf(FMemo.Caret().X(), FMemo.Caret().Y()), 0};
+    const int from = FText.OffsetOf(range.StartX, range.StartY);
+    return {from, FText.OffsetOf(range.EndX, range.EndY) - from};
+}
+
+void TTextSearch::Select(const TTextMatch& match) {
+    TSelectionRange range;
+    FText.PlaceOf(match.From, range.StartX, range.StartY);
+    FText.PlaceOf(match.End(), range.EndX, range.EndY);
+    FMemo.Folding().Reveal(range.StartY);
+    FMemo.Folding().Reveal(range.EndY);
+    FMemo.Caret().MoveTo(range.StartX, range.StartY); // its start comes into view where that is possible
+    FMemo.Caret().MoveTo(range.EndX, range.EndY);
+    FMemo.Selection().Take(range, /*block=*/false);
+}
+
+TFound TTextSearch::FindNext() {
+    if (!Update())
+        return TFound::No;
+    const TTextMatch selected = Selected();
+    TTextMatch match;
+    bool found = FirstFrom(selected.End(), match);
+    if (found && match == selected) // an empty match, where the search stands already
+        found = FirstFrom(selected.End() + 1, match);
+    const bool wraps = !found && FQuery.WrapAround && FirstFrom(0, match);
+    if (found || wraps)
+        Select(match);
+    return found ? TFound::Yes : wraps ? TFound::Wrapped : TFound::No;
+}
+
+TFound TTextSearch::FindPrevious() {
+    if (!Update())
+        return TFound::No;
+    TTextMatch match;
+    const bool found = LastBefore(Selected().From, match);
+    const bool wraps = !found && FQuery.WrapAround && LastBefore(int(FSubject.size()) + 1, match);
+    if (found || wraps)
+        Select(match);
+    return found ? TFound::Yes : wraps ? TFound::Wrapped : TFound::No;
+}
+
+TFound TTextSearch::FindFrom(int offset) {
+    if (!Update())
+        return TFound::No;
+    TTextMatch match;
+    const bool found = FirstFrom(offset, match);
+    const bool wraps = !found && FQuery.WrapAround && FirstFrom(0, match);
+    if (found || wraps)
+        Select(match);
+    return found ? TFound::Yes : wraps ? TFound::Wrapped : TFound::No;
+}
+
+int TTextSearch::Anchor() {
+    (void)Update();
+    return Selected().From;
+}
+
+TMatchCount TTextSearch::Count() {
+    if (!Update())
+        return {};
+    FindMatches();
+    const auto at = std::find(FMatches.begin(), FMatches.end(), Selected());
+    const int current = at == FMatches.end() ? 0 : int(at - FMatches.begin()) + 1;
+    return {int(FMatches.size()), !FWhole, current};
+}
+
+std::vector<TColumnRange> TTextSearch::ColumnsOf(int row) {
+    std::vector<TColumnRange> columns;
+    if (!Update())
+        return columns;
+    FindMatches();
+    const int start = FText.RowStart(row);
+    const int length = FMemo.LineLength(row);
+    // They lie one behind the other: those that end at or before the row's start come first.
+    auto at = std::partition_point(FMatches.begin(), FMatches.end(),
+                                   [start](const auto& match) { return match.End() <= start; });
+    for (; at != FMatches.end() && at->From < start + length; ++at) {
+        if (at->Length > 0)
+            columns.push_back({std::max(0, at->From - start), std::min(length, at->End() - start)});
+    }
+    return columns;
+}
+
+string TTextSearch::Expanded(const string& by, const QRegularExpressionMatch& match) const {
+    if (!FQuery.Expression)
+        return by;
+    string text;
+    for (qsizetype i = 0; i < by.size(); ++i) {
+        const QStringView rest = QStringView(by).mid(i + 1);
+        const bool marks = (by[i] == u'\\' || by[i] == u'$') && !rest.isEmpty();
+        qsizetype digits = 0;
+        const int group = marks ? GroupAt(rest, FPattern.captureCount(), digits) : 0;
+        if (digits > 0)
+            text += match.captured(group);
+        else if (marks && rest[0] == by[i])
+            text += by[i];
+        else if (marks && by[i] == u'\\' && (rest[0] == u'n' || rest[0] == u't'))
+            text += rest[0] == u'n' ? u'\n' : u'\t';
+        else
+            digits = -1;
+        if (digits < 0)
+            text += by[i];
+        else
+            i += std::max<qsizetype>(1, digits);
+    }
+    return text;
+}
+
+TFound TTextSearch::Replace(const string& by) {
+    if (!Update() || FMemo.Settings.FReadOnly || !FMemo.EditingAllowed())
+        return TFound::No;
+    const TTextMatch selected = Selected();
+    const QRegularExpressionMatch match = MatchAt(selected.From);
+    if (match.hasMatch() && Range(match) == selected) {
+        const string text = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
+        TSelectionRange range;
+        FText.PlaceOf(selected.From, range.StartX, range.StartY);
+        FText.PlaceOf(selected.End(), range.EndX, range.EndY);
+        // From the start of its line on: wrapping doesn't move that.
+        while (FMemo.IsContinuation(range.StartY))
+            --range.StartY;
+        range.StartX = 0;
+        const int start = FText.RowStart(range.StartY);
+        const string kept = FText.Text().mid(start, selected.From - start);
+        const int end = selected.From + int(text.size());
+        FMemo.Blocks().ReplaceRange(range, kept + text, end, end);
+    }
+    return FindNext();
+}
+
+int TTextSearch::ReplaceAll(const string& by) {
+    if (!Update() || FMemo.Settings.FReadOnly || !FMemo.EditingAllowed())
+        return 0;
+    const int caret = FText.OffsetOf(FMemo.Caret().X(), FMemo.Caret().Y());
+    int newCaret = caret;
+    int count = 0;
+    int from = -1; // of the stretch from the first line with a match to the last match
+    int end = 0;
+    string text;
+    TSelectionRange range;
+    auto all = FPattern.globalMatch(FSubject, 0, QRegularExpression::NormalMatch, Unchecked);
+    while (all.hasNext()) {
+        const QRegularExpressionMatch match = all.next();
+        const TTextMatch place = Range(match);
+        if (count++ == 0) {
+            FText.PlaceOf(place.From, range.StartX, range.StartY);
+            while (FMemo.IsContinuation(range.StartY))
+                --range.StartY;
+            from = end = FText.RowStart(range.StartY);
+        }
+        text += QStringView(FText.Text()).mid(end, place.From - end);
+        const string expanded = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
+        if (place.End() <= caret)
+            newCaret += int(expanded.size()) - place.Length;
+        else if (place.From < caret)
+            newCaret += std::min(caret - place.From, int(expanded.size())) - (caret - place.From);
+        text += expanded;
+        end = place.End();
+    }
+    if (count == 0 || text == QStringView(FText.Text()).mid(from, end - from))
+        return count;
+    range.StartX = 0;
+    FText.PlaceOf(end, range.EndX, range.EndY);
+    FMemo.Blocks().ReplaceRange(range, text, newCaret, newCaret);
+    return count;
+}
