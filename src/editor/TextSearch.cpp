@@ -31,7 +31,7 @@ TTextMatch Range(const QRegularExpressionMatch& match) {
     return {int(match.capturedStart()), int(match.capturedLength())};
 }
 
-/// A number of one digit or two, the second only where the expression has so many groups.
+/// The number of a group, of one digit or two. A `length` of 0: there is no such group.
 int GroupAt(QStringView text, int groups, qsizetype& length) {
     length = 0;
     int group = 0;
@@ -42,6 +42,8 @@ int GroupAt(QStringView text, int groups, qsizetype& length) {
         group = longer;
         ++length;
     }
+    if (group > groups)
+        length = 0;
     return group;
 }
 
@@ -310,7 +312,7 @@ int TTextSearch::ReplaceAll(const string& by) {
         }
         text += QStringView(FText.Text()).mid(end, place.From - end);
         const string expanded = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
-        if (place.End() <= caret)
+        if (place.End() <= caret && place.From < caret)
             newCaret += int(expanded.size()) - place.Length;
         else if (place.From < caret)
             newCaret += std::min(caret - place.From, int(expanded.size())) - (caret - place.From);
