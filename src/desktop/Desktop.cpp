@@ -1,10 +1,13 @@
 #include "desktop/Desktop.h"
 
 #include "agent/RunHost.h"
+#include "desktop/DesktopFileDialog.h"
 #include "desktop/DesktopMessageBox.h"
+#include "desktop/DesktopPasswordPrompt.h"
 #include "desktop/DesktopTrayIcon.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QSessionManager>
 
 #include <clocale>
@@ -17,9 +20,11 @@ bool DisplayNamed() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-std::unique_ptr<QCoreApplication> MakeWindowedApplication(int& argc, char** argv) {
-    QGuiApplication::setDesktopFileName(QStringLiteral("morvane-agent"));
+std::unique_ptr<QCoreApplication> MakeWindowedApplication(const string& program, int& argc, char** argv) {
+    QGuiApplication::setDesktopFileName(program);
     auto application = std::make_unique<QApplication>(argc, argv);
+    QGuiApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral("morvane-agent"))); // the one of all programs
     QGuiApplication::setQuitOnLastWindowClosed(/*quit=*/false);
     // The autostart entry brings the agent back at the next login; a session that did so too would start two.
     const auto neverRestart = [](QSessionManager& session) {
@@ -32,16 +37,16 @@ std::unique_ptr<QCoreApplication> MakeWindowedApplication(int& argc, char** argv
 
 } // namespace
 
-/// The words that the application object is given and keeps: none of the user's, who has no options.
+/// The words that the application object is given and keeps: none of the user's, who has no options there.
 struct TDesktop::TCommandLine {
     /// A display that nobody serves would end the program, if there were nothing to fall back on. A platform
     /// that the user's environment names counts as it stands.
-    TCommandLine() {
+    explicit TCommandLine(const string& program) : Program(program.toStdString()) {
         if (DisplayNamed() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
             Count = 3;
     }
     std::string Platforms = std::string("xcb;wayland;") + NoPlatform;
-    std::string Program = "morvane-agent";
+    std::string Program;
     std::string Option = "-platform";
     char* Words[4] = {Program.data(), Option.data(), Platforms.data(), nullptr};
     int Count = 1;
@@ -51,19 +56,25 @@ struct TDesktop::THosts {
     THosts() {
         SetMessageBoxHost(&Boxes);
         SetTrayIconHost(&Icons);
+        SetPasswordPrompt(&Passwords);
+        SetFileDialogHost(&Files);
     }
     ~THosts() {
+        SetFileDialogHost(nullptr);
+        SetPasswordPrompt(nullptr);
         SetTrayIconHost(nullptr);
         SetMessageBoxHost(nullptr);
     }
     TDesktopMessageBoxHost Boxes;
     TDesktopTrayIconHost Icons;
+    TDesktopPasswordPrompt Passwords;
+    TDesktopFileDialogHost Files;
 };
 
-TDesktop::TDesktop() : FCommandLine(std::make_unique<TCommandLine>()) {
+TDesktop::TDesktop(const string& program) : FCommandLine(std::make_unique<TCommandLine>(program)) {
     int& count = FCommandLine->Count;
     char** words = FCommandLine->Words;
-    FApplication = DisplayNamed() ? MakeWindowedApplication(count, words)
+    FApplication = DisplayNamed() ? MakeWindowedApplication(program, count, words)
                                   : std::make_unique<QCoreApplication>(count, words);
     std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
     QCoreApplication::setApplicationName(ApplicationTitle());

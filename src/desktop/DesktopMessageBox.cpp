@@ -1,25 +1,12 @@
 #include "desktop/DesktopMessageBox.h"
 
-#include "platform/MessageQueue.h"
-
 #include <QAbstractButton>
-#include <QCoreApplication>
-#include <QEventLoop>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QThread>
+#include <QScreen>
 
-#include <chrono>
+#include <algorithm>
 #include <vector>
-
-/// What one box asks; its answer may be waited for on any thread.
-struct TDesktopMessageBoxHost::TQuestion {
-    string Text;
-    string Caption;
-    int Flags = MB_OK;
-    std::promise<int> Answer;
-    std::function<void()> Answered = nullptr; ///< called on the main thread, after the answer is there
-};
 
 namespace {
 
@@ -76,72 +63,59 @@ QMessageBox::Icon IconOf(int flags) {
     }
 }
 
+/// Buttons that aren't there count as the first.
+size_t DefaultButtonOf(int flags, size_t count) {
+    const size_t index = size_t(flags & MB_DEFMASK) / MB_DEFBUTTON2;
+    return index < count ? index : 0;
+}
+
 void AddButtons(QMessageBox& box, int flags) {
     const std::vector<TButton> buttons = ButtonsOf(flags);
+    const TButton& first = buttons[DefaultButtonOf(flags, buttons.size())];
     for (const TButton& button : buttons) {
-        QAbstractButton* made = box.addButton(QLatin1String(button.Caption), button.Role);
+        QPushButton* made = box.addButton(QLatin1String(button.Caption), button.Role);
         made->setProperty(CodeProperty, button.Code);
+        if (button.Code == first.Code)
+            box.setDefaultButton(made);
         if (button.Code == IDCANCEL || buttons.size() == 1)
             box.setEscapeButton(made);
     }
 }
 
-int CodeOf(const QMessageBox& box, int flags) {
-    const QAbstractButton* clicked = box.clickedButton();
-    return clicked ? clicked->property(CodeProperty).toInt() : AnswerAsIfClosed(flags);
+/// A text that would push the buttons off the screen shows its beginning, and the rest on demand.
+void SetTextOf(QMessageBox& box, const string& text) {
+    const QScreen* screen = box.screen();
+    const int room = screen ? screen->availableGeometry().height() / 2 : 0;
+    const int lines = std::max(room / box.fontMetrics().lineSpacing(), 5);
+    constexpr int CharactersALine = 80;
+    const string head = text.section(u'\n', 0, lines - 1).left(qsizetype(lines) * CharactersALine);
+    if (head.size() == text.size()) {
+        box.setText(text);
+        return;
+    }
+    box.setText(head + u'\u2026');
+    box.setDetailedText(text);
+}
+
+QMessageBox* MakeBox(const string& text, const string& caption, int flags) {
+    auto* box = new QMessageBox(IconOf(flags), caption, {});
+    box->setTextFormat(Qt::PlainText);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowFlag(Qt::WindowStaysOnTopHint, (flags & (MB_TOPMOST | MB_SYSTEMMODAL)) != 0);
+    SetTextOf(*box, text);
+    AddButtons(*box, flags);
+    return box;
 }
 
 } // namespace
 
-TDesktopMessageBoxHost::TDesktopMessageBoxHost() : FQueue(TMessageQueue::OfThisThread()) {}
-
 int TDesktopMessageBoxHost::Show(const string& text, const string& caption, int flags) {
-    const auto question = std::make_shared<TQuestion>();
-    question->Text = text;
-    question->Caption = caption;
-    question->Flags = flags;
-    auto answer = question->Answer.get_future();
-    if (QThread::currentThread() != QCoreApplication::instance()->thread()) {
-        if (!FQueue->Post([this, question] { Open(question); }))
-            return AnswerAsIfClosed(flags);
-        return answer.get();
-    }
-    QEventLoop loop;
-    question->Answered = [&loop] { loop.exit(); };
-    Open(question);
-    if (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-        loop.exec();
-    if (answer.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
-        CloseAll(); // the application was told to end while the box was open
-    return answer.get();
-}
-
-void TDesktopMessageBoxHost::Open(const std::shared_ptr<TQuestion>& question) {
-    const auto answer = [question](int code) {
-        question->Answer.set_value(code);
-        if (question->Answered)
-            question->Answered();
-    };
-    if (FClosed) {
-        answer(AnswerAsIfClosed(question->Flags));
-        return;
-    }
-    auto* box = new QMessageBox(IconOf(question->Flags), question->Caption, question->Text);
-    box->setTextFormat(Qt::PlainText);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    AddButtons(*box, question->Flags);
-    FOpen.append(box);
-    QObject::connect(box, &QDialog::finished, box, [this, box, answer, flags = question->Flags] {
-        FOpen.removeOne(box);
-        answer(CodeOf(*box, flags));
-    });
-    box->show();
-    box->raise();
-}
-
-void TDesktopMessageBoxHost::CloseAll() {
-    FClosed = true;
-    const QList<QMessageBox*> open = FOpen; // each takes itself out
-    for (QMessageBox* box : open)
-        box->done(QDialog::Rejected);
+    int code = AnswerAsIfClosed(flags);
+    FQuestions.Ask([&] { return MakeBox(text, caption, flags); },
+                   [&](const QDialog& box) {
+                       if (const QAbstractButton* clicked =
+                               static_cast<const QMessageBox&>(box).clickedButton())
+                           code = clicked->property(CodeProperty).toInt();
+                   });
+    return code;
 }

@@ -42,6 +42,10 @@ public:
         FErrStart = std::make_unique<TIntList>();
         FErrLen = std::make_unique<TIntList>();
     }
+    void DropErrorInfo() {
+        FErrStart.reset();
+        FErrLen.reset();
+    }
 
     TLineObject* FObject = nullptr;  ///< the caller's object, borrowed
     bool FExpanded = true;           ///< a fold that starts here is open

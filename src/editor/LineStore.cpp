@@ -147,6 +147,8 @@ void TAdvMemoStrings::Put(int index, const string& text) {
         FListLengths.Add(Integer(line.size()));
     else
         FListLengths.SetInteger(index, Integer(line.size()));
+    if (TLineProp* prop = GetLineProp(index); prop && line != Get(index))
+        prop->DropErrorInfo(); // what it pointed at may be elsewhere
     TellRowsTouched(index);
     RawPut(index, line);
 }

@@ -9,6 +9,7 @@
 #include "editor/Caret.h"
 #include "editor/CaretMoves.h"
 #include "editor/Editing.h"
+#include "editor/ErrorMarks.h"
 #include "editor/Folding.h"
 #include "editor/Keys.h"
 #include "editor/LineStartState.h"
@@ -82,6 +83,8 @@ public:
     /// What a view paints: the runs of a row, and the look of a run.
     [[nodiscard]] std::vector<TStyleRun> RunsOf(int row);
     [[nodiscard]] TRunLook LookOf(const TStyle& state) const { return ::LookOf(state, FRules, BaseLook); }
+    /// Another number once the runs of any row may be others.
+    [[nodiscard]] quint64 RunsRevision() const;
 
     /// Empty for a row that doesn't exist.
     [[nodiscard]] string LineText(int row) const;
@@ -100,6 +103,7 @@ public:
     [[nodiscard]] TMemoFolding& Folding() { return FFolding; }
     [[nodiscard]] const TMemoFolding& Folding() const { return FFolding; }
     [[nodiscard]] TBookmarks& Bookmarks() { return FBookmarks; }
+    [[nodiscard]] TErrorMarks& ErrorMarks() { return FErrorMarks; }
     [[nodiscard]] TMemoEditing& Editing() { return FEditing; }
     [[nodiscard]] TMemoBlocks& Blocks() { return FBlocks; }
     [[nodiscard]] const TMemoWords& Words() const { return FWords; }
@@ -159,6 +163,7 @@ private:
     TStyleRules FRules;
     TLineStates FLineStates;
     unsigned FStylesRevision = 0;
+    unsigned FTextRevision = 0;
     TWordWrap FWrap;
     TMemoCaret FCaret{*this};
     TCaretMoves FMoves{*this};
@@ -167,6 +172,7 @@ private:
     TMemoFolding FFolding{*this};
     TBookmarks FBookmarks;
     TMemoWords FWords{*this};
+    TErrorMarks FErrorMarks{*this};
     TMemoEditing FEditing{*this};
     TMemoBlocks FBlocks{*this};
     TMemoKeys FKeys{*this};

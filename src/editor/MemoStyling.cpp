@@ -46,7 +46,13 @@ void TAdvCustomMemo::StylesChanged() {
 
 void TAdvCustomMemo::ResetStyling() {
     FLineStates.Reset();
+    ++FTextRevision;
     Repaint();
+}
+
+quint64 TAdvCustomMemo::RunsRevision() const {
+    const unsigned styles = FRules.Styler ? FRules.Styler->FAllStyles.Revision() : 0;
+    return quint64(FTextRevision) << 32 | styles << 1 | (FRules.FUrlAware ? 1 : 0);
 }
 
 std::vector<TStyleRun> TAdvCustomMemo::RunsOf(int row) {
@@ -60,6 +66,7 @@ std::vector<TStyleRun> TAdvCustomMemo::RunsOf(int row) {
 }
 
 void TAdvCustomMemo::RowsTouched(int row) {
+    ++FTextRevision;
     FScroll.RowsTouched(row);
     FLineStates.Invalidate(row);
 }

@@ -3,7 +3,7 @@
 // box is answered as if the user had closed it.
 #include "base/Text.h"
 
-/// The low four bits of a box's flags name its buttons; the rest is its icon and default button.
+/// The low four bits of a box's flags name its buttons; others its icon, its default button and its place.
 enum TMessageBoxFlags : int {
     MB_OK = 0,
     MB_OKCANCEL = 1,
@@ -17,6 +17,11 @@ enum TMessageBoxFlags : int {
     MB_ICONQUESTION = 32,
     MB_ICONWARNING = 48,
     MB_ICONINFORMATION = 64,
+    MB_DEFBUTTON2 = 0x100, ///< the second button is the default one
+    MB_DEFBUTTON3 = 0x200,
+    MB_DEFMASK = 0xF00,
+    MB_SYSTEMMODAL = 0x1000, ///< above other windows, as MB_TOPMOST
+    MB_TOPMOST = 0x40000,
 };
 
 enum TMessageBoxAnswer : int {

@@ -8,7 +8,7 @@
 
 namespace {
 
-const string SFileProtected = QStringLiteral("\"%1\" is protected.");
+const string SFileProtected = QStringLiteral("'%1' is protected.");
 const string SPermissionOwner = QStringLiteral("To change it, enter its owner password.");
 const string SPermissionOpen = QStringLiteral("To open it, enter its password.");
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Callable, and on purpose not offered: they are for scripts that ship with the program.
+/// Callable, but on purpose not offered: they are about the program, not about documents.
 bool IsHidden(const string& function) {
     const QStringView hidden[] = {u"IncludeResource", u"exename", u"ExeFolder"};
     return std::any_of(std::begin(hidden), std::end(hidden),

@@ -1,62 +1,41 @@
-#include "desktop/Desktop.h"
 #include "agent/AgentPicture.h"
 #include "agent/AgentProgram.h"
 #include "agent/FoldersAgentForm.h"
 #include "base/Journal.h"
+#include "desktop/DesktopFixture.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
-#include "platform/MessagePump.h"
 #include "platform/TrayIcon.h"
 #include "testing/PlayedHost.h"
 #include "testing/Workspace.h"
 
-#include <QAbstractButton>
-#include <QApplication>
 #include <QCloseEvent>
 #include <QMenu>
 #include <QMessageBox>
-#include <QTimer>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
 
 #include <clocale>
 #include <future>
 
 namespace {
 
-/// A desktop that paints into memory, and an event loop.
-class DesktopTest : public testing::Test {
-protected:
-    DesktopTest() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("DISPLAY", ":0");
-        FDesktop = std::make_unique<TDesktop>();
-        FPump = std::make_unique<TMessagePump>();
-    }
-
-    /// Calls with the open box once there is one.
-    static void OnBox(const std::function<void(QMessageBox&)>& call) {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(widget); box && box->isVisible()) {
-                call(*box);
-                return;
-            }
-        QTimer::singleShot(1, qApp, [call] { OnBox(call); });
-    }
-    static QStringList Captions(const QMessageBox& box) {
-        QStringList captions;
-        for (const QAbstractButton* button : box.buttons())
-            captions += button->text().remove('&');
-        captions.sort();
-        return captions;
-    }
-    static void Click(const QMessageBox& box, const QString& caption) {
-        for (QAbstractButton* button : box.buttons())
-            if (button->text().remove('&') == caption)
-                button->click();
-    }
-
-    std::unique_ptr<TDesktop> FDesktop;
-    std::unique_ptr<TMessagePump> FPump;
-};
+QStringList Captions(const QMessageBox& box) {
+    QStringList captions;
+    for (const QAbstractButton* button : box.buttons())
+        captions += button->text().remove('&');
+    captions.sort();
+    return captions;
+}
+void Click(const QMessageBox& box, const QString& caption) {
+    for (QAbstractButton* button : box.buttons())
+        if (button->text().remove('&') == caption)
+            button->click();
+}
+void OnBox(const std::function<void(QMessageBox&)>& call) {
+    DesktopTest::OnShown<QMessageBox>(call);
+}
 
 TEST_F(DesktopTest, EachBoxHasItsButtonsAndTheirCodes) {
     const struct {
@@ -89,6 +68,29 @@ TEST_F(DesktopTest, EscapeIsCancelWhereThereIsOne) {
     EXPECT_EQ(MessageBoxHost().Show("text", "", MB_YESNOCANCEL), IDCANCEL);
     OnBox([](QMessageBox& box) { box.close(); });
     EXPECT_EQ(MessageBoxHost().Show("text", "", MB_OK), IDOK);
+}
+
+TEST_F(DesktopTest, FlagsNameTheDefaultButtonAndALongTextLeavesRoomForIt) {
+    const struct {
+        int Flags;
+        const char* Default;
+    } cases[] = {
+        {MB_YESNOCANCEL, "&Yes"},
+        {MB_YESNOCANCEL | MB_DEFBUTTON2, "&No"},
+        {MB_YESNOCANCEL | MB_DEFBUTTON3 | MB_ICONQUESTION, "Cancel"},
+        {MB_YESNO | MB_DEFBUTTON3, "&Yes"}, // there is no third
+    };
+    const QString text = QString("line\n").repeated(500);
+    for (const auto& c : cases) {
+        OnBox([&](QMessageBox& box) {
+            EXPECT_LT(box.height(), box.screen()->availableGeometry().height());
+            EXPECT_EQ(box.detailedText(), text);
+            EXPECT_EQ(box.defaultButton()->text(), c.Default);
+            EXPECT_TRUE(box.isModal()); // its caller is on this thread
+            QTest::keyClick(box.defaultButton(), Qt::Key_Return);
+        });
+        EXPECT_GT(MessageBoxHost().Show(text, "", c.Flags), 0);
+    }
 }
 
 TEST_F(DesktopTest, AnyThreadMayAskAndSeveralAtOnce) {

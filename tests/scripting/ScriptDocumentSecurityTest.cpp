@@ -52,7 +52,7 @@ TEST_F(TScriptSecurity, LoadAsksUntilTheOwnerPasswordFits) {
         EXPECT_EQ(Prompt.Messages.size(), c.Prompts);
         EXPECT_EQ(document.GetLastError(), 0);
     }
-    EXPECT_EQ(Prompt.Messages.first(), "\"in.pdf\" is protected. To change it, enter its owner password.");
+    EXPECT_EQ(Prompt.Messages.first(), "'in.pdf' is protected. To change it, enter its owner password.");
 }
 
 TEST_F(TScriptSecurity, AFileWithoutProtectionNeedsNoAnswer) {
@@ -78,7 +78,7 @@ TEST_F(TScriptSecurity, AnOpenPasswordIsAskedForInItsOwnWords) {
     string password;
     EXPECT_TRUE(AskForPassword(In, TIsPasswordOkOption::poOpen, password));
     EXPECT_EQ(password, "open");
-    EXPECT_EQ(Prompt.Messages, QStringList{"\"in.pdf\" is protected. To open it, enter its password."});
+    EXPECT_EQ(Prompt.Messages, QStringList{"'in.pdf' is protected. To open it, enter its password."});
     SetPasswordPrompt(nullptr); // nobody to ask: cancelled at once
     password = QStringLiteral("first");
     EXPECT_FALSE(AskForPassword(In, TIsPasswordOkOption::poOpen, password));

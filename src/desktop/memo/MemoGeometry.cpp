@@ -1,151 +1,113 @@
 #include "desktop/memo/MemoGeometry.h"
 
-#include <QFontMetricsF>
-#include <QTextOption>
 #include <QWidget>
 
 #include <algorithm>
 #include <cmath>
 
-int WholeColumn(QStringView text, int column) {
-    const bool inside = column > 0 && column < text.size() && text[column].isLowSurrogate() &&
-                        text[column - 1].isHighSurrogate();
-    return inside ? column - 1 : column;
-}
-
-TMemoGeometry::TMemoGeometry(TAdvCustomMemo& memo, QWidget& viewport) : FMemo(memo), FViewport(viewport) {
-    SetFont({}, 0);
+TMemoGeometry::TMemoGeometry(TAdvCustomMemo& memo, QWidget& viewport)
+    : FMemo(memo), FViewport(viewport), FRows(std::make_unique<TMemoRows>(memo, FFonts)) {
+    Update();
 }
 
 void TMemoGeometry::SetFont(const TMemoFont& font, int zoom) {
-    constexpr int SmallestSize = 4;
-    FFont = QFont(font.Name);
-    FFont.setStyleHint(QFont::Monospace);
-    FFont.setFixedPitch(/*enable=*/true);
-    FFont.setPointSize(std::max(SmallestSize, font.Size + zoom));
-    FFont.setKerning(/*enable=*/false);
-    // Cells are whole pixels: the advance of every character is brought to the next one.
-    const qreal advance = QFontMetricsF(FFont).horizontalAdvance(u'0');
-    FCell.W = std::max(1, int(std::ceil(advance - 0.01)));
-    FFont.setLetterSpacing(QFont::AbsoluteSpacing, FCell.W - advance);
-    const QFontMetricsF metrics(FFont);
-    FFixed = std::abs(metrics.horizontalAdvance(u'i') - metrics.horizontalAdvance(u'W')) < 0.01;
-    FCell.H = int(std::ceil(metrics.height())) + 1;
-    FAscent = int(std::ceil(metrics.ascent()));
-    for (unsigned style = 0; style < std::size(FStyled); ++style) {
-        FStyled[style] = FFont;
-        FStyled[style].setBold((style & fsBold) != 0);
-        FStyled[style].setItalic((style & fsItalic) != 0);
-    }
+    FFonts.Set(font, zoom);
+    FRows->Forget();
     Update();
 }
 
 void TMemoGeometry::Update() {
-    FMemo.Scroll().Resize(FCell, std::max(0, FViewport.width() - TextLeft()), FViewport.height());
+    FMemo.Scroll().Resize(FFonts.Cell(), std::max(0, FViewport.width() - TextLeft()), FViewport.height());
 }
 
 int TMemoGeometry::GutterWidth() const {
     if (!ShowGutter)
         return 0;
-    constexpr int Margins = 14; // the strip of changed lines, and air around the number
+    constexpr int Margins = 18; // a bookmark, the strip of changed lines, and air around the number
     int digits = 1;
     for (int count = FMemo.Lines().Count(); count >= 10; count /= 10)
         ++digits;
-    return std::max(GutterMinimum, digits * FCell.W + Margins);
+    return std::max(GutterMinimum, digits * CellWidth() + Margins);
 }
 
 int TMemoGeometry::TextLeft() const {
-    return GutterWidth() + (FMemo.Folding().Enabled() ? FoldWidth : 0);
+    constexpr int Air = 4;
+    return GutterWidth() + (FMemo.Folding().Enabled() ? FoldWidth : 0) + Air;
+}
+
+int TMemoGeometry::RowLeft() const {
+    return TextLeft() - FMemo.Scroll().LeftCol() * CellWidth();
+}
+
+int TMemoGeometry::NumberOf(int row) const {
+    if (FMemo.Settings.FWordWrap == wwNone)
+        return row + 1;
+    if (FMemo.IsContinuation(row))
+        return 0;
+    int number = 1;
+    for (int above = 1; above <= row; ++above)
+        number += FMemo.IsContinuation(above) ? 0 : 1;
+    return number;
 }
 
 int TMemoGeometry::YOf(int row) const {
     const TMemoFolding& folding = FMemo.Folding();
-    return (folding.VisibleBefore(row) - folding.VisibleBefore(FMemo.Scroll().TopLine())) * FCell.H;
+    return (folding.VisibleBefore(row) - folding.VisibleBefore(FMemo.Scroll().TopLine())) * LineHeight();
 }
 
 int TMemoGeometry::RowAt(int y) const {
-    return FMemo.Folding().StepVisible(FMemo.Scroll().TopLine(), int(std::floor(double(y) / FCell.H)));
-}
-
-bool TMemoGeometry::IsOnGrid(QStringView text) const {
-    return FFixed && std::all_of(text.begin(), text.end(),
-                                 [](QChar c) { return c.unicode() >= 32 && c.unicode() < 127; });
-}
-
-bool TMemoGeometry::HasPreedit(int row) const {
-    return !Preedit.Text.isEmpty() && row == FMemo.Caret().Y();
-}
-
-std::unique_ptr<QTextLayout> TMemoGeometry::LayOut(int row,
-                                                   const QList<QTextLayout::FormatRange>& formats) const {
-    auto layout = std::make_unique<QTextLayout>(FMemo.LineText(row), FFont);
-    QTextOption option;
-    option.setWrapMode(QTextOption::NoWrap);
-    option.setTextDirection(Qt::LeftToRight);
-    layout->setTextOption(option);
-    layout->setFormats(formats);
-    if (HasPreedit(row)) {
-        const int at = WholeColumn(layout->text(), std::min(FMemo.Caret().X(), FMemo.LineLength(row)));
-        layout->setPreeditArea(at, Preedit.Text);
-        QList<QTextLayout::FormatRange> all = formats;
-        for (QTextLayout::FormatRange range : Preedit.Formats) {
-            range.start += at;
-            all.append(range);
-        }
-        layout->setFormats(all);
-    }
-    layout->beginLayout();
-    layout->createLine();
-    layout->endLayout();
-    return layout;
+    return FMemo.Folding().StepVisible(FMemo.Scroll().TopLine(), int(std::floor(double(y) / LineHeight())));
 }
 
 int TMemoGeometry::XOf(int row, int column) const {
-    const string text = FMemo.LineText(row);
-    const int left = TextLeft() - FMemo.Scroll().LeftCol() * FCell.W;
-    const int within = WholeColumn(text, std::min(column, int(text.size())));
-    const int beyond = (column - std::min(column, int(text.size()))) * FCell.W;
-    if (!HasPreedit(row) && IsOnGrid(text))
-        return left + within * FCell.W + beyond;
-    return left + int(std::lround(LayOut(row)->lineAt(0).cursorToX(within))) + beyond;
+    const TMemoRow& shown = FRows->Of(row);
+    const int within = std::min(column, int(shown.Text.size()));
+    return RowLeft() + shown.XOf(within, CellWidth()) + (column - within) * CellWidth();
 }
 
 int TMemoGeometry::ColumnAt(int row, int x) const {
-    const string text = FMemo.LineText(row);
-    const int from = x - TextLeft() + FMemo.Scroll().LeftCol() * FCell.W;
-    if (IsOnGrid(text))
-        return std::clamp(int(std::floor(double(from) / FCell.W + 0.5)), 0, int(text.size()));
-    return WholeColumn(text, LayOut(row)->lineAt(0).xToCursor(from));
+    const TMemoRow& shown = FRows->Of(row);
+    const int from = x - RowLeft();
+    if (shown.Layout)
+        return WholeColumn(shown.Text, shown.ToColumn(shown.Layout->lineAt(0).xToCursor(from)));
+    return std::clamp(int(std::floor(double(from) / CellWidth() + 0.5)), 0, int(shown.Text.size()));
 }
 
 QRect TMemoGeometry::RowRect(int row) const {
-    return {0, YOf(row), FViewport.width(), FCell.H};
+    return {0, YOf(row), FViewport.width(), LineHeight()};
+}
+
+int TMemoGeometry::CaretPlace(const TMemoRow& shown) const {
+    if (shown.PreeditLength > 0)
+        return shown.PreeditAt + std::clamp(FRows->Preedit.Cursor, 0, shown.PreeditLength);
+    return WholeColumn(shown.Text, FMemo.Caret().X());
+}
+
+int TMemoGeometry::CaretX() const {
+    const TMemoRow& shown = FRows->Of(FMemo.Caret().Y());
+    if (shown.PreeditLength == 0)
+        return XOf(FMemo.Caret().Y(), FMemo.Caret().X());
+    return RowLeft() + int(std::lround(shown.Layout->lineAt(0).cursorToX(CaretPlace(shown))));
 }
 
 QRect TMemoGeometry::CaretRect() const {
-    const int row = FMemo.Caret().Y();
-    const int column = FMemo.Caret().X();
-    if (HasPreedit(row)) {
-        const auto layout = LayOut(row);
-        const int at = WholeColumn(layout->text(), std::min(column, int(layout->text().size())));
-        // Positions of a layout count its preedit text; a QTextLine wants the place behind the text before.
-        const qreal x = layout->lineAt(0).cursorToX(at + std::max(0, Preedit.Cursor));
-        return {TextLeft() - FMemo.Scroll().LeftCol() * FCell.W + int(std::lround(x)), YOf(row), FCell.W,
-                FCell.H};
-    }
-    const string text = FMemo.LineText(row);
-    const int x = XOf(row, column);
-    const bool pair = column + 1 < text.size() && text[column].isHighSurrogate();
-    const int width = column < text.size() ? XOf(row, column + (pair ? 2 : 1)) - x : FCell.W;
-    return {x, YOf(row), width > 0 ? width : FCell.W, FCell.H};
+    const TMemoRow& shown = FRows->Of(FMemo.Caret().Y());
+    const int place = CaretPlace(shown);
+    const QRect cell(CaretX(), YOf(FMemo.Caret().Y()), CellWidth(), LineHeight());
+    if (!shown.Layout || place >= shown.Text.size() + shown.PreeditLength)
+        return cell;
+    const QTextLine line = shown.Layout->lineAt(0);
+    const int x = int(std::lround(line.cursorToX(place)));
+    const int end = int(std::lround(line.cursorToX(shown.Layout->nextCursorPosition(place))));
+    return {RowLeft() + std::min(x, end), cell.y(), std::max(1, std::abs(end - x)), cell.height()};
 }
 
 QRect TMemoGeometry::FoldBox(int row) const {
     const TLineProp* prop = FMemo.Lines().GetLineProp(row);
     if (!FMemo.Folding().Enabled() || !prop || !prop->FHasChildren)
         return {};
-    const int size = std::min({9, FoldWidth, FCell.H - 2}) / 2 * 2 + 1; // odd: its signs have a middle
-    return {GutterWidth() + (FoldWidth - size) / 2, YOf(row) + (FCell.H - size) / 2, size, size};
+    const int size = (std::min({9, FoldWidth, LineHeight() - 2}) - 1) / 2 * 2 + 1; // odd: signs have a middle
+    return {GutterWidth() + (FoldWidth - size) / 2, YOf(row) + (LineHeight() - size) / 2, size, size};
 }
 
 int TMemoGeometry::FoldMarkAt(QPoint at) const {
@@ -157,8 +119,8 @@ int TMemoGeometry::FoldMarkAt(QPoint at) const {
 
 std::vector<int> TMemoGeometry::RowsInView() const {
     std::vector<int> rows;
-    const int count = FMemo.Lines().Count();
-    const int fitting = (FViewport.height() + FCell.H - 1) / FCell.H;
+    const int count = std::max(1, FMemo.Lines().Count());
+    const int fitting = (FViewport.height() + LineHeight() - 1) / LineHeight();
     for (int row = FMemo.Scroll().TopLine(); row < count && int(rows.size()) < fitting;) {
         rows.push_back(row);
         const int next = FMemo.Folding().StepVisible(row, 1);
@@ -167,4 +129,27 @@ std::vector<int> TMemoGeometry::RowsInView() const {
         row = next;
     }
     return rows;
+}
+
+void TMemoGeometry::ScrollSideways(ToCaret toCaret) {
+    TMemoScroll& scroll = FMemo.Scroll();
+    int cells = scroll.MaxLength();
+    for (const int row : RowsInView()) {
+        if (const TMemoRow& shown = FRows->Of(row); shown.Layout)
+            cells = std::max(cells, int(shown.Layout->lineAt(0).naturalTextWidth()) / CellWidth() + 1);
+    }
+    if (cells > scroll.MaxLength()) {
+        scroll.SetMaxLength(cells);
+        scroll.UpdateRange();
+    }
+    if (toCaret == ToCaret::No || !FRows->Of(FMemo.Caret().Y()).Layout)
+        return;
+    constexpr int Beside = 2; // cells that show beside the caret, as where the control scrolls
+    const QRect caret = CaretRect();
+    const int behind = caret.right() + 1 - FViewport.width();
+    const int before = TextLeft() - caret.left();
+    if (behind > 0)
+        scroll.SetLeftCol(scroll.LeftCol() + behind / CellWidth() + Beside);
+    else if (before > 0)
+        scroll.SetLeftCol(std::max(0, scroll.LeftCol() - before / CellWidth() - Beside));
 }

@@ -197,7 +197,9 @@ void TMemoWidget::SettleLater() {
 /// What follows from operations, once they are through.
 void TMemoWidget::Settle() {
     FGeometry.Update(); // more digits may want a wider gutter
-    if (std::exchange(FCaretNew, false))
+    const bool moved = std::exchange(FCaretNew, false);
+    FGeometry.ScrollSideways(moved ? TMemoGeometry::ToCaret::Yes : TMemoGeometry::ToCaret::No);
+    if (moved)
         updateMicroFocus();
     FSettling = false;
     Q_EMIT StateChanged();
