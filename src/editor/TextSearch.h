@@ -4,6 +4,7 @@
 //
 // The matches of the whole text are found once per text and query, as far as the caps allow; beyond them the
 // search goes on from where it is needed.
+#include "editor/ColumnRange.h"
 #include "editor/JoinedText.h"
 
 #include <QRegularExpression>
@@ -23,12 +24,6 @@ struct TTextMatch {
     int Length = 0;
     [[nodiscard]] int End() const { return From + Length; }
     bool operator==(const TTextMatch&) const = default;
-};
-
-struct TColumnRange {
-    int From = 0;
-    int To = 0; ///< excluded
-    bool operator==(const TColumnRange&) const = default;
 };
 
 /// What is known of all matches.

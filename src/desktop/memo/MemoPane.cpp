@@ -19,6 +19,9 @@ TMemoPane::TMemoPane(QWidget* parent)
     setFocusProxy(FEditor);
     FEditor->Memo().Events.FOnFind = [this] { FFindBar->Open(TFindBar::TReplace::No); };
     FEditor->Memo().Events.FOnReplace = [this] { FFindBar->Open(TFindBar::TReplace::Yes); };
+    FEditor->MarkedColumns = [this](int row) {
+        return FFindBar->isVisible() ? FSearch.ColumnsOf(row) : std::vector<TColumnRange>();
+    };
     AddKey(Qt::Key_F3, [this] { FFindBar->FindNext(); });
     AddKey(Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
     AddKey(Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
