@@ -5,6 +5,7 @@
 #include "desktop/DesktopMessageBox.h"
 #include "desktop/DesktopPasswordPrompt.h"
 #include "desktop/DesktopTrayIcon.h"
+#include "desktop/ScriptEditorDialog.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -58,8 +59,10 @@ struct TDesktop::THosts {
         SetTrayIconHost(&Icons);
         SetPasswordPrompt(&Passwords);
         SetFileDialogHost(&Files);
+        SetScriptEditorHost(&Scripts);
     }
     ~THosts() {
+        SetScriptEditorHost(nullptr);
         SetFileDialogHost(nullptr);
         SetPasswordPrompt(nullptr);
         SetTrayIconHost(nullptr);
@@ -69,6 +72,7 @@ struct TDesktop::THosts {
     TDesktopTrayIconHost Icons;
     TDesktopPasswordPrompt Passwords;
     TDesktopFileDialogHost Files;
+    TDesktopScriptEditorHost Scripts;
 };
 
 TDesktop::TDesktop(const string& program) : FCommandLine(std::make_unique<TCommandLine>(program)) {

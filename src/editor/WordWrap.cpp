@@ -6,7 +6,11 @@ qsizetype WrapCut(QStringView line, int limit) {
     qsizetype cut = 0;
     for (qsizetype blank; (blank = line.indexOf(u' ', cut)) >= 0 && blank + 1 < limit;)
         cut = blank + 1;
-    return cut > 0 ? cut : std::min<qsizetype>(limit, line.size());
+    if (cut > 0)
+        return cut;
+    cut = std::min<qsizetype>(limit, line.size());
+    const bool inPair = cut > 1 && cut < line.size() && line[cut].isLowSurrogate();
+    return inPair && line[cut - 1].isHighSurrogate() ? cut - 1 : cut;
 }
 
 void TWordWrap::Wrap(TAdvMemoStrings& store, int limit) {

@@ -1,6 +1,7 @@
 #pragma once
 // The vocabulary of the desktop's tests: a desktop in memory, and what is done with a window once it is
 // shown.
+#include "RealKeys.h"
 #include "desktop/Desktop.h"
 #include "platform/MessagePump.h"
 
@@ -25,8 +26,7 @@ public:
 
 protected:
     DesktopTest() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        qputenv("DISPLAY", ":0");
+        RealKeys::ChoosePlatform();
         FDesktop = std::make_unique<TDesktop>();
         FPump = std::make_unique<TMessagePump>();
     }

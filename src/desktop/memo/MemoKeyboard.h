@@ -1,10 +1,12 @@
 #pragma once
-// Keys, and text from input methods, on their way to the control.
+// Keys on their way to the control.
+//
+// What a platform puts into an event's text differs for control characters, so those are made from the key;
+// only characters to be typed are taken from the text. Keys that the editor has no use for go on to the
+// windows above.
 #include "editor/MemoView.h"
 
-class QInputMethodEvent;
 class QKeyEvent;
-class QVariant;
 class TMemoWidget;
 
 class TMemoKeyboard {
@@ -14,11 +16,12 @@ public:
     /// The key is for the editor, whatever shortcut has it elsewhere.
     [[nodiscard]] bool Wants(const QKeyEvent& event) const;
     void Press(QKeyEvent& event);
-    void TakeInput(QInputMethodEvent& event);
-    /// Invalid where the widget's own answer holds.
-    [[nodiscard]] QVariant Answer(int query) const;
 
 private:
+    [[nodiscard]] bool Zoom(const QKeyEvent& event);
+    [[nodiscard]] bool Leave(const QKeyEvent& event);
+    void Send(const QKeyEvent& event);
+
     TMemoWidget& FWidget;
 };
 

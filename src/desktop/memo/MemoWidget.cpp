@@ -1,9 +1,13 @@
 #include "desktop/memo/MemoWidget.h"
 
 #include "desktop/memo/AssistWindows.h"
+#include "desktop/memo/MemoAccessible.h"
+#include "desktop/memo/MemoClipboard.h"
+#include "desktop/memo/MemoInput.h"
 #include "desktop/memo/MemoKeyboard.h"
 #include "desktop/memo/MemoMouse.h"
 #include "desktop/memo/MemoPainter.h"
+#include "desktop/memo/SurrogatePairs.h"
 
 #include <QApplication>
 #include <QPaintEvent>
@@ -11,13 +15,19 @@
 #include <QStyleHints>
 
 TMemoWidget::TMemoWidget(QWidget* parent)
-    : QAbstractScrollArea(parent), FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
-      FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FMouse(std::make_unique<TMemoMouse>(*this)) {
+    : QAbstractScrollArea(parent), FClipboard(std::make_unique<TQtMemoClipboard>()),
+      FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
+      FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
+      FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FInput(std::make_unique<TMemoInput>(*this)),
+      FAccessibility(std::make_unique<TMemoAccessibility>(*this)),
+      FMouse(std::make_unique<TMemoMouse>(*this)) {
     FMemo.View = this;
+    FMemo.Clipboard = FClipboard.get();
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
     setAttribute(Qt::WA_KeyCompression, /*on=*/false);
     setAcceptDrops(/*on=*/true);
+    viewport()->setMouseTracking(/*enable=*/true);
     viewport()->setCursor(Qt::IBeamCursor);
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     FGeometry.Update();
@@ -42,6 +52,7 @@ void TMemoWidget::SetZoom(int points) {
 
 void TMemoWidget::paintEvent(QPaintEvent* event) {
     FPainter->Paint(event->rect());
+    FMouse->PaintDropCaret();
 }
 
 void TMemoWidget::resizeEvent(QResizeEvent* /*event*/) {
@@ -77,6 +88,7 @@ void TMemoWidget::focusInEvent(QFocusEvent* /*event*/) {
 
 void TMemoWidget::focusOutEvent(QFocusEvent* event) {
     FBlink.stop();
+    CancelPreedit();
     if (event->reason() != Qt::PopupFocusReason)
         FCompletion.ListDeactivated();
     viewport()->update(FGeometry.RowRect(FMemo.Caret().Y()));
@@ -100,11 +112,11 @@ void TMemoWidget::keyPressEvent(QKeyEvent* event) {
 }
 
 void TMemoWidget::inputMethodEvent(QInputMethodEvent* event) {
-    FKeyboard->TakeInput(*event);
+    FInput->Take(*event);
 }
 
 QVariant TMemoWidget::inputMethodQuery(Qt::InputMethodQuery query) const {
-    const QVariant answer = FKeyboard->Answer(query);
+    const QVariant answer = FInput->Answer(query);
     return answer.isValid() ? answer : QAbstractScrollArea::inputMethodQuery(query);
 }
 
@@ -134,19 +146,19 @@ void TMemoWidget::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void TMemoWidget::dragEnterEvent(QDragEnterEvent* event) {
-    FMouse->DragMove(*event);
+    FMouse->Drag().Move(*event);
 }
 
 void TMemoWidget::dragMoveEvent(QDragMoveEvent* event) {
-    FMouse->DragMove(*event);
+    FMouse->Drag().Move(*event);
 }
 
 void TMemoWidget::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
-    FMouse->DragLeave();
+    FMouse->Drag().Leave();
 }
 
 void TMemoWidget::dropEvent(QDropEvent* event) {
-    FMouse->Drop(*event);
+    FMouse->Drag().Drop(*event);
 }
 
 void TMemoWidget::RepaintRows(int from, int to) {
@@ -196,11 +208,22 @@ void TMemoWidget::SettleLater() {
 
 /// What follows from operations, once they are through.
 void TMemoWidget::Settle() {
+    FPairs->Snap();
     FGeometry.Update(); // more digits may want a wider gutter
     const bool moved = std::exchange(FCaretNew, false);
     FGeometry.ScrollSideways(moved ? TMemoGeometry::ToCaret::Yes : TMemoGeometry::ToCaret::No);
     if (moved)
         updateMicroFocus();
+    FAccessibility->Tell();
     FSettling = false;
     Q_EMIT StateChanged();
+}
+
+void TMemoWidget::CancelPreedit() {
+    FInput->Cancel();
+}
+
+void TMemoWidget::CaretPlaceChanged() {
+    RestartCaretBlink();
+    updateMicroFocus();
 }

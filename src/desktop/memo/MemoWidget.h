@@ -9,9 +9,13 @@
 #include <QBasicTimer>
 
 class TAssistWindows;
+class TMemoAccessibility;
+class TMemoInput;
 class TMemoKeyboard;
 class TMemoMouse;
 class TMemoPainter;
+class TQtMemoClipboard;
+class TSurrogatePairs;
 
 class TMemoWidget : public QAbstractScrollArea, private TMemoView {
     Q_OBJECT
@@ -22,6 +26,10 @@ public:
     [[nodiscard]] TAdvMemo& Memo() { return FMemo; }
     [[nodiscard]] TMemoCompletion& Completion() { return FCompletion; }
     [[nodiscard]] TMemoGeometry& Geometry() { return FGeometry; }
+    [[nodiscard]] TMemoMouse& Mouse() { return *FMouse; }
+    [[nodiscard]] TQtMemoClipboard& Clipboard() { return *FClipboard; }
+    /// Keys and typed text go to the control this way.
+    [[nodiscard]] TSurrogatePairs& Pairs() { return *FPairs; }
     void SetFont(const TMemoFont& font);
     /// Larger or smaller by points, for this window; 0 goes back to the font's own size.
     void SetZoom(int points);
@@ -35,6 +43,14 @@ public:
     std::function<std::vector<TColumnRange>(int row)> MarkedColumns;
     /// The caret is in its visible phase.
     [[nodiscard]] bool CaretShows() const { return FCaretShows && hasFocus(); }
+
+    /// Takes back what an input method is composing.
+    void CancelPreedit();
+    /// The caret shows in another place without having moved in the text.
+    void CaretPlaceChanged();
+    /// To the neighbour in the tab order, as Tab goes elsewhere. False if there is none.
+    bool FocusNext() { return QAbstractScrollArea::focusNextPrevChild(/*next=*/true); }
+    bool FocusPrevious() { return QAbstractScrollArea::focusNextPrevChild(/*next=*/false); }
 
 Q_SIGNALS:
     /// Caret, selection, text or overwrite state may have changed: once per turn of the event loop.
@@ -76,9 +92,13 @@ private:
     TAdvMemo FMemo;
     TMemoGeometry FGeometry{FMemo, *viewport()};
     TMemoCompletion FCompletion{FMemo};
+    const std::unique_ptr<TQtMemoClipboard> FClipboard;
+    const std::unique_ptr<TSurrogatePairs> FPairs;
     const std::unique_ptr<TAssistWindows> FAssist;
     const std::unique_ptr<TMemoPainter> FPainter;
     const std::unique_ptr<TMemoKeyboard> FKeyboard;
+    const std::unique_ptr<TMemoInput> FInput;
+    const std::unique_ptr<TMemoAccessibility> FAccessibility;
     const std::unique_ptr<TMemoMouse> FMouse;
     TMemoFont FFont;
     int FZoom = 0;

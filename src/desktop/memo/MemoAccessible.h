@@ -1,0 +1,27 @@
+#pragma once
+// What assistive technology is told of the editor. Offsets count as TMemoWords does: a line break is one
+// character, the cuts of wrapped lines are none.
+#include "base/Text.h"
+
+class TMemoWidget;
+
+/// Tells of changes since it told last. Costs nothing as long as nobody listens.
+class TMemoAccessibility {
+public:
+    /// From the first on, editors answer to assistive technology.
+    explicit TMemoAccessibility(TMemoWidget& widget);
+    void Tell();
+
+private:
+    void TellText(const string& text);
+
+    TMemoWidget& FWidget;
+    bool FListening = false;
+    string FText;
+    int FCaret = -1;
+    int FSelectionStart = 0;
+    int FSelectionEnd = 0;
+};
+
+/// The whole text as its offsets count.
+[[nodiscard]] string AccessibleText(TMemoWidget& widget);

@@ -1,0 +1,317 @@
+#include "desktop/memo/SurrogatePairs.h"
+
+#include "base/Exceptions.h"
+#include "desktop/memo/MemoGeometry.h"
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace {
+
+bool MovesCaret(int key) {
+    return key >= keyHome && key <= keyPageDown;
+}
+
+bool IsWhole(const TAdvMemoStrings& lines) {
+    for (int row = 0; row < lines.Count(); ++row)
+        if (!lines[row].isValidUtf16())
+            return false;
+    return true;
+}
+
+/// Whether some row's pair is cut by a line down at `column`.
+bool CutsPair(const TAdvMemo& memo, int from, int to, int column) {
+    for (int row = from; row <= to; ++row)
+        if (WholeColumn(memo.LineText(row), column) != column)
+            return true;
+    return false;
+}
+
+} // namespace
+
+string WithoutHalfPairs(string text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!text[i].isSurrogate())
+            continue;
+        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
+            ++i;
+        else
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+bool IsCaretStop(QStringView line, int column) {
+    constexpr char16_t FirstCombining = 0x300;
+    if (column <= 0 || column >= line.size() || line[column].unicode() < FirstCombining)
+        return true;
+    // A piece of the line is enough: characters with more marks than that are torn.
+    constexpr int Reach = 64;
+    const int from = WholeColumn(line, std::max(0, column - Reach));
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line.mid(from, 2 * Reach));
+    finder.setPosition(column - from);
+    return finder.isAtBoundary();
+}
+
+int CharacterEnd(QStringView line, int column) {
+    if (column >= line.size())
+        return int(line.size());
+    ++column;
+    while (!IsCaretStop(line, column))
+        ++column;
+    return column;
+}
+
+void TSurrogatePairs::Send(int key, TShiftState shift, char16_t character) {
+    FMemo.KeyDown(key, shift);
+    if (character != 0)
+        FMemo.KeyPress(character);
+}
+
+void TSurrogatePairs::Key(int key, TShiftState shift, char16_t character) {
+    const bool ctrl = Held(shift, ssCtrl);
+    if (!MovesCaret(key))
+        WidenSelection();
+    if ((key == keyLeft || key == keyRight) && !ctrl)
+        Step(key, shift);
+    else if (ctrl && !Held(shift, ssAlt) && key == keyZ)
+        InHistory(TStep::Undo, [&] { Send(key, shift, character); });
+    else if (ctrl && key == keyY)
+        InHistory(TStep::Redo, [&] { Send(key, shift, character); });
+    else if (key == keyBackspace && Held(shift, ssAlt))
+        InHistory(Held(shift, ssShift) ? TStep::Redo : TStep::Undo, [&] { FMemo.KeyDown(key, shift); });
+    else if (key == keyBackspace || key == keyDelete)
+        Erase(key, shift, character);
+    else
+        Send(key, shift, character);
+    Snap();
+}
+
+void TSurrogatePairs::Execute(int key) {
+    FMemo.Activate();
+    WidenSelection();
+    FMemo.ExecuteKey(key, 0);
+    Snap();
+}
+
+/// The key again until the caret is out of what it must not stand in.
+void TSurrogatePairs::Step(int key, TShiftState shift) {
+    const TMemoCaret& caret = FMemo.Caret();
+    constexpr int Most = 64;
+    int steps = 0;
+    do
+        FMemo.KeyDown(key, shift);
+    while (++steps < Most && !IsCaretStop(FMemo.LineText(caret.Y()), caret.X()));
+}
+
+void TSurrogatePairs::Erase(int key, TShiftState shift, char16_t character) {
+    const int row = FMemo.Caret().Y();
+    const bool whole = IsWholeAround(row);
+    const string line = FMemo.LineText(row);
+    const int x = FMemo.Caret().X();
+    Send(key, shift, character);
+    if (key == keyDelete && FMemo.Selection().IsEmpty() && FMemo.Caret().IsAt(x, row) &&
+        FMemo.LineText(row) == string(line).remove(x, 1))
+        for (int rest = CharacterEnd(line, x) - x - 1; rest > 0; --rest)
+            FMemo.Editing().DeleteChar(-1, -1);
+    if (whole)
+        DeleteRestOfPairs();
+}
+
+/// What stands beside the caret, across the cuts of a wrapped line; null at a line's end.
+QChar TSurrogatePairs::UnitBeforeCaret() const {
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
+    const string line = FMemo.LineText(x == 0 && FMemo.IsContinuation(y) ? y - 1 : y).left(x > 0 ? x : -1);
+    return (x > 0 || FMemo.IsContinuation(y)) && !line.isEmpty() ? line.back() : QChar();
+}
+
+QChar TSurrogatePairs::UnitAfterCaret() const {
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
+    const string line = FMemo.LineText(y);
+    if (x < line.size())
+        return line[x];
+    return FMemo.IsContinuation(y + 1) && FMemo.LineLength(y + 1) > 0 ? FMemo.LineText(y + 1)[0] : QChar();
+}
+
+bool TSurrogatePairs::IsWholeAround(int row) const {
+    return FMemo.LineText(row - 1).isValidUtf16() && FMemo.LineText(row).isValidUtf16() &&
+           FMemo.LineText(row + 1).isValidUtf16();
+}
+
+/// The half that a deletion has left joins it in the history: its undo entries meet.
+void TSurrogatePairs::DeleteRestOfPairs() {
+    if (UnitAfterCaret().isLowSurrogate() && !UnitBeforeCaret().isHighSurrogate())
+        FMemo.Editing().DeleteChar(-1, -1);
+    if (!UnitBeforeCaret().isHighSurrogate() || UnitAfterCaret().isLowSurrogate())
+        return;
+    if (FCompletion.IsOpen())
+        FMemo.KeyPress(QChar(keyBackspaceChar)); // the list narrows its entries afresh
+    else
+        FMemo.Editing().BackSpace();
+}
+
+void TSurrogatePairs::Type(QStringView text) {
+    for (qsizetype i = 0; i < text.size();) {
+        const bool pair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        const bool crlf = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
+        const qsizetype units = pair || crlf ? 2 : 1;
+        if (text[i] == u'\r' || text[i] == u'\n')
+            Key(keyReturn, 0, keyEnterChar);
+        else if (text[i] == u'\t')
+            Key(keyTab, 0, keyTabChar);
+        else if (pair || !text[i].isSurrogate())
+            TypeCharacter(text.mid(i, units));
+        i += units;
+    }
+    Snap();
+}
+
+void TSurrogatePairs::TypeCharacter(QStringView character) {
+    WidenSelection();
+    // What stands behind a rectangle is known once that is gone.
+    const TMemoSettings& settings = FMemo.Settings;
+    if (settings.FOverwrite && settings.FDelErase && !settings.FReadOnly && FMemo.EditingAllowed() &&
+        FMemo.Selection().IsBlock())
+        FMemo.Blocks().DeleteSelection();
+    TSelectionRange replaced;
+    if (CutsInOverwriting(character, replaced))
+        Replace(replaced, character);
+    else
+        (void)Press(character);
+}
+
+/// Overwriting goes unit by unit. Where the old character or the new one has two, the old one is deleted and
+/// the new one inserted.
+bool TSurrogatePairs::CutsInOverwriting(QStringView character, TSelectionRange& replaced) const {
+    const TMemoCaret& caret = FMemo.Caret();
+    replaced = {caret.X(), caret.Y(), caret.X(), caret.Y()};
+    if (!FMemo.Settings.FOverwrite)
+        return false;
+    if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
+        replaced = FMemo.Selection().Ordered();
+    const string line = FMemo.LineText(replaced.EndY);
+    const int end = CharacterEnd(line, replaced.EndX);
+    const bool cuts = character.size() > 1 || end > replaced.EndX + 1;
+    replaced.EndX = end;
+    return cuts;
+}
+
+/// False: the control has used it for something else, or not at all.
+bool TSurrogatePairs::Press(QStringView character) {
+    const QChar last = character.back();
+    for (const QChar unit : character) {
+        FMemo.KeyPress(unit);
+        if (unit.isHighSurrogate() && UnitBeforeCaret() != unit)
+            return false; // the other half would stand alone
+    }
+    return UnitBeforeCaret() == last;
+}
+
+void TSurrogatePairs::Replace(const TSelectionRange& range, QStringView text) {
+    if (FMemo.Settings.FReadOnly || !FMemo.EditingAllowed())
+        return;
+    FMemo.Activate();
+    FMemo.Selection().Take(range, /*block=*/false);
+    const bool deletes = !FMemo.Selection().IsEmpty();
+    if (deletes)
+        FMemo.Blocks().DeleteSelection();
+    else
+        FMemo.Caret().MoveTo(range.StartX, range.StartY);
+    const bool overwrites = std::exchange(FMemo.Settings.FOverwrite, false);
+    bool typed = true;
+    for (qsizetype i = 0; typed && i < text.size();) {
+        const qsizetype units = text[i].isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+        typed = Press(text.mid(i, units));
+        i += units;
+    }
+    FMemo.Settings.FOverwrite = overwrites;
+    TAdvUndoList& list = FMemo.UndoList();
+    if (!typed && deletes)
+        FMemo.Undo();
+    else if (deletes && list.Count() > 1 && dynamic_cast<TInsertCharUndo*>(&list.Get(0)))
+        list.Get(0).FLinkedUndo = true;
+    Snap();
+}
+
+void TSurrogatePairs::Snap() {
+    const TMemoCaret& caret = FMemo.Caret();
+    const TSelectionRange range = FMemo.Selection().Range();
+    const bool empty = FMemo.Selection().IsEmpty();
+    const bool block = FMemo.Selection().IsBlock();
+    if (const int x = WholeColumn(FMemo.LineText(caret.Y()), caret.X()); x != caret.X()) {
+        FMemo.Caret().SetColumn(x);
+        if (empty)
+            FMemo.ClearSelection();
+    }
+    const TSelectionRange whole{WholeColumn(FMemo.LineText(range.StartY), range.StartX), range.StartY,
+                                WholeColumn(FMemo.LineText(range.EndY), range.EndX), range.EndY};
+    if (!empty && whole != range)
+        FMemo.Selection().Take(whole, block);
+}
+
+void TSurrogatePairs::WidenSelection() {
+    TMemoSelection& selection = FMemo.Selection();
+    if (selection.IsEmpty())
+        return;
+    const TSelectionRange range = selection.Range();
+    TSelectionRange wide = selection.Ordered();
+    const bool backward = wide != range;
+    if (selection.IsBlock()) {
+        while (CutsPair(FMemo, wide.StartY, wide.EndY, wide.StartX))
+            --wide.StartX;
+        while (CutsPair(FMemo, wide.StartY, wide.EndY, wide.EndX))
+            ++wide.EndX;
+        if (wide != selection.Ordered())
+            selection.Take(wide, /*block=*/true);
+        return;
+    }
+    wide.StartX = WholeColumn(FMemo.LineText(wide.StartY), wide.StartX);
+    if (const string line = FMemo.LineText(wide.EndY); WholeColumn(line, wide.EndX) != wide.EndX)
+        ++wide.EndX;
+    if (backward)
+        wide = {wide.EndX, wide.EndY, wide.StartX, wide.StartY};
+    if (wide == range)
+        return;
+    const bool ends = selection.EndsAtCaret();
+    selection.Take(wide, /*block=*/false);
+    if (ends)
+        FMemo.Caret().MoveTo(wide.EndX, wide.EndY);
+}
+
+/// Entries are replayed by typing, which must not overwrite what the edit stood before. Halves of pairs that
+/// a history out of step leaves (an undone entry may grow, and its redo then takes more than it should) are
+/// made visible, in place, so that the other entries still fit.
+template <class F> void TSurrogatePairs::InHistory(TStep step, F work) {
+    TAdvUndoList& list = FMemo.UndoList();
+    const int index = list.Position() - (step == TStep::Redo ? 1 : 0);
+    const bool toggles =
+        index >= 0 && index < list.Count() && dynamic_cast<TInsertOverwriteUndo*>(&list.Get(index));
+    const bool whole = IsWhole(FMemo.Lines());
+    const bool indents = FMemo.Settings.FAutoIndent;
+    const bool overwrites = FMemo.Settings.FOverwrite;
+    FMemo.Settings.FOverwrite = overwrites && toggles;
+    try {
+        work();
+    } catch (const Exception&) {
+        list.Clear();
+        FMemo.Settings.FAutoIndent = indents;
+    }
+    if (!toggles)
+        FMemo.Settings.FOverwrite = overwrites;
+    for (int row = 0; whole && row < FMemo.Lines().Count(); ++row)
+        if (!FMemo.Lines()[row].isValidUtf16())
+            FMemo.Lines().Put(row, WithoutHalfPairs(FMemo.Lines()[row]));
+}
+
+void TSurrogatePairs::Undo() {
+    InHistory(TStep::Undo, [this] { FMemo.Undo(); });
+    Snap();
+}
+
+void TSurrogatePairs::Redo() {
+    InHistory(TStep::Redo, [this] { FMemo.Redo(); });
+    Snap();
+}

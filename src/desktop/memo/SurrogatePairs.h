@@ -1,0 +1,55 @@
+#pragma once
+// The window's way into the control for keys and typed text. The control counts in UTF-16 units; here they
+// are kept together: a surrogate pair is never cut and the caret never stands inside one. Left and Right also
+// step over what combines with a character, and Delete takes it along; Backspace takes code point by code
+// point.
+#include "editor/Completion.h"
+#include "editor/Memo.h"
+
+class TSurrogatePairs {
+public:
+    TSurrogatePairs(TAdvMemo& memo, TMemoCompletion& completion) : FMemo(memo), FCompletion(completion) {}
+
+    /// A key, and the control character that comes with it, 0 for none.
+    void Key(int key, TShiftState shift, char16_t character = 0);
+    /// Typed characters; line breaks of any kind are Enter.
+    void Type(QStringView text);
+    /// Puts `text` in the place of a piece of the text, in one undo step. Typed, so the control may refuse
+    /// it.
+    void Replace(const TSelectionRange& range, QStringView text);
+    /// A key of its own, such as a menu sends.
+    void Execute(int key);
+    /// Undo and Redo that put characters back in whatever mode typing is in, and that empty a history which
+    /// has lost the half of a step instead of raising.
+    void Undo();
+    void Redo();
+
+    /// Brings caret and selection out of pairs.
+    void Snap();
+    /// Makes the selection take in the pairs that it cuts; a block becomes wider.
+    void WidenSelection();
+
+private:
+    enum class TStep { Undo, Redo };
+    template <class F> void InHistory(TStep step, F work);
+    void Send(int key, TShiftState shift, char16_t character);
+    void Step(int key, TShiftState shift);
+    void Erase(int key, TShiftState shift, char16_t character);
+    void TypeCharacter(QStringView character);
+    [[nodiscard]] bool CutsInOverwriting(QStringView character, TSelectionRange& replaced) const;
+    [[nodiscard]] bool Press(QStringView character);
+    void DeleteRestOfPairs();
+    [[nodiscard]] bool IsWholeAround(int row) const;
+    [[nodiscard]] QChar UnitBeforeCaret() const;
+    [[nodiscard]] QChar UnitAfterCaret() const;
+
+    TAdvMemo& FMemo;
+    TMemoCompletion& FCompletion;
+};
+
+/// `text` with each half of a pair that stands alone replaced by U+FFFD.
+[[nodiscard]] string WithoutHalfPairs(string text);
+/// The end of the character at `column` with all that combines with it; the length of `line` at most.
+[[nodiscard]] int CharacterEnd(QStringView line, int column);
+/// A place where the caret may stop on its way: not between a character and what combines with it.
+[[nodiscard]] bool IsCaretStop(QStringView line, int column);
