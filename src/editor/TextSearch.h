@@ -41,6 +41,9 @@ public:
 
     explicit TTextSearch(TAdvCustomMemo& memo) : FMemo(memo), FText(memo) {}
 
+    /// Milliseconds that listing the matches may take: it happens at every key typed into a search box.
+    int MostTime = 40;
+
     void SetQuery(const TSearchQuery& query);
     [[nodiscard]] const TSearchQuery& Query() const { return FQuery; }
     /// Why the expression can't be searched; empty if it can.
@@ -71,6 +74,7 @@ private:
     [[nodiscard]] QRegularExpressionMatch MatchAt(int offset);
     [[nodiscard]] bool FirstFrom(int offset, TTextMatch& match);
     [[nodiscard]] bool LastBefore(int offset, TTextMatch& match);
+    [[nodiscard]] std::vector<TColumnRange> ColumnsOfRowAlone(int row) const;
     [[nodiscard]] TTextMatch Selected() const;
     void Select(const TTextMatch& match);
     [[nodiscard]] string Expanded(const string& by, const QRegularExpressionMatch& match) const;

@@ -2,7 +2,6 @@
 #include "desktop/memo/MemoPane.h"
 #include "MemoFixture.h"
 #include "desktop/memo/FindBar.h"
-#include "desktop/memo/GoToLine.h"
 
 #include <QAbstractButton>
 #include <QDialog>
@@ -132,16 +131,6 @@ TEST_F(MemoPaneTest, Replaces) {
     PaneMemo().Undo();
     EXPECT_EQ(PaneMemo().Text(), "dog cat cat\n");
     EXPECT_EQ(FPresses, 0);
-}
-
-TEST_F(MemoPaneTest, ReadsPlaces) {
-    const std::pair<const char*, std::optional<TLinePlace>> cases[] = {
-        {"12", TLinePlace{12, 1}},    {" 3 : 7 ", TLinePlace{3, 7}}, {"3,7", TLinePlace{3, 7}},
-        {"3:", TLinePlace{3, 1}},     {"0:0", TLinePlace{1, 1}},     {"", std::nullopt},
-        {"x", std::nullopt},          {"-2", std::nullopt},          {"1:2:3", std::nullopt},
-        {"99999999999", std::nullopt}};
-    for (const auto& [text, place] : cases)
-        EXPECT_EQ(ReadPlace(text), place) << text;
 }
 
 TEST_F(MemoPaneTest, GoesToLinesAndTellsWhereItIs) {

@@ -1,7 +1,8 @@
-// Commands for whole lines.
+// Commands for whole lines, and places by line and column.
 #include "editor/LineCommands.h"
 #include "EditorFixture.h"
 #include "editor/JSMemoStyler.h"
+#include "editor/LinePlace.h"
 
 namespace {
 
@@ -106,6 +107,30 @@ TEST(LineCommands, OpenTheFoldsThatTheyWorkOn) {
     TLineCommands(editor.Memo).MoveUp();
     EXPECT_EQ(editor.Shown(), "a {\n b\nc|\n}");
     EXPECT_EQ(editor.Memo.Folding().VisibleCount(), 4);
+}
+
+TEST(LinePlace, IsReadFromText) {
+    const std::pair<const char*, std::optional<TLinePlace>> cases[] = {
+        {"12", TLinePlace{12, 1}},    {" 3 : 7 ", TLinePlace{3, 7}}, {"3,7", TLinePlace{3, 7}},
+        {"3:", TLinePlace{3, 1}},     {"0:0", TLinePlace{1, 1}},     {"", std::nullopt},
+        {"x", std::nullopt},          {"-2", std::nullopt},          {"1:2:3", std::nullopt},
+        {"99999999999", std::nullopt}};
+    for (const auto& [text, place] : cases)
+        EXPECT_EQ(ReadPlace(text), place) << text;
+}
+
+TEST(LinePlace, CountsWrappedLinesOnce) {
+    TEditor editor("a line that is cut\nb|");
+    editor.Memo.Settings.FRightMargin = 8;
+    editor.Memo.SetWordWrap(wwRightMargin);
+    EXPECT_EQ(PlaceOfCaret(editor.Memo), (TLinePlace{2, 2}));
+    for (const TLinePlace& place :
+         {TLinePlace{1, 1}, TLinePlace{1, 13}, TLinePlace{1, 19}, TLinePlace{2, 1}}) {
+        GoToPlace(editor.Memo, place);
+        EXPECT_EQ(PlaceOfCaret(editor.Memo), place);
+    }
+    GoToPlace(editor.Memo, {99, 99});
+    EXPECT_EQ(PlaceOfCaret(editor.Memo), (TLinePlace{2, 2}));
 }
 
 } // namespace

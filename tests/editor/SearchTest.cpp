@@ -18,6 +18,7 @@ TSearchQuery Query(const char* text, int flags = Plain) {
 struct TSearchingEditor : TEditor {
     TTextSearch Search{Memo};
     explicit TSearchingEditor(const char* text, const char* query = "", int flags = Plain) : TEditor(text) {
+        Search.MostTime = 60'000; // the machine may be busy
         Search.SetQuery(Query(query, flags));
     }
     /// "row:from-row:to" of what is selected.
@@ -202,9 +203,16 @@ TEST(TextSearch, TakesManyMatchesAtOnce) {
     EXPECT_EQ(editor.Search.ReplaceAll("Entry"), 5000);
     EXPECT_EQ(editor.Memo.LineText(4999), "var item4999 = Document.Entry(4999);");
     EXPECT_TRUE(editor.Memo.Caret().IsAt(4, 2500));
+    EXPECT_EQ(editor.Memo.GetModifiedState(17), lmModified);
     EXPECT_EQ(editor.Memo.UndoList().Count(), 1);
     editor.Memo.Undo();
     EXPECT_EQ(editor.Memo.Text(), text);
+
+    editor.Memo.Lines().Put(17, "other;");
+    editor.Memo.SetModifiedStateInt(17, lmSaved);
+    EXPECT_EQ(editor.Search.ReplaceAll("Entry"), 4999);
+    EXPECT_EQ(editor.Memo.GetModifiedState(17), lmSaved); // in the stretch, but unchanged
+    editor.Memo.Undo();
 
     // More than are listed: what lies behind is found all the same.
     editor.Search.SetQuery(Query("m"));
@@ -214,6 +222,8 @@ TEST(TextSearch, TakesManyMatchesAtOnce) {
     editor.At(0, 4999);
     EXPECT_EQ(editor.Search.FindNext(), TFound::Yes);
     EXPECT_EQ(editor.Place(), "4999:7-4999:8");
+    EXPECT_THAT(editor.Search.ColumnsOf(4999),
+                ElementsAre(TColumnRange{7, 8}, TColumnRange{19, 20}, TColumnRange{27, 28}));
     EXPECT_EQ(editor.Search.FindPrevious(), TFound::Yes);
     EXPECT_EQ(editor.Place(), "4998:27-4998:28");
 }

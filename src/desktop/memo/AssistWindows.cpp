@@ -51,8 +51,8 @@ TMemoPoint TAssistWindows::ToScreen(TMemoPoint client) const {
     const TMemoGeometry& geometry = FWidget.Geometry();
     const TAdvMemo& memo = FWidget.Memo();
     const int fold = memo.Folding().Enabled() ? TMemoGeometry::FoldWidth : 0;
-    const int onGrid = geometry.GutterWidth() + fold +
-                       (memo.Caret().X() - memo.Scroll().LeftCol()) * geometry.CellWidth();
+    const int onGrid =
+        geometry.GutterWidth() + fold + (memo.Caret().X() - memo.Scroll().LeftCol()) * geometry.CellWidth();
     const int by = geometry.CaretRect().left() - onGrid;
     const QPoint at = FWidget.viewport()->mapToGlobal(QPoint(client.X + by, client.Y)) - Screen().topLeft();
     return {at.x(), at.y()};
@@ -116,8 +116,9 @@ void TAssistWindows::ShowHint(const TAdvHintForm& hint) {
         FHint = std::make_unique<THintWindow>(FWidget);
     FHint->setPalette(FWidget.palette());
     FHint->Take(hint);
+    constexpr int Air = 2; // between the last part and the frame
     FHintPlace = QRect(QPoint(hint.Place.Left, hint.Place.Top) + Screen().topLeft(),
-                       QSize(hint.Place.Width, hint.Place.Height));
+                       QSize(hint.Place.Width + Air, hint.Place.Height));
     WatchWindow();
     FHint->show();
     PlaceHint();
@@ -131,8 +132,8 @@ void TAssistWindows::PlaceHint() {
     const QRect list = FList && FList->isVisible() ? FList->geometry() : QRect();
     const int height = FHintPlace.height();
     QRect place = FHintPlace;
-    for (const int top : {place.top(), caret.top() - height, caret.bottom() + 1, list.bottom() + 1,
-                          list.top() - height}) {
+    for (const int top :
+         {place.top(), caret.top() - height, caret.bottom() + 1, list.bottom() + 1, list.top() - height}) {
         place.moveTop(top);
         if (!place.intersects(list) && Screen().contains(place))
             break;

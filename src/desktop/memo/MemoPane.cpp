@@ -2,6 +2,7 @@
 
 #include "desktop/memo/FindBar.h"
 #include "desktop/memo/GoToLine.h"
+#include "editor/LinePlace.h"
 
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -65,20 +66,7 @@ void TMemoPane::ShowMessage(const string& text, TMessageKind kind) {
 }
 
 void TMemoPane::GoTo(int line, int column) {
-    TAdvMemo& memo = FEditor->Memo();
-    int row = 0; // of the line's first piece
-    for (int next = 1; next < memo.Lines().Count() && line > 1; ++next) {
-        if (memo.IsContinuation(next))
-            continue;
-        row = next;
-        --line;
-    }
-    int x = column - 1;
-    while (memo.IsContinuation(row + 1) && x >= memo.LineLength(row))
-        x -= memo.LineLength(row++);
-    memo.Folding().Reveal(row);
-    memo.Caret().MoveTo(std::clamp(x, 0, memo.LineLength(row)), row);
-    memo.ClearSelection();
+    GoToPlace(FEditor->Memo(), {line, column});
     FEditor->setFocus();
 }
 
