@@ -17,9 +17,17 @@ QColor Plain(TColor color) {
     return QColor(int(color & 0xFF), int(color >> 8 & 0xFF), int(color >> 16 & 0xFF));
 }
 
+constexpr TColor Hint = 0xFF000018;
+constexpr TColor HintText = 0xFF000017;
+
 /// Colours with this top byte are numbers of the desktop's colours.
 bool IsSystem(TColor color) {
     return color >> 24 == 0xFF;
+}
+
+/// A colour of the desktop that light text belongs on, though the palette be a light one.
+bool IsDarkGround(const QColor& back, TColor color) {
+    return IsSystem(color) && Contrast(Qt::white, back) > Contrast(Qt::black, back);
 }
 
 QColor Mixed(const QColor& a, const QColor& b, double share) {
@@ -48,7 +56,6 @@ TMemoTints TintsOf(const QPalette& palette, bool dark) {
     tints.BreakPointLine = Mixed(base, tints.BreakPoint, dark ? 0.2 : 0.12);
     tints.Bracket = Mixed(base, highlight, dark ? 0.45 : 0.28);
     tints.Match = Mixed(base, QColor(0xFF, 0xC1, 0x07), dark ? 0.22 : 0.4);
-    tints.BracketFrame = Mixed(base, highlight, 0.7);
     tints.Gutter = Mixed(base, ink, dark ? 0.035 : 0.03);
     tints.Number = Mixed(base, ink, dark ? 0.42 : 0.45);
     tints.CurrentNumber = Mixed(base, ink, 0.9);
@@ -63,7 +70,7 @@ TMemoTints TintsOf(const QPalette& palette, bool dark) {
 } // namespace
 
 double Contrast(const QColor& a, const QColor& b) {
-    const auto [less, more] = std::minmax(Luminance(a), Luminance(b));
+    const auto [less, more] = std::minmax({Luminance(a), Luminance(b)});
     return (more + 0.05) / (less + 0.05);
 }
 
@@ -114,7 +121,9 @@ QColor TMemoColors::Back(TColor color) const {
 QColor TMemoColors::Text(TColor color, TColor on) const {
     if (IsSystem(color))
         return System(color);
-    if (!FDark)
+    if (color == clBlack && on == Hint)
+        return System(HintText);
+    if (!FDark && !IsDarkGround(Back(on), on))
         return color == clBlack && on == clWhite ? Tints.Ink : Plain(color);
     const quint64 key = quint64(color) << 32 | on;
     const auto known = FTexts.constFind(key);

@@ -18,7 +18,7 @@ struct TMemoTints {
     QColor CurrentLine, RightMargin, BreakPointLine;
     QColor Selection, SelectedText; ///< with the focus
     QColor SelectionAway;           ///< without it; text keeps its colours there
-    QColor Bracket, BracketFrame;
+    QColor Bracket;
     QColor Match; ///< of a search
     QColor Error;
     QColor Gutter, Number, CurrentNumber, Fold;
