@@ -117,7 +117,7 @@ TEST_F(MemoPaintTest, PairsOfSurrogatesStayWhole) {
     Given(text);
     Select({0, 0, 2, 0});
     const QImage half = Painted();
-    Select({0, 0, 3, 0});
+    Select({0, 0, 1, 0}); // where the window brings it
     EXPECT_EQ(half, Painted());
     Select({0, 1, 0, 1});
     QImage whole(200, Geometry().LineHeight(), QImage::Format_RGB32);
