@@ -63,6 +63,7 @@ TMemoTints TintsOf(const QPalette& palette, bool dark) {
     tints.BreakPoint = dark ? QColor(0xC7, 0x4E, 0x4E) : QColor(0xDB, 0x58, 0x60);
     tints.BreakPointLine = Mixed(base, tints.BreakPoint, dark ? 0.2 : 0.12);
     tints.Bracket = Mixed(base, highlight, dark ? 0.45 : 0.28);
+    tints.Match = Mixed(base, QColor(0xFF, 0xC1, 0x07), dark ? 0.22 : 0.4);
     tints.Gutter = Mixed(base, ink, dark ? 0.035 : 0.03);
     tints.Number = Mixed(base, ink, dark ? 0.42 : 0.45);
     tints.CurrentNumber = Mixed(base, ink, 0.9);

@@ -53,6 +53,7 @@ void TMemoPainter::PaintRow(QPainter& painter, int row) {
     painter.setClipRect(rect.adjusted(-1, 0, 0, 0), Qt::IntersectClip); // a caret may stand in front
     FText.PaintGrounds(painting);
     PaintRightMargin(painting);
+    PaintMarked(painting);
     PaintBrackets(painting);
     if (painting.From < painting.To)
         FText.Fill(painting, painting.From, painting.To,
@@ -99,6 +100,13 @@ void TMemoPainter::TakeSelection(TRowPainting& painting) {
     painting.To += WholeColumn(text, painting.To) < painting.To ? 1 : 0;
     if (row < range.EndY && !FWidget.Memo().IsContinuation(row + 1))
         ++painting.To;
+}
+
+void TMemoPainter::PaintMarked(const TRowPainting& painting) {
+    if (!FWidget.MarkedColumns)
+        return;
+    for (const TColumnRange& range : FWidget.MarkedColumns(painting.Row))
+        FText.Fill(painting, range.From, range.To, FColors.Tints.Match);
 }
 
 const TBracketMatch& TMemoPainter::Brackets() {
