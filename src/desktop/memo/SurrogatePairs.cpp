@@ -177,11 +177,13 @@ void TSurrogatePairs::Type(QStringView text) {
 
 void TSurrogatePairs::TypeCharacter(QStringView character) {
     WidenSelection();
-    // What stands behind a rectangle is known once that is gone.
+    // What stands behind a selection is known once that is gone.
     const TMemoSettings& settings = FMemo.Settings;
-    if (settings.FOverwrite && settings.FDelErase && !settings.FReadOnly && FMemo.EditingAllowed() &&
-        FMemo.Selection().IsBlock())
+    if ((settings.FOverwrite || settings.FWordWrap != wwNone) && settings.FDelErase && !settings.FReadOnly &&
+        FMemo.EditingAllowed() && !FMemo.Selection().IsEmpty()) {
         FMemo.Blocks().DeleteSelection();
+        Snap();
+    }
     TSelectionRange replaced;
     if (CutsInOverwriting(character, replaced))
         Replace(replaced, character);
@@ -196,13 +198,8 @@ bool TSurrogatePairs::CutsInOverwriting(QStringView character, TSelectionRange& 
     replaced = {caret.X(), caret.Y(), caret.X(), caret.Y()};
     if (!FMemo.Settings.FOverwrite)
         return false;
-    if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
-        replaced = FMemo.Selection().Ordered();
-    const string line = FMemo.LineText(replaced.EndY);
-    const int end = CharacterEnd(line, replaced.EndX);
-    const bool cuts = character.size() > 1 || end > replaced.EndX + 1;
-    replaced.EndX = end;
-    return cuts;
+    replaced.EndX = CharacterEnd(FMemo.LineText(caret.Y()), caret.X());
+    return character.size() > 1 || replaced.EndX > caret.X() + 1;
 }
 
 /// False: the control has used it for something else, or not at all.
