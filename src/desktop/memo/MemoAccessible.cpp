@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoAccessible.h"
 
+#include "desktop/memo/Characters.h"
 #include "desktop/memo/MemoClipboard.h"
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/SurrogatePairs.h"
