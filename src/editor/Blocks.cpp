@@ -14,6 +14,28 @@ std::vector<string> Pieces(string text) {
     return {pieces.begin(), pieces.end()};
 }
 
+/// Remembers which rows were unchanged since the last save, for an edit that puts many in anew.
+class TRowMarks {
+public:
+    TRowMarks(TAdvCustomMemo& memo, int from, int to) : FMemo(memo), FFrom(from) {
+        for (int row = from; row <= to; ++row)
+            FRows.emplace_back(memo.LineText(row), memo.GetModifiedState(row));
+    }
+    /// Rows from the first one on that have the same text again get their marks back.
+    void Restore() const {
+        for (size_t i = 0; i < FRows.size(); ++i) {
+            const int row = FFrom + int(i);
+            if (FMemo.LineText(row) == FRows[i].first)
+                FMemo.SetModifiedStateInt(row, FRows[i].second);
+        }
+    }
+
+private:
+    TAdvCustomMemo& FMemo;
+    int FFrom;
+    std::vector<std::pair<string, TLineModifiedState>> FRows;
+};
+
 } // namespace
 
 void TMemoBlocks::InsertBuffer(const string& text, Linked linked) {
@@ -109,12 +131,16 @@ void TMemoBlocks::ReplaceRange(const TSelectionRange& range, const string& text,
     FMemo.Folding().Reveal(range.StartY);
     for (int row = range.StartY; row <= range.EndY; ++row)
         FMemo.Folding().ExpandNode(row);
+    const TRowMarks marks(FMemo, range.StartY, range.EndY);
+    const int count = FMemo.Lines().Count();
     selection.BeginUpdate();
     selection.Take(range, /*block=*/false);
     auto entry = std::make_unique<TReplaceUndo>(range, selection.Text(), text);
     TSelectionRange after;
     FMemo.CompoundEdit([&] {
         FMemo.UndoList().Perform(*entry);
+        if (FMemo.Lines().Count() == count)
+            marks.Restore();
         FMemo.Words().PosFromText(anchor, after.StartX, after.StartY);
         FMemo.Words().PosFromText(caret, after.EndX, after.EndY);
         FMemo.Caret().MoveTo(after.EndX, after.EndY);

@@ -23,8 +23,10 @@ struct TLineEdit {
     int Column = 0;
     int Added = 0; // negative: taken away
 
-    [[nodiscard]] int Map(int column) const {
-        return column < Column ? column : std::max(Column, column + Added);
+    /// Where what is at `column` goes. The start of a selection stays before what is put in there.
+    [[nodiscard]] int Map(int column, bool startsSelection) const {
+        const bool before = column < Column || (startsSelection && column == Column);
+        return before ? column : std::max(Column, column + Added);
     }
 };
 
@@ -123,12 +125,13 @@ void TLineCommands::ToggleComment() {
     if (lines == old)
         return;
     const int first = FMemo.Words().TextFromPos(0, rows.First);
+    const int start = FMemo.Selection().IsEmpty() ? -1 : std::min(Anchor(), CaretOffset());
     const auto map = [&](int offset) {
         int before = first; // where the line begins, then and now
         int after = first;
         for (size_t i = 0; i < old.size() && offset >= before; ++i) {
             if (offset <= before + int(old[i].size()))
-                return after + edits[i].Map(offset - before);
+                return after + edits[i].Map(offset - before, /*startsSelection=*/offset == start);
             before += int(old[i].size()) + 1;
             after += int(lines[i].size()) + 1;
         }

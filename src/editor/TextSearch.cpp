@@ -31,7 +31,7 @@ TTextMatch Range(const QRegularExpressionMatch& match) {
     return {int(match.capturedStart()), int(match.capturedLength())};
 }
 
-/// A number of one digit or two, the second only where the expression has so many groups.
+/// The number of a group, of one digit or two. A `length` of 0: there is no such group.
 int GroupAt(QStringView text, int groups, qsizetype& length) {
     length = 0;
     int group = 0;
@@ -42,6 +42,8 @@ int GroupAt(QStringView text, int groups, qsizetype& length) {
         group = longer;
         ++length;
     }
+    if (group > groups)
+        length = 0;
     return group;
 }
 
@@ -92,7 +94,6 @@ QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
 }
 
 void TTextSearch::FindMatches() {
-    constexpr int MostTime = 40; // milliseconds: this runs at every key typed into a search box
     if (std::exchange(FFresh, true))
         return;
     FMatches.clear();
@@ -224,6 +225,18 @@ TMatchCount TTextSearch::Count() {
     return {int(FMatches.size()), !FWhole, current};
 }
 
+/// For rows behind those that are listed; what goes on from another row doesn't show there.
+std::vector<TColumnRange> TTextSearch::ColumnsOfRowAlone(int row) const {
+    std::vector<TColumnRange> columns;
+    auto all = FPattern.globalMatch(Matchable(FMemo.LineText(row)));
+    while (all.hasNext()) {
+        const TTextMatch match = Range(all.next());
+        if (match.Length > 0)
+            columns.push_back({match.From, match.End()});
+    }
+    return columns;
+}
+
 std::vector<TColumnRange> TTextSearch::ColumnsOf(int row) {
     std::vector<TColumnRange> columns;
     if (!Update())
@@ -231,6 +244,8 @@ std::vector<TColumnRange> TTextSearch::ColumnsOf(int row) {
     FindMatches();
     const int start = FText.RowStart(row);
     const int length = FMemo.LineLength(row);
+    if (int(FMatches.size()) == MostCounted && FMatches.back().End() <= start)
+        return ColumnsOfRowAlone(row);
     // They lie one behind the other: those that end at or before the row's start come first.
     auto at = std::partition_point(FMatches.begin(), FMatches.end(),
                                    [start](const auto& match) { return match.End() <= start; });
@@ -310,7 +325,7 @@ int TTextSearch::ReplaceAll(const string& by) {
         }
         text += QStringView(FText.Text()).mid(end, place.From - end);
         const string expanded = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
-        if (place.End() <= caret)
+        if (place.End() <= caret && place.From < caret)
             newCaret += int(expanded.size()) - place.Length;
         else if (place.From < caret)
             newCaret += std::min(caret - place.From, int(expanded.size())) - (caret - place.From);

@@ -4,6 +4,7 @@
 //
 // The matches of the whole text are found once per text and query, as far as the caps allow; beyond them the
 // search goes on from where it is needed.
+#include "editor/ColumnRange.h"
 #include "editor/JoinedText.h"
 
 #include <QRegularExpression>
@@ -25,12 +26,6 @@ struct TTextMatch {
     bool operator==(const TTextMatch&) const = default;
 };
 
-struct TColumnRange {
-    int From = 0;
-    int To = 0; ///< excluded
-    bool operator==(const TColumnRange&) const = default;
-};
-
 /// What is known of all matches.
 struct TMatchCount {
     int Count = 0;
@@ -45,6 +40,9 @@ public:
     static constexpr int MostCounted = 9999;
 
     explicit TTextSearch(TAdvCustomMemo& memo) : FMemo(memo), FText(memo) {}
+
+    /// Milliseconds that listing the matches may take: it happens at every key typed into a search box.
+    int MostTime = 40;
 
     void SetQuery(const TSearchQuery& query);
     [[nodiscard]] const TSearchQuery& Query() const { return FQuery; }
@@ -76,6 +74,7 @@ private:
     [[nodiscard]] QRegularExpressionMatch MatchAt(int offset);
     [[nodiscard]] bool FirstFrom(int offset, TTextMatch& match);
     [[nodiscard]] bool LastBefore(int offset, TTextMatch& match);
+    [[nodiscard]] std::vector<TColumnRange> ColumnsOfRowAlone(int row) const;
     [[nodiscard]] TTextMatch Selected() const;
     void Select(const TTextMatch& match);
     [[nodiscard]] string Expanded(const string& by, const QRegularExpressionMatch& match) const;

@@ -50,8 +50,9 @@ int TAssistWindows::GutterWidth() const {
 TMemoPoint TAssistWindows::ToScreen(TMemoPoint client) const {
     const TMemoGeometry& geometry = FWidget.Geometry();
     const TAdvMemo& memo = FWidget.Memo();
+    const int fold = memo.Folding().Enabled() ? TMemoGeometry::FoldWidth : 0;
     const int onGrid =
-        geometry.TextLeft() + (memo.Caret().X() - memo.Scroll().LeftCol()) * geometry.CellWidth();
+        geometry.GutterWidth() + fold + (memo.Caret().X() - memo.Scroll().LeftCol()) * geometry.CellWidth();
     const int by = geometry.CaretRect().left() - onGrid;
     const QPoint at = FWidget.viewport()->mapToGlobal(QPoint(client.X + by, client.Y)) - Screen().topLeft();
     return {at.x(), at.y()};
@@ -85,7 +86,6 @@ void TAssistWindows::ShowList(const TAutoCompletionListBox& list, const TMemoRec
     FList->setGeometry(Fitted(wanted));
     WatchWindow();
     FList->show();
-    FList->raise();
     PlaceHint();
 }
 
@@ -116,24 +116,28 @@ void TAssistWindows::ShowHint(const TAdvHintForm& hint) {
         FHint = std::make_unique<THintWindow>(FWidget);
     FHint->setPalette(FWidget.palette());
     FHint->Take(hint);
+    constexpr int Air = 2; // between the last part and the frame
     FHintPlace = QRect(QPoint(hint.Place.Left, hint.Place.Top) + Screen().topLeft(),
-                       QSize(hint.Place.Width, hint.Place.Height));
+                       QSize(hint.Place.Width + Air, hint.Place.Height));
     WatchWindow();
     FHint->show();
     PlaceHint();
 }
 
-/// Where the control wants it, but on the other side of the line where the list is open there.
+/// Where the control wants it, or else beside the line or the list where it covers neither.
 void TAssistWindows::PlaceHint() {
     if (!FHint || !FHint->isVisible())
         return;
+    const QRect caret = CaretOnScreen();
+    const QRect list = FList && FList->isVisible() ? FList->geometry() : QRect();
+    const int height = FHintPlace.height();
     QRect place = FHintPlace;
-    if (FList && FList->isVisible() && FList->geometry().intersects(place)) {
-        const QRect caret = CaretOnScreen();
-        if (FList->geometry().top() > caret.top())
-            place.moveBottom(caret.top() - 1);
-        else
-            place.moveTop(caret.bottom() + 1);
+    for (const int top :
+         {place.top(), caret.top() - height, caret.bottom() + 1, list.bottom() + 1, list.top() - height}) {
+        place.moveTop(top);
+        if (!place.intersects(list) && Screen().contains(place))
+            break;
+        place = FHintPlace;
     }
     FHint->setGeometry(place);
 }

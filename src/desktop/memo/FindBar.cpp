@@ -26,6 +26,8 @@ TFindBar::TFindBar(TMemoWidget& editor, TTextSearch& search, QWidget* parent)
     FReplacement->setAccessibleName("Replace with");
     FCount->setAccessibleName("Matches");
     FWrap->setChecked(true);
+    for (QToolButton* button : {FReplaceOne, FReplaceAll})
+        button->setAutoRaise(/*enable=*/false);
     FPrevious->setToolTip("Previous match (Shift+F3)");
     FNext->setToolTip("Next match (F3)");
     connect(FClose, &QToolButton::clicked, this, &TMemoBar::Close);
@@ -165,8 +167,11 @@ void TFindBar::Accept(Qt::KeyboardModifiers modifiers) {
 }
 
 void TFindBar::TakeState() {
-    if (isVisible())
-        ShowCount();
+    if (!isVisible())
+        return;
+    if (Editor().hasFocus())
+        FAnchor = FSearch.Anchor(); // typing into the field goes on from where the user went
+    ShowCount();
 }
 
 void TFindBar::ShowCount() {

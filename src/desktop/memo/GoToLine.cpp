@@ -2,20 +2,11 @@
 
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/StatusLine.h"
+#include "editor/LinePlace.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QRegularExpression>
-
-std::optional<TLinePlace> ReadPlace(const string& text) {
-    static const QRegularExpression Form("^\\s*([0-9]{1,9})\\s*(?:[:,]\\s*([0-9]{1,9})?\\s*)?$");
-    const QRegularExpressionMatch match = Form.match(text);
-    if (!match.hasMatch())
-        return {};
-    const auto number = [](const QString& digits) { return std::max(1, digits.toInt()); };
-    return TLinePlace{number(match.captured(1)), number(match.captured(2))};
-}
 
 TGoToLine::TGoToLine(TMemoWidget& editor, QWidget* parent)
     : TMemoBar(editor, parent), FText(new QLineEdit(this)) {
@@ -35,7 +26,7 @@ TGoToLine::TGoToLine(TMemoWidget& editor, QWidget* parent)
 }
 
 void TGoToLine::Open() {
-    FText->setText(QString::number(Editor().Memo().Caret().Y() + 1));
+    FText->setText(QString::number(PlaceOfCaret(Editor().Memo()).Line));
     show();
     FText->setFocus();
     FText->selectAll();

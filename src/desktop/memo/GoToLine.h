@@ -1,20 +1,8 @@
 #pragma once
 // The bar that asks for a line to go to, as "line" or "line:column".
-#include "base/Text.h"
 #include "desktop/memo/MemoBar.h"
 
-#include <optional>
-
 class QLineEdit;
-
-struct TLinePlace {
-    int Line = 1; ///< both from 1
-    int Column = 1;
-    bool operator==(const TLinePlace&) const = default;
-};
-
-/// Empty where `text` is neither of the two forms. Blanks don't count; a comma does for the colon.
-[[nodiscard]] std::optional<TLinePlace> ReadPlace(const string& text);
 
 class TGoToLine : public TMemoBar {
     Q_OBJECT
@@ -24,6 +12,7 @@ public:
     void Open();
 
 Q_SIGNALS:
+    /// Both from 1.
     void Chosen(int line, int column);
 
 protected:

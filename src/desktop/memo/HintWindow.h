@@ -11,6 +11,7 @@ public:
     explicit THintWindow(QWidget& editor);
 
     void Take(const TAdvHintForm& hint);
+    [[nodiscard]] const TAdvHintForm& Shown() const { return FHint; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -19,6 +19,7 @@ struct TMemoTints {
     QColor Selection, SelectedText; ///< with the focus
     QColor SelectionAway;           ///< without it; text keeps its colours there
     QColor Bracket;
+    QColor Match; ///< of a search
     QColor Error;
     QColor Gutter, Number, CurrentNumber, Fold;
     QColor Modified, Saved, Bookmark, BreakPoint, OnMark;

@@ -18,6 +18,7 @@ private:
     void PaintRow(QPainter& painter, int row);
     void PaintRowGround(const TRowPainting& painting);
     void PaintRightMargin(const TRowPainting& painting);
+    void PaintMarked(const TRowPainting& painting);
     void PaintBrackets(const TRowPainting& painting);
     void PaintErrors(const TRowPainting& painting);
     void PaintFoldedText(const TRowPainting& painting);

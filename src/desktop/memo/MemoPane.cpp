@@ -2,6 +2,7 @@
 
 #include "desktop/memo/FindBar.h"
 #include "desktop/memo/GoToLine.h"
+#include "editor/LinePlace.h"
 
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -19,6 +20,9 @@ TMemoPane::TMemoPane(QWidget* parent)
     setFocusProxy(FEditor);
     FEditor->Memo().Events.FOnFind = [this] { FFindBar->Open(TFindBar::TReplace::No); };
     FEditor->Memo().Events.FOnReplace = [this] { FFindBar->Open(TFindBar::TReplace::Yes); };
+    FEditor->MarkedColumns = [this](int row) {
+        return FFindBar->isVisible() ? FSearch.ColumnsOf(row) : std::vector<TColumnRange>();
+    };
     AddKey(Qt::Key_F3, [this] { FFindBar->FindNext(); });
     AddKey(Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
     AddKey(Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
@@ -62,20 +66,7 @@ void TMemoPane::ShowMessage(const string& text, TMessageKind kind) {
 }
 
 void TMemoPane::GoTo(int line, int column) {
-    TAdvMemo& memo = FEditor->Memo();
-    int row = 0; // of the line's first piece
-    for (int next = 1; next < memo.Lines().Count() && line > 1; ++next) {
-        if (memo.IsContinuation(next))
-            continue;
-        row = next;
-        --line;
-    }
-    int x = column - 1;
-    while (memo.IsContinuation(row + 1) && x >= memo.LineLength(row))
-        x -= memo.LineLength(row++);
-    memo.Folding().Reveal(row);
-    memo.Caret().MoveTo(std::clamp(x, 0, memo.LineLength(row)), row);
-    memo.ClearSelection();
+    GoToPlace(FEditor->Memo(), {line, column});
     FEditor->setFocus();
 }
 

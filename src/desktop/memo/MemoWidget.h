@@ -2,6 +2,7 @@
 // The editor's window: a TAdvMemo on the desktop. It routes events to the parts that know what to do with
 // them, and what the control tells it to the next painting.
 #include "desktop/memo/MemoGeometry.h"
+#include "editor/ColumnRange.h"
 #include "editor/Completion.h"
 
 #include <QAbstractScrollArea>
@@ -39,6 +40,9 @@ public:
     bool ShowModified = true;    ///< marks of changed and saved lines in the gutter
     bool ShowRightMargin = true; ///< a line at the control's FRightMargin
     bool ShowLineNumbers = true;
+    /// What is marked in a row, such as the matches of a search; may be empty. Repaint the viewport when it
+    /// answers differently.
+    std::function<std::vector<TColumnRange>(int row)> MarkedColumns;
     /// The caret is in its visible phase.
     [[nodiscard]] bool CaretShows() const { return FCaretShows && hasFocus(); }
 

@@ -1,5 +1,6 @@
 #include "desktop/memo/StatusLine.h"
 
+#include "editor/LinePlace.h"
 #include "editor/Memo.h"
 
 #include <QHBoxLayout>
@@ -75,20 +76,9 @@ TStatusLine::TStatusLine(QWidget* parent)
 }
 
 void TStatusLine::TakeState(const TAdvCustomMemo& memo) {
-    int line = 1;
-    int column = memo.Caret().X() + 1;
-    // A wrapped line is one line; what is before the caret's row belongs to its column.
-    const int row = memo.Caret().Y();
-    int start = row;
-    while (memo.IsContinuation(start))
-        column += memo.LineLength(--start);
-    const bool wraps = memo.Settings.FWordWrap != wwNone;
-    for (int above = 1; wraps && above <= start; ++above)
-        line += memo.IsContinuation(above) ? 0 : 1;
-    if (!wraps)
-        line = start + 1;
+    const TLinePlace place = PlaceOfCaret(memo);
     const auto selected = memo.SelText().size();
     FSelection->setText(selected > 0 ? QString("%L1 selected").arg(selected) : QString());
-    FPlace->setText(QString("Line %1, column %2").arg(line).arg(column));
+    FPlace->setText(QString("Line %1, column %2").arg(place.Line).arg(place.Column));
     FMode->setText(memo.Settings.FReadOnly ? "Read-only" : memo.Settings.FOverwrite ? "OVR" : "INS");
 }
