@@ -24,8 +24,7 @@ bool DisplayNamed() {
 std::unique_ptr<QCoreApplication> MakeWindowedApplication(const string& program, int& argc, char** argv) {
     QGuiApplication::setDesktopFileName(program);
     auto application = std::make_unique<QApplication>(argc, argv);
-    QGuiApplication::setWindowIcon(
-        QIcon::fromTheme(QStringLiteral("morvane-agent"))); // the one of all programs
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("morvane-agent")));
     QGuiApplication::setQuitOnLastWindowClosed(/*quit=*/false);
     // The autostart entry brings the agent back at the next login; a session that did so too would start two.
     const auto neverRestart = [](QSessionManager& session) {

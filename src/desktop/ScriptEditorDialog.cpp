@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 const string DefaultKey = QStringLiteral("{DEFAULT}");
@@ -141,7 +143,10 @@ void TfrmJavaScriptEditor::ShowError() {
     jsScript->ErrorMarks().Clear();
     const int row = std::clamp(message.Line - 1, 0, std::max(0, jsScript->Lines().Count() - 1));
     const int column = std::clamp(message.Column - 1, 0, jsScript->LineLength(row));
-    jsScript->ErrorMarks().Set(row, column, /*length=*/1);
+    int wordStart = 0;
+    int wordEnd = 0;
+    jsScript->Words().WordBounds(column, row, wordStart, wordEnd);
+    jsScript->ErrorMarks().Set(row, column, std::max(1, wordEnd - column));
     FPane->GoTo(row + 1, column + 1);
     FPane->ShowMessage(QStringLiteral("Line %1: %2").arg(row + 1).arg(message.Text), TMessageKind::Error);
 }

@@ -81,6 +81,8 @@ void TMemoBlocks::Place(int x, int y) {
         FMemo.UpdateWrap();
         FMemo.Words().PosFromText(offset, x, y);
     }
+    if (y != FMemo.Caret().Y())
+        FMemo.Caret().Write(x, FMemo.Caret().Y()); // the old column might pad the new line
     FMemo.Caret().MoveTo(x, y);
 }
 

@@ -261,7 +261,7 @@ TEST_F(MemoKeysTest, PairsStayTogether) {
         {"|👩‍👧x", "Del Ctrl+Z Del", "|x"},
     });
     Memo().Settings.FSelectionMode = smBlock;
-    Check({{"^a😀c\nabcd\n12|3", "Del", "|c \nd\n"}}); // the pair that the rectangle cuts belongs to it
+    Check({{"^a😀c\nabcd\n12|3", "Del", "|c\nd\n"}}); // the pair that the rectangle cuts belongs to it
 }
 
 TEST_F(MemoKeysTest, SelectionsThatCutPairsTakeThemWhole) {

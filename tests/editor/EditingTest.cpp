@@ -57,6 +57,11 @@ TEST(Editing, Selections) {
              e.Given("abcd\nefgh"), e.Select({1, 0, 2, 1}), e.Type("x");
          },
          "ax|gh"},
+        {"", // the caret's old column doesn't pad the line that it comes to
+         [](TEditor& e) {
+             e.Given("ab\nefgh"), e.Select({1, 0, 4, 1}), e.Key(keyDelete);
+         },
+         "a|"},
         {"",
          [](TEditor& e) {
              e.Given("abcd\nefgh"), e.Select({2, 1, 1, 0}), e.Key(keyDelete);

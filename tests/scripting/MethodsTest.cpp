@@ -238,7 +238,7 @@ QList<TMethodCase> FunctionCases() {
          "0, true), CreateProcess('true', 0, false), CreateProcess('sh -c \"kill -PIPE $$\"', 0, true)])",
          Said, "3,2,2,2,13,0,141"},
         {"TJSGlobalFunctions.CreateProcess",
-         "CreateProcess('tee \"DIR/made\" \"a;b $HOME\"', 0, true); CreateProcess('sh -c \"echo "
+         "CreateProcess('tee \"DIR/made\" \"DIR/a;b $HOME\"', 0, true); CreateProcess('sh -c \"echo "
          "$0 > DIR/made\" \"\"\"q\"\"\"*', 0, true)",
          File, "\"q\"*\n"},
         {"TJSGlobalFunctions.ShowMessage",

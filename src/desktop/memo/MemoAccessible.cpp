@@ -33,7 +33,10 @@ public:
         return state;
     }
     QString text(QAccessible::Text kind) const override {
-        return kind == QAccessible::Value ? AccessibleText(FWidget) : QAccessibleWidget::text(kind);
+        if (kind == QAccessible::Value)
+            return AccessibleText(FWidget);
+        const QString text = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Name && text.isEmpty() ? QString("Editor") : text;
     }
     void setText(QAccessible::Text kind, const QString& text) override {
         if (kind == QAccessible::Value)
@@ -181,12 +184,14 @@ string AccessibleText(TMemoWidget& widget) {
     return text;
 }
 
-TMemoAccessibility::TMemoAccessibility(TMemoWidget& widget) : FWidget(widget) {
+TMemoAccessibility::TMemoAccessibility(TMemoWidget& widget)
+    : Listens(&QAccessible::isActive),
+      Send([](QAccessibleEvent& event) { QAccessible::updateAccessibility(&event); }), FWidget(widget) {
     QAccessible::installFactory(&MakeAccessible); // once is enough, and it is kept once
 }
 
 void TMemoAccessibility::Tell() {
-    if (!QAccessible::isActive()) {
+    if (!Listens()) {
         FListening = false;
         FText.clear();
         return;
@@ -205,10 +210,10 @@ void TMemoAccessibility::Tell() {
     if (selected && (start != FSelectionStart || end != FSelectionEnd)) {
         QAccessibleTextSelectionEvent event(&FWidget, start, end);
         event.setCursorPosition(caret);
-        QAccessible::updateAccessibility(&event);
+        Send(event);
     } else if (caret != FCaret) {
         QAccessibleTextCursorEvent event(&FWidget, caret);
-        QAccessible::updateAccessibility(&event);
+        Send(event);
     }
     std::tie(FCaret, FSelectionStart, FSelectionEnd) = std::tie(caret, start, end);
 }
@@ -226,5 +231,5 @@ void TMemoAccessibility::TellText(const string& text) {
     const string removed = old.mid(head, old.size() - head - tail);
     const string added = text.mid(head, text.size() - head - tail);
     QAccessibleTextUpdateEvent event(&FWidget, int(head), removed, added);
-    QAccessible::updateAccessibility(&event);
+    Send(event);
 }

@@ -3,6 +3,9 @@
 // character, the cuts of wrapped lines are none.
 #include "base/Text.h"
 
+#include <functional>
+
+class QAccessibleEvent;
 class TMemoWidget;
 
 /// Tells of changes since it told last. Costs nothing as long as nobody listens.
@@ -11,6 +14,10 @@ public:
     /// From the first on, editors answer to assistive technology.
     explicit TMemoAccessibility(TMemoWidget& widget);
     void Tell();
+
+    // The way out; platforms that paint into memory have none.
+    std::function<bool()> Listens; ///< whether assistive technology is there
+    std::function<void(QAccessibleEvent&)> Send;
 
 private:
     void TellText(const string& text);

@@ -20,9 +20,16 @@ QColor Plain(TColor color) {
 constexpr TColor Hint = 0xFF000018;
 constexpr TColor HintText = 0xFF000017;
 
+constexpr double Step = 0.01; // of lightness
+
 /// Colours with this top byte are numbers of the desktop's colours.
 bool IsSystem(TColor color) {
     return color >> 24 == 0xFF;
+}
+
+/// Paper rather than ink.
+bool IsPale(TColor color) {
+    return Plain(color).lightnessF() > 0.55F;
 }
 
 /// A colour of the desktop that light text belongs on, though the palette be a light one.
@@ -32,7 +39,8 @@ bool IsDarkGround(const QColor& back, TColor color) {
 
 QColor Mixed(const QColor& a, const QColor& b, double share) {
     const auto mix = [share](float x, float y) { return float(x + (y - x) * share); };
-    return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()), mix(a.blueF(), b.blueF()));
+    return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()), mix(a.blueF(), b.blueF()))
+        .rgb(); // what pixels can hold
 }
 
 QColor WithLightness(const QColor& color, double saturation, double lightness) {
@@ -112,10 +120,16 @@ QColor TMemoColors::Back(TColor color) const {
     const QColor plain = Plain(color);
     if (!FDark)
         return plain;
-    constexpr double Darkest = 0.3; // light text is readable on any hue of this lightness
-    const double lightness = plain.lightnessF();
-    return WithLightness(plain, plain.hslSaturationF(),
-                         std::min(lightness > 0.5 ? 1 - lightness : lightness, Darkest));
+    constexpr double Darkest = 0.3;
+    constexpr double Room = 7; // to white, so that text of any hue can be told from it
+    double lightness = plain.lightnessF();
+    lightness = std::min(IsPale(color) ? 1 - lightness : lightness, Darkest);
+    QColor back = WithLightness(plain, plain.hslSaturationF(), lightness);
+    while (Contrast(back, Qt::white) < Room) {
+        lightness -= Step;
+        back = WithLightness(plain, plain.hslSaturationF(), lightness);
+    }
+    return back;
 }
 
 QColor TMemoColors::Text(TColor color, TColor on) const {
@@ -134,18 +148,17 @@ QColor TMemoColors::Text(TColor color, TColor on) const {
 /// contrast will do.
 QColor TMemoColors::OnDark(TColor color, TColor on) const {
     constexpr double MostSaturated = 0.8; // pure colours glare on dark ground
-    constexpr double Step = 0.01;
     const QColor back = Back(on);
-    const bool turned = on == clNone || IsSystem(on) || Plain(on).lightnessF() > 0.5;
+    const bool turned = on == clNone || IsSystem(on) || IsPale(on);
     if (color == clBlack && turned && Contrast(Tints.Ink, back) >= LeastContrast)
         return Tints.Ink;
     const QColor plain = Plain(color);
     const double saturation = std::min(double(plain.hslSaturationF()), MostSaturated);
-    const double toward = Contrast(Qt::white, back) > Contrast(Qt::black, back) ? Step : -Step;
+    const double farthest = Contrast(Qt::white, back) > Contrast(Qt::black, back) ? 1 : 0;
     double lightness = turned ? 1 - plain.lightnessF() : plain.lightnessF();
     QColor ink = WithLightness(plain, saturation, lightness);
-    while (Contrast(ink, back) < LeastContrast && lightness > 0 && lightness < 1) {
-        lightness = std::clamp(lightness + toward, 0.0, 1.0);
+    while (Contrast(ink, back) < LeastContrast && lightness != farthest) {
+        lightness = std::clamp(lightness + (farthest > 0 ? Step : -Step), 0.0, 1.0);
         ink = WithLightness(plain, saturation, lightness);
     }
     return ink;

@@ -40,15 +40,18 @@ void TMemoDrag::Start() {
     FWidget.Pairs().WidenSelection();
     auto* drag = new QDrag(&FWidget); // Qt's own from here on
     auto* data = new QMimeData;
-    data->setText(PlainText(memo.SelText()));
+    const string text = memo.SelText();
+    data->setText(PlainText(text));
     drag->setMimeData(data);
     FDragging = true;
     FMovedHere = false;
     const Qt::DropAction action = Run(*drag);
     FDragging = false;
     HideCaret();
-    if (action == Qt::MoveAction && !FMovedHere && !memo.Settings.FReadOnly && memo.EditingAllowed())
-        FWidget.Pairs().Execute(keyDelete);
+    // Another window on the same text may have taken it and moved what is selected here.
+    if (action == Qt::MoveAction && !FMovedHere && !memo.Settings.FReadOnly && memo.EditingAllowed() &&
+        memo.SelText() == text)
+        FWidget.Pairs().DeleteSelection();
 }
 
 bool TMemoDrag::IsOwn(const QDropEvent& event) const {

@@ -60,46 +60,34 @@ int TMemoGeometry::RowAt(int y) const {
 }
 
 int TMemoGeometry::XOf(int row, int column) const {
-    const TMemoRow& shown = FRows->Of(row);
-    const int within = std::min(column, int(shown.Text.size()));
-    return RowLeft() + shown.XOf(within, CellWidth()) + (column - within) * CellWidth();
+    return RowLeft() + FRows->Of(row).XOf(column);
 }
 
 int TMemoGeometry::ColumnAt(int row, int x) const {
-    const TMemoRow& shown = FRows->Of(row);
-    const int from = x - RowLeft();
-    if (shown.Layout)
-        return WholeColumn(shown.Text, shown.ToColumn(shown.Layout->lineAt(0).xToCursor(from)));
-    return std::clamp(int(std::floor(double(from) / CellWidth() + 0.5)), 0, int(shown.Text.size()));
+    return FRows->Of(row).ColumnAt(x - RowLeft());
 }
 
 QRect TMemoGeometry::RowRect(int row) const {
     return {0, YOf(row), FViewport.width(), LineHeight()};
 }
 
-int TMemoGeometry::CaretPlace(const TMemoRow& shown) const {
-    if (shown.PreeditLength > 0)
-        return shown.PreeditAt + std::clamp(FRows->Preedit.Cursor, 0, shown.PreeditLength);
-    return WholeColumn(shown.Text, FMemo.Caret().X());
-}
-
 int TMemoGeometry::CaretX() const {
     const TMemoRow& shown = FRows->Of(FMemo.Caret().Y());
-    if (shown.PreeditLength == 0)
-        return XOf(FMemo.Caret().Y(), FMemo.Caret().X());
-    return RowLeft() + int(std::lround(shown.Layout->lineAt(0).cursorToX(CaretPlace(shown))));
+    const int column = FMemo.Caret().X();
+    const TMemoPiece& piece =
+        shown.PieceAt(WholeColumn(shown.Text, std::min(column, int(shown.Text.size()))));
+    if (piece.PreeditLength == 0)
+        return RowLeft() + shown.XOf(column);
+    const int within = std::clamp(FRows->Preedit.Cursor, 0, piece.PreeditLength);
+    return RowLeft() + piece.XOfPlace(piece.PreeditAt + within);
 }
 
 QRect TMemoGeometry::CaretRect() const {
-    const TMemoRow& shown = FRows->Of(FMemo.Caret().Y());
-    const int place = CaretPlace(shown);
-    const QRect cell(CaretX(), YOf(FMemo.Caret().Y()), CellWidth(), LineHeight());
-    if (!shown.Layout || place >= shown.Text.size() + shown.PreeditLength)
-        return cell;
-    const QTextLine line = shown.Layout->lineAt(0);
-    const int x = int(std::lround(line.cursorToX(place)));
-    const int end = int(std::lround(line.cursorToX(shown.Layout->nextCursorPosition(place))));
-    return {RowLeft() + std::min(x, end), cell.y(), std::max(1, std::abs(end - x)), cell.height()};
+    const int row = FMemo.Caret().Y();
+    if (FRows->HasPreedit(row))
+        return {CaretX(), YOf(row), CellWidth(), LineHeight()};
+    const TMemoSpan span = FRows->Of(row).SpanOf(FMemo.Caret().X());
+    return {RowLeft() + span.X, YOf(row), span.Width, LineHeight()};
 }
 
 QRect TMemoGeometry::FoldBox(int row) const {
@@ -135,14 +123,14 @@ void TMemoGeometry::ScrollSideways(ToCaret toCaret) {
     TMemoScroll& scroll = FMemo.Scroll();
     int cells = scroll.MaxLength();
     for (const int row : RowsInView()) {
-        if (const TMemoRow& shown = FRows->Of(row); shown.Layout)
-            cells = std::max(cells, int(shown.Layout->lineAt(0).naturalTextWidth()) / CellWidth() + 1);
+        if (const TMemoRow& shown = FRows->Of(row); shown.IsLaidOut())
+            cells = std::max(cells, shown.Width() / CellWidth() + 1);
     }
     if (cells > scroll.MaxLength()) {
         scroll.SetMaxLength(cells);
         scroll.UpdateRange();
     }
-    if (toCaret == ToCaret::No || !FRows->Of(FMemo.Caret().Y()).Layout)
+    if (toCaret == ToCaret::No || !FRows->Of(FMemo.Caret().Y()).IsLaidOut())
         return;
     constexpr int Beside = 2; // cells that show beside the caret, as where the control scrolls
     const QRect caret = CaretRect();

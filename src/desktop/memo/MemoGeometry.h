@@ -68,8 +68,6 @@ public:
     [[nodiscard]] TMemoRows& Rows() const { return *FRows; }
 
 private:
-    [[nodiscard]] int CaretPlace(const TMemoRow& shown) const;
-
     TAdvCustomMemo& FMemo;
     QWidget& FViewport;
     TMemoFonts FFonts;

@@ -72,7 +72,10 @@ void TMemoInput::Commit(const QInputMethodEvent& event) {
 
 void TMemoInput::Compose(const QInputMethodEvent& event) {
     FWidget.Geometry().Rows().Preedit = PreeditOf(event);
-    BringIntoView();
+    if (!event.preeditString().isEmpty()) {
+        FWidget.Memo().Scroll().ScrollCaretIntoView();
+        FWidget.Geometry().ScrollSideways(TMemoGeometry::ToCaret::Yes);
+    }
     FWidget.CaretPlaceChanged();
 }
 
@@ -86,17 +89,6 @@ void TMemoInput::Select(int start, int length) {
     memo.Caret().MoveTo(to, row);
     memo.Selection().Take({from, row, to, row}, /*block=*/false);
     FWidget.Pairs().Snap();
-}
-
-void TMemoInput::BringIntoView() {
-    const TMemoGeometry& geometry = FWidget.Geometry();
-    TMemoScroll& scroll = FWidget.Memo().Scroll();
-    if (geometry.Rows().Preedit.Text.isEmpty())
-        return;
-    scroll.ScrollCaretIntoView();
-    const int beyond = geometry.CaretRect().right() - FWidget.viewport()->width();
-    if (beyond >= 0)
-        scroll.SetLeftCol(scroll.LeftCol() + beyond / geometry.CellWidth() + 2);
 }
 
 void TMemoInput::Cancel() {

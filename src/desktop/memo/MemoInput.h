@@ -20,7 +20,6 @@ private:
     void Commit(const QInputMethodEvent& event);
     void Compose(const QInputMethodEvent& event);
     void Select(int start, int length);
-    void BringIntoView();
     [[nodiscard]] QVariant Surroundings(int query) const;
 
     TMemoWidget& FWidget;

@@ -25,6 +25,7 @@ void ShowMemoMenu(TMemoWidget& widget, QContextMenuEvent& event) {
     auto* menu = new QMenu(&widget);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const bool edits = !memo.Settings.FReadOnly && memo.EditingAllowed();
+    const bool holdsText = memo.Lines().Count() > 1 || memo.LineLength(0) > 0;
     const bool selected = !memo.Selection().IsEmpty();
     const auto execute = [&widget](int key) { return [&widget, key] { widget.Pairs().Execute(key); }; };
     Add(*menu, "&Undo", "Ctrl+Z", memo.CanUndo(), [&widget] { widget.Pairs().Undo(); });
@@ -33,10 +34,10 @@ void ShowMemoMenu(TMemoWidget& widget, QContextMenuEvent& event) {
     Add(*menu, "Cu&t", "Ctrl+X", edits && selected, execute(keyCtrlX));
     Add(*menu, "&Copy", "Ctrl+C", selected, execute(keyCtrlC));
     Add(*menu, "&Paste", "Ctrl+V", edits && !widget.Clipboard().Text().isEmpty(), execute(keyCtrlV));
-    Add(*menu, "&Delete", "Del", edits && selected, execute(keyDelete));
+    Add(*menu, "&Delete", "Del", edits && selected, [&widget] { widget.Pairs().DeleteSelection(); });
     menu->addSeparator();
     // With a read-only text the key does nothing; there is no harm in the menu's doing it.
-    Add(*menu, "Select &All", "Ctrl+A", !memo.Text().isEmpty(), [&memo] { memo.SelectAll(); });
+    Add(*menu, "Select &All", "Ctrl+A", holdsText, [&memo] { memo.SelectAll(); });
     const QRect caret = widget.Geometry().CaretRect();
     const bool byKey = event.reason() == QContextMenuEvent::Keyboard;
     menu->popup(byKey ? widget.viewport()->mapToGlobal(caret.bottomLeft()) : event.globalPos());

@@ -90,15 +90,16 @@ void TMemoMouse::Press(QMouseEvent& event) {
 
 void TMemoMouse::Click(QMouseEvent& event) {
     const bool shift = event.modifiers().testFlag(Qt::ShiftModifier);
+    const bool alt = event.modifiers().testFlag(Qt::AltModifier);
     const bool triple = IsTripleClick(event);
     FSinceDouble.invalidate();
     if (triple)
         return Begin(TUnit::Line, PlaceAt(event.pos()));
-    if (!shift && FDrag.IsInSelection(event.pos())) {
+    if (!shift && !alt && FDrag.IsInSelection(event.pos())) {
         FMayDrag = true;
         return;
     }
-    SetBlock(event.modifiers().testFlag(Qt::AltModifier));
+    SetBlock(alt);
     if (!shift)
         return Begin(TUnit::Character, PlaceAt(event.pos()));
     const TSelectionRange range = FWidget.Memo().Selection().Range();
@@ -111,22 +112,11 @@ void TMemoMouse::Click(QMouseEvent& event) {
 }
 
 void TMemoMouse::ClickMargin(QMouseEvent& event) {
-    const int fold = FoldMarkAt(event.pos());
+    const int fold = FWidget.Geometry().FoldMarkAt(event.pos());
     if (fold >= 0)
         return ToggleFold(fold);
     SetBlock(/*on=*/false);
     Begin(TUnit::Line, {0, FWidget.Geometry().RowAt(event.pos().y())});
-}
-
-/// The row whose fold is opened and closed there; -1 for none.
-int TMemoMouse::FoldMarkAt(QPoint pos) const {
-    const TMemoGeometry& geometry = FWidget.Geometry();
-    const TAdvMemo& memo = FWidget.Memo();
-    if (!memo.Folding().Enabled() || pos.x() < geometry.GutterWidth() || pos.x() >= geometry.TextLeft())
-        return -1;
-    const int row = geometry.RowAt(pos.y());
-    const bool on = row < memo.Lines().Count() && geometry.RowRect(row).contains(pos);
-    return on && memo.Folding().FoldEnd(row) > row ? row : -1;
 }
 
 void TMemoMouse::ToggleFold(int row) {

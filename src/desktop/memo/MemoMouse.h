@@ -38,7 +38,6 @@ private:
 
     void Click(QMouseEvent& event);
     void ClickMargin(QMouseEvent& event);
-    [[nodiscard]] int FoldMarkAt(QPoint pos) const;
     void ToggleFold(int row);
     [[nodiscard]] bool IsTripleClick(const QMouseEvent& event) const;
     void Begin(TUnit unit, TPlace place);

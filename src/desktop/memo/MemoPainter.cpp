@@ -95,6 +95,9 @@ void TMemoPainter::TakeSelection(TRowPainting& painting) {
     }
     if (!selection.ColumnsOf(row, painting.From, painting.To))
         painting.To = painting.From;
+    const string text = FWidget.Memo().LineText(row); // a pair of surrogates is selected as a whole
+    painting.From = WholeColumn(text, painting.From);
+    painting.To += WholeColumn(text, painting.To) < painting.To ? 1 : 0;
     if (row < range.EndY && !FWidget.Memo().IsContinuation(row + 1))
         ++painting.To;
 }
@@ -139,8 +142,8 @@ void TMemoPainter::PaintErrors(const TRowPainting& painting) {
         const int right = std::min(std::max(from, to), rect.right() + 2 * Step);
         QPolygonF wave;
         bool up = ((left - std::min(from, to)) / Step) % 2 != 0;
-        for (int x = left; x <= right; x += Step, up = !up)
-            wave.append(QPointF(x, rect.bottom() - (up ? 1.9 : 0.1)));
+        for (int x = left; x < right; x += Step, up = !up)
+            wave.append(QPointF(x + 0.5, rect.bottom() - (up ? 1.9 : 0.1)));
         painting.Painter.setRenderHint(QPainter::Antialiasing);
         painting.Painter.setPen(QPen(FColors.Tints.Error, 1.2));
         painting.Painter.drawPolyline(wave);

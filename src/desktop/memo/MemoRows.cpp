@@ -5,26 +5,25 @@
 #include <algorithm>
 #include <cmath>
 
-int WholeColumn(QStringView text, int column) {
-    const bool inside = column > 0 && column < text.size() && text[column].isLowSurrogate() &&
-                        text[column - 1].isHighSurrogate();
-    return inside ? column - 1 : column;
+namespace {
+
+/// Where the piece that begins at `from` ends: some way on, where no character belongs to the one before.
+int PieceEnd(QStringView text, int from) {
+    constexpr int Length = 1000;
+    int end = std::min(from + Length, int(text.size()));
+    while (end < text.size() && (text[end].unicode() < 32 || text[end].unicode() > 126))
+        ++end;
+    return end;
 }
 
-int TMemoRow::ToLayout(int column) const {
-    return column > PreeditAt ? column + PreeditLength : column;
+bool RunsBothWays(QStringView text) {
+    return std::any_of(text.begin(), text.end(), [](QChar c) {
+        const QChar::Direction direction = c.direction();
+        return direction == QChar::DirR || direction == QChar::DirAL || c.isSurrogate();
+    });
 }
 
-int TMemoRow::ToColumn(int place) const {
-    return place > PreeditAt ? std::max(PreeditAt, place - PreeditLength) : place;
-}
-
-int TMemoRow::XOf(int column, int cellWidth) const {
-    const int whole = WholeColumn(Text, column);
-    if (!Layout)
-        return whole * cellWidth;
-    return int(std::lround(Layout->lineAt(0).cursorToX(ToLayout(whole))));
-}
+} // namespace
 
 void TMemoRows::ForgetStale() {
     TStamp stamp{FMemo.RunsRevision(), Preedit, 0, 0};
@@ -53,62 +52,87 @@ TMemoRow TMemoRows::Make(int row) const {
     TMemoRow made;
     made.Text = FMemo.LineText(row);
     made.Runs = FMemo.RunsOf(row);
-    if (HasPreedit(row)) {
-        made.PreeditAt = WholeColumn(made.Text, std::min(FMemo.Caret().X(), int(made.Text.size())));
-        made.PreeditLength = int(Preedit.Text.size());
+    made.Cell = FFonts.Cell().W;
+    const int length = int(made.Text.size());
+    for (int from = 0; from < length || made.Pieces.empty(); from = made.Pieces.back().End()) {
+        TMemoPiece piece;
+        piece.From = from;
+        piece.Length = PieceEnd(made.Text, from) - from;
+        made.Pieces.push_back(std::move(piece));
     }
-    if (made.PreeditLength > 0 || !FFonts.OnGrid(made.Text))
-        LayOut(made);
+    if (HasPreedit(row))
+        TakePreedit(made);
+    TRunAt at;
+    int x = 0;
+    for (TMemoPiece& piece : made.Pieces) {
+        piece.Span = {x, piece.Length * made.Cell};
+        if (piece.PreeditLength > 0 || !FFonts.OnGrid(QStringView(made.Text).mid(piece.From, piece.Length)))
+            LayOut(made, piece, at);
+        x += piece.Span.Width;
+    }
     return made;
 }
 
-QList<QTextLayout::FormatRange> TMemoRows::FormatsOf(const TMemoRow& row) const {
-    QList<QTextLayout::FormatRange> formats;
-    int column = 0;
-    for (const TStyleRun& run : row.Runs) {
-        QTextCharFormat format;
-        format.setFont(FFonts.Of(FMemo.LookOf(run.State).Style));
-        if (Colour)
-            Colour(run, format);
-        // A run in which the preedit text stands goes on behind it.
-        const int end = column + int(run.Text.size());
-        const int middle = std::clamp(row.PreeditAt, column, end);
-        if (row.PreeditLength == 0) {
-            formats.append({column, end - column, format});
-        } else {
-            formats.append({column, middle - column, format});
-            formats.append({middle + row.PreeditLength, end - middle, format});
+void TMemoRows::TakePreedit(TMemoRow& row) const {
+    const int column = WholeColumn(row.Text, std::min(FMemo.Caret().X(), int(row.Text.size())));
+    TMemoPiece& piece = row.Pieces[size_t(&row.PieceAt(column) - row.Pieces.data())];
+    piece.PreeditAt = column - piece.From;
+    piece.PreeditLength = int(Preedit.Text.size());
+}
+
+QTextCharFormat TMemoRows::FormatOf(const TStyleRun& run) const {
+    QTextCharFormat format;
+    format.setFont(FFonts.Of(FMemo.LookOf(run.State).Style));
+    if (Colour)
+        Colour(run, format);
+    return format;
+}
+
+/// Walks on from `at`, to the run that the next piece begins in.
+TMemoRows::TFormats TMemoRows::FormatsOf(const TMemoRow& row, const TMemoPiece& piece, TRunAt& at) const {
+    TFormats formats;
+    for (; at.Run < row.Runs.size() && at.Column < piece.End(); ++at.Run) {
+        const TStyleRun& run = row.Runs[at.Run];
+        const int runEnd = at.Column + int(run.Text.size());
+        const int from = WholeColumn(row.Text, std::max(at.Column, piece.From)) - piece.From;
+        const int end = WholeColumn(row.Text, std::min(runEnd, piece.End())) - piece.From;
+        if (from < end) {
+            // A run in which the preedit text stands goes on behind it.
+            const int middle = piece.PreeditLength > 0 ? std::clamp(piece.PreeditAt, from, end) : end;
+            const QTextCharFormat format = FormatOf(run);
+            formats.append({from, middle - from, format});
+            formats.append({middle + piece.PreeditLength, end - middle, format});
         }
-        column = end;
+        if (runEnd > piece.End())
+            break;
+        at.Column = runEnd;
     }
-    if (row.PreeditLength == 0)
+    if (piece.PreeditLength == 0)
         return formats;
     QTextCharFormat underlined;
     underlined.setFont(FFonts.Of(fsUnderline));
-    formats.append({row.PreeditAt, row.PreeditLength, underlined});
+    formats.append({piece.PreeditAt, piece.PreeditLength, underlined});
     for (QTextLayout::FormatRange range : Preedit.Formats) {
-        range.start += row.PreeditAt;
+        range.start += piece.PreeditAt;
         formats.append(range);
     }
     return formats;
 }
 
-void TMemoRows::LayOut(TMemoRow& row) const {
-    row.Layout = std::make_unique<QTextLayout>(row.Text, FFonts.Of(0));
+void TMemoRows::LayOut(const TMemoRow& row, TMemoPiece& piece, TRunAt& at) const {
+    piece.Layout = std::make_unique<QTextLayout>(row.Text.mid(piece.From, piece.Length), FFonts.Of(0));
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     option.setTextDirection(Qt::LeftToRight);
-    row.Layout->setTextOption(option);
-    if (row.PreeditLength > 0)
-        row.Layout->setPreeditArea(row.PreeditAt, Preedit.Text);
-    row.Layout->setFormats(FormatsOf(row));
-    row.Layout->beginLayout();
-    row.Layout->createLine();
-    row.Layout->endLayout();
-    const auto runsLeft = [](QChar c) {
-        const QChar::Direction direction = c.direction();
-        return direction == QChar::DirR || direction == QChar::DirAL || c.isSurrogate();
-    };
-    const string shown = row.Text + (row.PreeditLength > 0 ? Preedit.Text : string());
-    row.Mixed = std::any_of(shown.begin(), shown.end(), runsLeft);
+    option.setFlags(QTextOption::IncludeTrailingSpaces);
+    piece.Layout->setTextOption(option);
+    if (piece.PreeditLength > 0)
+        piece.Layout->setPreeditArea(piece.PreeditAt, Preedit.Text);
+    piece.Layout->setFormats(FormatsOf(row, piece, at));
+    piece.Layout->beginLayout();
+    const QTextLine line = piece.Layout->createLine();
+    piece.Layout->endLayout();
+    piece.Span.Width = int(std::lround(line.naturalTextWidth()));
+    piece.Mixed =
+        RunsBothWays(piece.Layout->text()) || (piece.PreeditLength > 0 && RunsBothWays(Preedit.Text));
 }

@@ -11,13 +11,26 @@ struct TMemoText::TSlice {
     const TStyleRun& Run;
     int Column;       // of the slice's first character
     QStringView Text; // a part of the run's text
+    [[nodiscard]] int End() const { return Column + int(Text.size()); }
 };
 
-/// Gives what lies in view of the row's runs. Columns are cells here.
-template <class F> void TMemoText::EachSlice(const TRowPainting& painting, const TMemoRow& shown, F paint) {
+bool TMemoText::Shows(const TMemoPiece& piece) const {
     const TMemoGeometry& geometry = FWidget.Geometry();
-    const int first = FWidget.Memo().Scroll().LeftCol();
-    const int last = first + painting.Rect.width() / geometry.CellWidth() + 1;
+    const int left = geometry.RowLeft() + piece.Span.X;
+    return left < FWidget.viewport()->width() && left + piece.Span.Width >= geometry.TextLeft();
+}
+
+template <class F> void TMemoText::EachSlice(const TMemoRow& shown, const TMemoPiece& piece, F paint) {
+    const TMemoGeometry& geometry = FWidget.Geometry();
+    int first = piece.From;
+    int last = piece.End();
+    if (!piece.Layout) { // columns are cells
+        const int left = geometry.RowLeft() + piece.Span.X;
+        const int hidden = std::max(0, geometry.TextLeft() - left) / shown.Cell;
+        const int showing = (FWidget.viewport()->width() - left) / shown.Cell + 1;
+        first += hidden;
+        last = std::min(last, piece.From + showing);
+    }
     int column = 0;
     for (const TStyleRun& run : shown.Runs) {
         if (column >= last)
@@ -33,64 +46,42 @@ template <class F> void TMemoText::EachSlice(const TRowPainting& painting, const
 
 void TMemoText::PaintGrounds(const TRowPainting& painting) {
     const TMemoRow& shown = FWidget.Geometry().Rows().Of(painting.Row);
-    TAdvMemo& memo = FWidget.Memo();
-    const auto ground = [&](const TStyleRun& run, int from, int to) {
-        const TColor color = memo.LookOf(run.State).BkColor;
-        if (color != memo.BaseLook.BkColor)
-            Fill(painting, from, to, painting.Colors.Back(color));
-    };
-    if (!shown.Layout) {
-        EachSlice(painting, shown, [&](const TSlice& slice) {
-            ground(slice.Run, slice.Column, slice.Column + int(slice.Text.size()));
+    const TAdvMemo& memo = FWidget.Memo();
+    for (const TMemoPiece& piece : shown.Pieces) {
+        if (!Shows(piece))
+            continue;
+        EachSlice(shown, piece, [&](const TSlice& slice) {
+            const TColor color = memo.LookOf(slice.Run.State).BkColor;
+            if (color != memo.BaseLook.BkColor)
+                Fill(painting, slice.Column, slice.End(), painting.Colors.Back(color));
         });
-        return;
-    }
-    int column = 0;
-    for (const TStyleRun& run : shown.Runs) {
-        ground(run, column, column + int(run.Text.size()));
-        column += int(run.Text.size());
     }
 }
 
 void TMemoText::Fill(const TRowPainting& painting, int from, int to, const QColor& color) {
     const TMemoGeometry& geometry = FWidget.Geometry();
-    const TMemoRow& shown = geometry.Rows().Of(painting.Row);
-    const auto fill = [&](int x, int end) {
-        painting.Painter.fillRect(std::min(x, end), painting.Rect.y(), std::abs(end - x),
+    for (const TMemoSpan& span : geometry.Rows().Of(painting.Row).SpansOf(from, to))
+        painting.Painter.fillRect(geometry.RowLeft() + span.X, painting.Rect.y(), span.Width,
                                   painting.Rect.height(), color);
-    };
-    if (!shown.Mixed) {
-        fill(geometry.XOf(painting.Row, from), geometry.XOf(painting.Row, to));
-        return;
-    }
-    const QTextLine line = shown.Layout->lineAt(0);
-    const int left = geometry.RowLeft();
-    const int length = int(shown.Text.size());
-    for (int column = from; column < std::min(to, length); ++column) {
-        const int place = shown.ToLayout(column);
-        fill(left + int(std::lround(line.cursorToX(place, QTextLine::Leading))),
-             left + int(std::lround(line.cursorToX(place, QTextLine::Trailing))));
-    }
-    if (to > length) {
-        const int end = left + int(std::lround(line.naturalTextWidth()));
-        fill(end, end + (to - length) * geometry.CellWidth());
-    }
 }
 
 void TMemoText::PaintText(const TRowPainting& painting) {
     const TMemoRow& shown = FWidget.Geometry().Rows().Of(painting.Row);
-    if (shown.Layout)
-        PaintLayout(painting, shown);
-    else
-        PaintGrid(painting, shown);
+    for (const TMemoPiece& piece : shown.Pieces) {
+        if (!Shows(piece))
+            continue;
+        if (piece.Layout)
+            PaintLayout(painting, shown, piece);
+        else
+            PaintGrid(painting, shown, piece);
+    }
 }
 
 /// Slices are cut once more where the selection begins and ends.
-void TMemoText::PaintGrid(const TRowPainting& painting, const TMemoRow& shown) {
-    EachSlice(painting, shown, [&](const TSlice& slice) {
-        const int end = slice.Column + int(slice.Text.size());
-        const int cuts[] = {slice.Column, std::clamp(painting.From, slice.Column, end),
-                            std::clamp(painting.To, slice.Column, end), end};
+void TMemoText::PaintGrid(const TRowPainting& painting, const TMemoRow& shown, const TMemoPiece& piece) {
+    EachSlice(shown, piece, [&](const TSlice& slice) {
+        const int cuts[] = {slice.Column, std::clamp(painting.From, slice.Column, slice.End()),
+                            std::clamp(painting.To, slice.Column, slice.End()), slice.End()};
         for (int i = 0; i < 3; ++i) {
             const int length = cuts[i + 1] - cuts[i];
             if (length > 0)
@@ -100,57 +91,47 @@ void TMemoText::PaintGrid(const TRowPainting& painting, const TMemoRow& shown) {
 }
 
 void TMemoText::PaintSlice(const TRowPainting& painting, const TSlice& slice) {
-    TAdvMemo& memo = FWidget.Memo();
     const TMemoGeometry& geometry = FWidget.Geometry();
-    const TRunLook look = memo.LookOf(slice.Run.State);
+    const TRunLook look = FWidget.Memo().LookOf(slice.Run.State);
     const bool drawsLine = (look.Style & (fsUnderline | fsStrikeOut)) != 0;
     if (!drawsLine && slice.Text.trimmed().isEmpty())
         return;
-    const int x = geometry.XOf(painting.Row, slice.Column);
     const bool selected = slice.Column >= painting.From && slice.Column < painting.To;
     painting.Painter.setFont(geometry.Fonts().Of(look.Style));
     painting.Painter.setPen(selected && painting.Focused
                                 ? painting.Colors.Tints.SelectedText
                                 : painting.Colors.Text(look.TextColor, look.BkColor));
-    if (slice.Run.CustomDraw && memo.GetStyler()) {
-        const QRect cells(x, painting.Rect.y(), int(slice.Text.size()) * geometry.CellWidth(),
-                          painting.Rect.height());
-        memo.GetStyler()->DrawKeyword(&painting.Painter, slice.Text.toString(), cells);
-        return;
-    }
-    painting.Painter.drawText(x, painting.Rect.y() + geometry.Ascent(), slice.Text.toString());
+    if (slice.Run.CustomDraw)
+        PaintCustomDrawn(painting, slice);
+    else
+        painting.Painter.drawText(geometry.XOf(painting.Row, slice.Column),
+                                  painting.Rect.y() + geometry.Ascent(), slice.Text.toString());
 }
 
-void TMemoText::PaintLayout(const TRowPainting& painting, const TMemoRow& shown) {
+void TMemoText::PaintLayout(const TRowPainting& painting, const TMemoRow& shown, const TMemoPiece& piece) {
     const TMemoGeometry& geometry = FWidget.Geometry();
     QList<QTextLayout::FormatRange> selections;
-    const int to = std::min(painting.To, int(shown.Text.size()));
-    if (painting.Focused && painting.From < to) {
+    const int from = std::max(painting.From, piece.From);
+    const int to = std::min(painting.To, piece.End());
+    if (painting.Focused && from < to) {
         QTextCharFormat format;
         format.setForeground(painting.Colors.Tints.SelectedText);
-        selections.append(
-            {shown.ToLayout(painting.From), shown.ToLayout(to) - shown.ToLayout(painting.From), format});
+        selections.append({piece.PlaceOf(from), piece.PlaceOf(to) - piece.PlaceOf(from), format});
     }
-    const QTextLine line = shown.Layout->lineAt(0);
     // Fonts that stand in for others may be taller: the base line is the same as on other rows.
-    shown.Layout->draw(&painting.Painter,
-                       QPointF(geometry.RowLeft(), painting.Rect.y() + geometry.Ascent() - line.ascent()),
-                       selections, QRectF(painting.Rect));
-    PaintCustomDrawn(painting, shown);
+    const qreal top = painting.Rect.y() + geometry.Ascent() - piece.Layout->lineAt(0).ascent();
+    piece.Layout->draw(&painting.Painter, QPointF(geometry.RowLeft() + piece.Span.X, top), selections);
+    EachSlice(shown, piece, [&](const TSlice& slice) { // the layout left their places empty
+        if (slice.Run.CustomDraw)
+            PaintCustomDrawn(painting, slice);
+    });
 }
 
-/// The layout leaves their places empty.
-void TMemoText::PaintCustomDrawn(const TRowPainting& painting, const TMemoRow& shown) {
+void TMemoText::PaintCustomDrawn(const TRowPainting& painting, const TSlice& slice) {
     const TMemoGeometry& geometry = FWidget.Geometry();
-    int column = 0;
-    for (const TStyleRun& run : shown.Runs) {
-        const int end = column + int(run.Text.size());
-        if (run.CustomDraw && FWidget.Memo().GetStyler()) {
-            const int x = geometry.XOf(painting.Row, column);
-            const QRect place(x, painting.Rect.y(), geometry.XOf(painting.Row, end) - x,
-                              painting.Rect.height());
-            FWidget.Memo().GetStyler()->DrawKeyword(&painting.Painter, run.Text, place);
-        }
-        column = end;
-    }
+    const int x = geometry.XOf(painting.Row, slice.Column);
+    const QRect place(x, painting.Rect.y(), geometry.XOf(painting.Row, slice.End()) - x,
+                      painting.Rect.height());
+    if (TAdvCustomMemoStyler* styler = FWidget.Memo().GetStyler())
+        styler->DrawKeyword(&painting.Painter, slice.Text.toString(), place);
 }

@@ -6,6 +6,7 @@
 
 class QPainter;
 class TMemoWidget;
+struct TMemoPiece;
 struct TMemoRow;
 
 /// A row while it is painted.
@@ -30,11 +31,13 @@ public:
 
 private:
     struct TSlice;
-    template <class F> void EachSlice(const TRowPainting& painting, const TMemoRow& shown, F paint);
-    void PaintGrid(const TRowPainting& painting, const TMemoRow& shown);
+    /// Calls `paint` with what shows of each run in a piece.
+    template <class F> void EachSlice(const TMemoRow& shown, const TMemoPiece& piece, F paint);
+    [[nodiscard]] bool Shows(const TMemoPiece& piece) const;
+    void PaintGrid(const TRowPainting& painting, const TMemoRow& shown, const TMemoPiece& piece);
     void PaintSlice(const TRowPainting& painting, const TSlice& slice);
-    void PaintLayout(const TRowPainting& painting, const TMemoRow& shown);
-    void PaintCustomDrawn(const TRowPainting& painting, const TMemoRow& shown);
+    void PaintLayout(const TRowPainting& painting, const TMemoRow& shown, const TMemoPiece& piece);
+    void PaintCustomDrawn(const TRowPainting& painting, const TSlice& slice);
 
     TMemoWidget& FWidget;
 };

@@ -15,14 +15,13 @@
 #include <QStyleHints>
 
 TMemoWidget::TMemoWidget(QWidget* parent)
-    : QAbstractScrollArea(parent), FClipboard(std::make_unique<TQtMemoClipboard>()),
-      FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
+    : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
       FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
       FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FInput(std::make_unique<TMemoInput>(*this)),
       FAccessibility(std::make_unique<TMemoAccessibility>(*this)),
       FMouse(std::make_unique<TMemoMouse>(*this)) {
     FMemo.View = this;
-    FMemo.Clipboard = FClipboard.get();
+    SetClipboard(std::make_unique<TQtMemoClipboard>());
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
     setAttribute(Qt::WA_KeyCompression, /*on=*/false);
@@ -226,4 +225,9 @@ void TMemoWidget::CancelPreedit() {
 void TMemoWidget::CaretPlaceChanged() {
     RestartCaretBlink();
     updateMicroFocus();
+}
+
+void TMemoWidget::SetClipboard(std::unique_ptr<TQtMemoClipboard> clipboard) {
+    FClipboard = std::move(clipboard);
+    FMemo.Clipboard = FClipboard.get();
 }

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] TMemoGeometry& Geometry() { return FGeometry; }
     [[nodiscard]] TMemoMouse& Mouse() { return *FMouse; }
     [[nodiscard]] TQtMemoClipboard& Clipboard() { return *FClipboard; }
+    void SetClipboard(std::unique_ptr<TQtMemoClipboard> clipboard);
+    [[nodiscard]] TMemoAccessibility& Accessibility() { return *FAccessibility; }
     /// Keys and typed text go to the control this way.
     [[nodiscard]] TSurrogatePairs& Pairs() { return *FPairs; }
     void SetFont(const TMemoFont& font);
@@ -92,7 +94,7 @@ private:
     TAdvMemo FMemo;
     TMemoGeometry FGeometry{FMemo, *viewport()};
     TMemoCompletion FCompletion{FMemo};
-    const std::unique_ptr<TQtMemoClipboard> FClipboard;
+    std::unique_ptr<TQtMemoClipboard> FClipboard;
     const std::unique_ptr<TSurrogatePairs> FPairs;
     const std::unique_ptr<TAssistWindows> FAssist;
     const std::unique_ptr<TMemoPainter> FPainter;

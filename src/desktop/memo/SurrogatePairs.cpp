@@ -95,6 +95,12 @@ void TSurrogatePairs::Execute(int key) {
     Snap();
 }
 
+void TSurrogatePairs::DeleteSelection() {
+    FMemo.Activate();
+    WidenSelection();
+    FMemo.Blocks().DeleteSelection();
+}
+
 /// The key again until the caret is out of what it must not stand in.
 void TSurrogatePairs::Step(int key, TShiftState shift) {
     const TMemoCaret& caret = FMemo.Caret();
@@ -162,7 +168,7 @@ void TSurrogatePairs::Type(QStringView text) {
             Key(keyReturn, 0, keyEnterChar);
         else if (text[i] == u'\t')
             Key(keyTab, 0, keyTabChar);
-        else if (pair || !text[i].isSurrogate())
+        else if (pair || (!text[i].isSurrogate() && text[i].unicode() >= 32))
             TypeCharacter(text.mid(i, units));
         i += units;
     }
@@ -268,6 +274,9 @@ void TSurrogatePairs::WidenSelection() {
             selection.Take(wide, /*block=*/true);
         return;
     }
+    // Lines may have become shorter than where the selection was begun.
+    wide.StartX = std::min(wide.StartX, FMemo.LineLength(wide.StartY));
+    wide.EndX = std::min(wide.EndX, FMemo.LineLength(wide.EndY));
     wide.StartX = WholeColumn(FMemo.LineText(wide.StartY), wide.StartX);
     if (const string line = FMemo.LineText(wide.EndY); WholeColumn(line, wide.EndX) != wide.EndX)
         ++wide.EndX;

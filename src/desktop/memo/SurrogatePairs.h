@@ -19,6 +19,7 @@ public:
     void Replace(const TSelectionRange& range, QStringView text);
     /// A key of its own, such as a menu sends.
     void Execute(int key);
+    void DeleteSelection();
     /// Undo and Redo that put characters back in whatever mode typing is in, and that empty a history which
     /// has lost the half of a step instead of raising.
     void Undo();
