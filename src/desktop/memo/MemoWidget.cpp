@@ -137,8 +137,7 @@ void TMemoWidget::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void TMemoWidget::wheelEvent(QWheelEvent* event) {
-    if (!FMouse->Wheel(*event))
-        QAbstractScrollArea::wheelEvent(event);
+    FMouse->Wheel(*event);
 }
 
 void TMemoWidget::contextMenuEvent(QContextMenuEvent* event) {
