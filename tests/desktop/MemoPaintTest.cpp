@@ -122,6 +122,21 @@ TEST_F(MemoPaintTest, SelectionTakesItsColumnsAndLineBreaks) {
     EXPECT_EQ(GroundsOf(Painted(), 0, TMemoColors(FWidget->palette()).Tints.SelectionAway), "..###.......");
 }
 
+TEST_F(MemoPaintTest, SelectionCoversTextOfBothDirections) {
+    Given(QString::fromUtf8("a \"שלום עולם\" + \"مرحبا\"; b"));
+    const TMemoRow& shown = Geometry().Rows().Of(0);
+    const int length = Memo().LineLength(0);
+    std::vector<bool> covered(size_t(shown.Width()));
+    for (const TMemoSpan& span : shown.SpansOf(0, length)) {
+        for (int x = span.X; x < span.X + span.Width; ++x)
+            covered.at(size_t(x)) = true;
+    }
+    EXPECT_EQ(std::count(covered.begin(), covered.end(), false), 0);
+    // The first Hebrew letter is the rightmost of the run.
+    EXPECT_GT(shown.SpansOf(3, 4)[0].X, shown.SpansOf(4, 5)[0].X);
+    EXPECT_EQ(shown.SpansOf(3, 4)[0].X, shown.SpansOf(4, 5)[0].X + shown.SpansOf(4, 5)[0].Width);
+}
+
 TEST_F(MemoPaintTest, PairsOfSurrogatesStayWhole) {
     const QString text = QString::fromUtf8("a😀b"); // columns 1 and 2 are the pair
     Given(text);

@@ -18,8 +18,33 @@ int TMemoPiece::ColumnOf(int place) const {
     return From + (place > PreeditAt ? std::max(PreeditAt, place - PreeditLength) : place);
 }
 
-int TMemoPiece::XOfPlace(int place, QTextLine::Edge edge) const {
-    return Span.X + int(std::lround(Layout->lineAt(0).cursorToX(place, edge)));
+int TMemoPiece::XOfPlace(int place) const {
+    return Span.X + int(std::lround(Layout->lineAt(0).cursorToX(place)));
+}
+
+/// Where directions meet, places of the cursor don't tell where a character is; glyphs do. Each reaches to
+/// the next one's left edge, and what combines with a character has that one's place.
+void TMemoPiece::FindPlaces() {
+    const QTextLine line = Layout->lineAt(0);
+    const int count = line.textLength();
+    const string text = Layout->text();
+    std::vector<int> edges{Span.X + Span.Width};
+    for (int place = 0; place < count; ++place) {
+        qreal x = line.naturalTextWidth();
+        for (const QGlyphRun& run : line.glyphRuns(place, 1)) {
+            for (const QPointF& at : run.positions())
+                x = std::min(x, at.x());
+        }
+        const int column = ColumnOf(place) - From;
+        const bool combines = place > 0 && column < text.size() && text[column].isMark();
+        Places.push_back(combines ? Places.back() : TMemoSpan{Span.X + int(std::lround(x)), 0});
+        edges.push_back(Places.back().X);
+    }
+    std::sort(edges.begin(), edges.end());
+    for (TMemoSpan& place : Places) {
+        const auto next = std::upper_bound(edges.begin(), edges.end(), place.X);
+        place.Width = next == edges.end() ? 0 : *next - place.X;
+    }
 }
 
 const TMemoPiece& TMemoRow::PieceAt(int column) const {
@@ -57,6 +82,8 @@ TMemoSpan TMemoRow::SpanOf(int column) const {
     if (!piece.Layout || column >= Text.size())
         return {XOf(column), Cell};
     const int place = piece.PlaceOf(WholeColumn(Text, column));
+    if (!piece.Places.empty())
+        return piece.Places[size_t(place)];
     const int x = piece.XOfPlace(place);
     const int end = piece.XOfPlace(piece.Layout->nextCursorPosition(place));
     return {std::min(x, end), std::max(1, std::abs(end - x))};
@@ -71,11 +98,10 @@ std::vector<TMemoSpan> TMemoRow::SpansOf(int from, int to) const {
         if (first >= last)
             continue;
         const int end = last == piece.End() ? piece.Span.X + piece.Span.Width : XOf(last);
-        if (!piece.Mixed)
+        if (piece.Places.empty())
             add(XOf(first), end);
-        for (int column = first; piece.Mixed && column < last; ++column)
-            add(piece.XOfPlace(piece.PlaceOf(column)),
-                piece.XOfPlace(piece.PlaceOf(column), QTextLine::Trailing));
+        for (int column = first; !piece.Places.empty() && column < last; ++column)
+            spans.push_back(piece.Places[size_t(piece.PlaceOf(column))]);
     }
     const int length = int(Text.size());
     if (to > length)

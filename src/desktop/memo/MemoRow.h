@@ -19,14 +19,15 @@ struct TMemoPiece {
     int From = 0, Length = 0;            ///< columns
     TMemoSpan Span;                      ///< from the row's left edge, as all pixels here
     std::unique_ptr<QTextLayout> Layout; ///< null: every character takes one cell
-    bool Mixed = false;                  ///< some of the text runs from right to left
+    std::vector<TMemoSpan> Places;       ///< by place, where some of the text runs from right to left
     int PreeditAt = 0;                   ///< a place
     int PreeditLength = 0;
 
     [[nodiscard]] int End() const { return From + Length; }
     [[nodiscard]] int PlaceOf(int column) const;
     [[nodiscard]] int ColumnOf(int place) const;
-    [[nodiscard]] int XOfPlace(int place, QTextLine::Edge edge = QTextLine::Leading) const;
+    void FindPlaces();
+    [[nodiscard]] int XOfPlace(int place) const;
 };
 
 struct TMemoRow {

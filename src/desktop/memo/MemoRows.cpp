@@ -19,7 +19,9 @@ int PieceEnd(QStringView text, int from) {
 bool RunsBothWays(QStringView text) {
     return std::any_of(text.begin(), text.end(), [](QChar c) {
         const QChar::Direction direction = c.direction();
-        return direction == QChar::DirR || direction == QChar::DirAL || c.isSurrogate();
+        return direction == QChar::DirR || direction == QChar::DirAL || c == QChar(0xD802) ||
+               c == QChar(0xD803) || c == QChar(0xD83A) ||
+               c == QChar(0xD83B); // the scripts beyond the basic plane that do
     });
 }
 
@@ -133,6 +135,6 @@ void TMemoRows::LayOut(const TMemoRow& row, TMemoPiece& piece, TRunAt& at) const
     const QTextLine line = piece.Layout->createLine();
     piece.Layout->endLayout();
     piece.Span.Width = int(std::lround(line.naturalTextWidth()));
-    piece.Mixed =
-        RunsBothWays(piece.Layout->text()) || (piece.PreeditLength > 0 && RunsBothWays(Preedit.Text));
+    if (RunsBothWays(piece.Layout->text()) || (piece.PreeditLength > 0 && RunsBothWays(Preedit.Text)))
+        piece.FindPlaces();
 }
