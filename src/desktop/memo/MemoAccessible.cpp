@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoAccessible.h"
 
+#include "desktop/memo/Characters.h"
 #include "desktop/memo/MemoClipboard.h"
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/SurrogatePairs.h"
@@ -202,9 +203,11 @@ void TMemoAccessibility::Tell() {
     const int start = memo.Words().TextFromPos(range.StartX, range.StartY);
     const int end = memo.Words().TextFromPos(range.EndX, range.EndY);
     const bool first = !std::exchange(FListening, true);
+    const quint64 revision = memo.RunsRevision();
+    const bool changed = std::exchange(FRevision, revision) != revision;
     if (first)
         FText = AccessibleText(FWidget);
-    else
+    else if (changed)
         TellText(AccessibleText(FWidget));
     const bool selected = start != end || FSelectionStart != FSelectionEnd;
     if (selected && (start != FSelectionStart || end != FSelectionEnd)) {

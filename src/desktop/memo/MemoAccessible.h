@@ -25,6 +25,7 @@ private:
     TMemoWidget& FWidget;
     bool FListening = false;
     string FText;
+    quint64 FRevision = 0; // of the control's text
     int FCaret = -1;
     int FSelectionStart = 0;
     int FSelectionEnd = 0;

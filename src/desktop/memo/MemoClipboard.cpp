@@ -1,6 +1,6 @@
 #include "desktop/memo/MemoClipboard.h"
 
-#include "desktop/memo/SurrogatePairs.h"
+#include "desktop/memo/Characters.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

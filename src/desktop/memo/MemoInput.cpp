@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoInput.h"
 
+#include "desktop/memo/Characters.h"
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/SurrogatePairs.h"
 

@@ -1,5 +1,6 @@
 #include "desktop/memo/MemoMouse.h"
 
+#include "desktop/memo/Characters.h"
 #include "desktop/memo/MemoClipboard.h"
 #include "desktop/memo/MemoMenu.h"
 #include "desktop/memo/MemoWidget.h"
@@ -7,13 +8,12 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QScrollBar>
 
 #include <algorithm>
 #include <tuple>
 
 TMemoMouse::TMemoMouse(TMemoWidget& widget)
-    : FWidget(widget), FDrag(widget),
+    : FWidget(widget), FDrag(widget), FWheel(widget),
       FScroll([this](int rows, int columns) { AutoScrolled(rows, columns); }) {}
 
 QRect TMemoMouse::TextArea() const {
@@ -246,35 +246,6 @@ void TMemoMouse::ShowShape(QPoint pos) {
     const Qt::CursorShape shape = text ? Qt::IBeamCursor : Qt::ArrowCursor;
     if (FWidget.viewport()->cursor().shape() != shape)
         FWidget.viewport()->setCursor(shape);
-}
-
-bool TMemoMouse::Wheel(QWheelEvent& event) {
-    constexpr int Notch = 120;
-    if (event.modifiers().testFlag(Qt::ControlModifier)) {
-        FZoomRest += event.angleDelta().y();
-        FWidget.SetZoom(FWidget.Zoom() + FZoomRest / Notch);
-        FZoomRest %= Notch;
-        event.accept();
-        return true;
-    }
-    const TMemoGeometry& geometry = FWidget.Geometry();
-    const QPointF cell(geometry.CellWidth(), geometry.LineHeight());
-    const QPointF pixels = event.pixelDelta();
-    const QPointF notches = QPointF(event.angleDelta()) / Notch * QApplication::wheelScrollLines();
-    QPointF way = pixels.isNull() ? notches : QPointF(pixels.x() / cell.x(), pixels.y() / cell.y());
-    if (event.modifiers().testFlag(Qt::ShiftModifier))
-        way = way.transposed();
-    if (way.x() * FWheelRest.x() < 0 || way.y() * FWheelRest.y() < 0)
-        FWheelRest = {}; // the other way round, at once
-    FWheelRest += way;
-    const QPoint steps(int(FWheelRest.x()), int(FWheelRest.y()));
-    FWheelRest -= steps;
-    QScrollBar* rows = FWidget.verticalScrollBar();
-    QScrollBar* columns = FWidget.horizontalScrollBar();
-    rows->setValue(rows->value() - steps.y());
-    columns->setValue(columns->value() - steps.x());
-    event.accept();
-    return true;
 }
 
 void TMemoMouse::Menu(QContextMenuEvent& event) {

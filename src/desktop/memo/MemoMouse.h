@@ -3,10 +3,10 @@
 // of text and the context menu have classes of their own.
 #include "desktop/memo/AutoScroll.h"
 #include "desktop/memo/MemoDrag.h"
+#include "desktop/memo/MemoWheel.h"
 #include "editor/UndoTarget.h"
 
 #include <QElapsedTimer>
-#include <QPointF>
 
 class QContextMenuEvent;
 class QMouseEvent;
@@ -20,8 +20,7 @@ public:
     void Move(QMouseEvent& event);
     void Release(QMouseEvent& event);
     void DoubleClick(QMouseEvent& event);
-    /// False: the wheel is for the windows above.
-    [[nodiscard]] bool Wheel(QWheelEvent& event);
+    void Wheel(QWheelEvent& event) { FWheel.Turn(event); }
     void Menu(QContextMenuEvent& event);
     /// A key may have ended a block selection, or finished a selection.
     void KeyServed();
@@ -55,6 +54,7 @@ private:
 
     TMemoWidget& FWidget;
     TMemoDrag FDrag;
+    TMemoWheel FWheel;
     TAutoScroll FScroll;
     bool FSelecting = false;
     bool FMayDrag = false; // pressed in the selection
@@ -65,6 +65,4 @@ private:
     QPoint FLast;
     QElapsedTimer FSinceDouble;
     QPoint FDoubleAt;
-    QPointF FWheelRest; // rows and columns not scrolled yet
-    int FZoomRest = 0;
 };

@@ -1,9 +1,8 @@
 #include "desktop/memo/SurrogatePairs.h"
 
-#include "base/Exceptions.h"
-#include "desktop/memo/MemoGeometry.h"
-
-#include <QTextBoundaryFinder>
+#include "desktop/memo/Characters.h"
+#include "desktop/memo/MemoHistory.h"
+#include "desktop/memo/MemoRows.h"
 
 #include <algorithm>
 
@@ -11,13 +10,6 @@ namespace {
 
 bool MovesCaret(int key) {
     return key >= keyHome && key <= keyPageDown;
-}
-
-bool IsWhole(const TAdvMemoStrings& lines) {
-    for (int row = 0; row < lines.Count(); ++row)
-        if (!lines[row].isValidUtf16())
-            return false;
-    return true;
 }
 
 /// Whether some row's pair is cut by a line down at `column`.
@@ -29,39 +21,6 @@ bool CutsPair(const TAdvMemo& memo, int from, int to, int column) {
 }
 
 } // namespace
-
-string WithoutHalfPairs(string text) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        if (!text[i].isSurrogate())
-            continue;
-        if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate())
-            ++i;
-        else
-            text[i] = QChar::ReplacementCharacter;
-    }
-    return text;
-}
-
-bool IsCaretStop(QStringView line, int column) {
-    constexpr char16_t FirstCombining = 0x300;
-    if (column <= 0 || column >= line.size() || line[column].unicode() < FirstCombining)
-        return true;
-    // A piece of the line is enough: characters with more marks than that are torn.
-    constexpr int Reach = 64;
-    const int from = WholeColumn(line, std::max(0, column - Reach));
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line.mid(from, 2 * Reach));
-    finder.setPosition(column - from);
-    return finder.isAtBoundary();
-}
-
-int CharacterEnd(QStringView line, int column) {
-    if (column >= line.size())
-        return int(line.size());
-    ++column;
-    while (!IsCaretStop(line, column))
-        ++column;
-    return column;
-}
 
 void TSurrogatePairs::Send(int key, TShiftState shift, char16_t character) {
     FMemo.KeyDown(key, shift);
@@ -76,11 +35,12 @@ void TSurrogatePairs::Key(int key, TShiftState shift, char16_t character) {
     if ((key == keyLeft || key == keyRight) && !ctrl)
         Step(key, shift);
     else if (ctrl && !Held(shift, ssAlt) && key == keyZ)
-        InHistory(TStep::Undo, [&] { Send(key, shift, character); });
+        InHistory(FMemo, THistoryStep::Undo, [&] { Send(key, shift, character); });
     else if (ctrl && key == keyY)
-        InHistory(TStep::Redo, [&] { Send(key, shift, character); });
+        InHistory(FMemo, THistoryStep::Redo, [&] { Send(key, shift, character); });
     else if (key == keyBackspace && Held(shift, ssAlt))
-        InHistory(Held(shift, ssShift) ? TStep::Redo : TStep::Undo, [&] { FMemo.KeyDown(key, shift); });
+        InHistory(FMemo, Held(shift, ssShift) ? THistoryStep::Redo : THistoryStep::Undo,
+                  [&] { FMemo.KeyDown(key, shift); });
     else if (key == keyBackspace || key == keyDelete)
         Erase(key, shift, character);
     else
@@ -177,11 +137,13 @@ void TSurrogatePairs::Type(QStringView text) {
 
 void TSurrogatePairs::TypeCharacter(QStringView character) {
     WidenSelection();
-    // What stands behind a rectangle is known once that is gone.
+    // What stands behind a selection is known once that is gone.
     const TMemoSettings& settings = FMemo.Settings;
-    if (settings.FOverwrite && settings.FDelErase && !settings.FReadOnly && FMemo.EditingAllowed() &&
-        FMemo.Selection().IsBlock())
+    if ((settings.FOverwrite || settings.FWordWrap != wwNone) && settings.FDelErase && !settings.FReadOnly &&
+        FMemo.EditingAllowed() && !FMemo.Selection().IsEmpty()) {
         FMemo.Blocks().DeleteSelection();
+        Snap();
+    }
     TSelectionRange replaced;
     if (CutsInOverwriting(character, replaced))
         Replace(replaced, character);
@@ -196,13 +158,8 @@ bool TSurrogatePairs::CutsInOverwriting(QStringView character, TSelectionRange& 
     replaced = {caret.X(), caret.Y(), caret.X(), caret.Y()};
     if (!FMemo.Settings.FOverwrite)
         return false;
-    if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
-        replaced = FMemo.Selection().Ordered();
-    const string line = FMemo.LineText(replaced.EndY);
-    const int end = CharacterEnd(line, replaced.EndX);
-    const bool cuts = character.size() > 1 || end > replaced.EndX + 1;
-    replaced.EndX = end;
-    return cuts;
+    replaced.EndX = CharacterEnd(FMemo.LineText(caret.Y()), caret.X());
+    return character.size() > 1 || replaced.EndX > caret.X() + 1;
 }
 
 /// False: the control has used it for something else, or not at all.
@@ -290,37 +247,12 @@ void TSurrogatePairs::WidenSelection() {
         FMemo.Caret().MoveTo(wide.EndX, wide.EndY);
 }
 
-/// Entries are replayed by typing, which must not overwrite what the edit stood before. Halves of pairs that
-/// a history out of step leaves (an undone entry may grow, and its redo then takes more than it should) are
-/// made visible, in place, so that the other entries still fit.
-template <class F> void TSurrogatePairs::InHistory(TStep step, F work) {
-    TAdvUndoList& list = FMemo.UndoList();
-    const int index = list.Position() - (step == TStep::Redo ? 1 : 0);
-    const bool toggles =
-        index >= 0 && index < list.Count() && dynamic_cast<TInsertOverwriteUndo*>(&list.Get(index));
-    const bool whole = IsWhole(FMemo.Lines());
-    const bool indents = FMemo.Settings.FAutoIndent;
-    const bool overwrites = FMemo.Settings.FOverwrite;
-    FMemo.Settings.FOverwrite = overwrites && toggles;
-    try {
-        work();
-    } catch (const Exception&) {
-        list.Clear();
-        FMemo.Settings.FAutoIndent = indents;
-    }
-    if (!toggles)
-        FMemo.Settings.FOverwrite = overwrites;
-    for (int row = 0; whole && row < FMemo.Lines().Count(); ++row)
-        if (!FMemo.Lines()[row].isValidUtf16())
-            FMemo.Lines().Put(row, WithoutHalfPairs(FMemo.Lines()[row]));
-}
-
 void TSurrogatePairs::Undo() {
-    InHistory(TStep::Undo, [this] { FMemo.Undo(); });
+    InHistory(FMemo, THistoryStep::Undo, [this] { FMemo.Undo(); });
     Snap();
 }
 
 void TSurrogatePairs::Redo() {
-    InHistory(TStep::Redo, [this] { FMemo.Redo(); });
+    InHistory(FMemo, THistoryStep::Redo, [this] { FMemo.Redo(); });
     Snap();
 }

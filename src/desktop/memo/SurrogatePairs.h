@@ -20,8 +20,6 @@ public:
     /// A key of its own, such as a menu sends.
     void Execute(int key);
     void DeleteSelection();
-    /// Undo and Redo that put characters back in whatever mode typing is in, and that empty a history which
-    /// has lost the half of a step instead of raising.
     void Undo();
     void Redo();
 
@@ -31,8 +29,6 @@ public:
     void WidenSelection();
 
 private:
-    enum class TStep { Undo, Redo };
-    template <class F> void InHistory(TStep step, F work);
     void Send(int key, TShiftState shift, char16_t character);
     void Step(int key, TShiftState shift);
     void Erase(int key, TShiftState shift, char16_t character);
@@ -47,10 +43,3 @@ private:
     TAdvMemo& FMemo;
     TMemoCompletion& FCompletion;
 };
-
-/// `text` with each half of a pair that stands alone replaced by U+FFFD.
-[[nodiscard]] string WithoutHalfPairs(string text);
-/// The end of the character at `column` with all that combines with it; the length of `line` at most.
-[[nodiscard]] int CharacterEnd(QStringView line, int column);
-/// A place where the caret may stop on its way: not between a character and what combines with it.
-[[nodiscard]] bool IsCaretStop(QStringView line, int column);
