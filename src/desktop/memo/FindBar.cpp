@@ -112,6 +112,7 @@ void TFindBar::TakeQuery() {
 }
 
 void TFindBar::QueryChanged() {
+    Q_EMIT Said({}, TMessageKind::Plain); // what was wrong with it may be right now
     TakeQuery();
     if (FSearch.Error().isEmpty())
         (void)FSearch.FindFrom(FAnchor);
@@ -151,6 +152,8 @@ void TFindBar::ReplaceOne() {
 void TFindBar::ReplaceAll() {
     TakeQuery();
     const int count = FSearch.ReplaceAll(FReplacement->text());
+    if (count == 0)
+        return Tell(TFound::No, {});
     ShowCount();
     if (FSearch.Error().isEmpty())
         Q_EMIT Said(count == 1 ? QString("1 match replaced") : QString("%L1 matches replaced").arg(count),
