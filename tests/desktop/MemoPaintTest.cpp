@@ -202,6 +202,34 @@ TEST_F(MemoPaintTest, FoldBoxesAreWhereTheyShow) {
     EXPECT_EQ(Geometry().YOf(4), 2 * Geometry().LineHeight());
 }
 
+TEST_F(MemoPaintTest, WrappedRowsHaveNoNumbers) {
+    Memo().Settings.FRightMargin = 10;
+    Memo().SetText("a\nbb bb bb bb bb bb\nc\n");
+    Memo().SetWordWrap(wwRightMargin);
+    std::vector<int> numbers;
+    for (int row = 0; row < Memo().Lines().Count(); ++row)
+        numbers.push_back(Geometry().NumberOf(row));
+    EXPECT_EQ(numbers, (std::vector{1, 2, 0, 3})) << Text();
+    EXPECT_EQ(Geometry().NumberOf(1), 2); // asked for again
+}
+
+TEST_F(MemoPaintTest, PreeditTextPushesWhatIsBehindIt) {
+    Given("/* ab */ c");
+    At(4, 0);
+    const int cell = Geometry().CellWidth();
+    const int left = Geometry().XOf(0, 0);
+    const QImage without = Painted();
+    Geometry().Rows().Preedit = {"xyz", {}, 2};
+    const QImage with = Painted();
+    EXPECT_EQ(Geometry().XOf(0, 4), left + 4 * cell);
+    EXPECT_EQ(Geometry().CaretX(), left + 6 * cell);
+    EXPECT_EQ(Geometry().XOf(0, 9), left + 12 * cell);
+    EXPECT_EQ(Geometry().ColumnAt(0, left + 12 * cell), 9);
+    const QRect behind(left + 5 * cell, 0, 5 * cell,
+                       Geometry().LineHeight()); // comment and code as they were
+    EXPECT_EQ(Part(without, behind), Part(with, behind.translated(3 * cell, 0)));
+}
+
 TEST_F(MemoPaintTest, WideRowsScrollWithTheirCaret) {
     FWidget->resize(400, 200);
     Given(QString(60, QChar(0x65E5)));

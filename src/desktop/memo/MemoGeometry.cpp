@@ -44,10 +44,12 @@ int TMemoGeometry::NumberOf(int row) const {
         return row + 1;
     if (FMemo.IsContinuation(row))
         return 0;
-    int number = 1;
-    for (int above = 1; above <= row; ++above)
-        number += FMemo.IsContinuation(above) ? 0 : 1;
-    return number;
+    const quint64 revision = FMemo.RunsRevision();
+    if (FCounted.Runs != revision || FCounted.Row > row)
+        FCounted = {revision, 0, 1};
+    while (FCounted.Row < row)
+        FCounted.Number += FMemo.IsContinuation(++FCounted.Row) ? 0 : 1;
+    return FCounted.Number;
 }
 
 int TMemoGeometry::YOf(int row) const {

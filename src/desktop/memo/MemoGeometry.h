@@ -72,4 +72,9 @@ private:
     QWidget& FViewport;
     TMemoFonts FFonts;
     const std::unique_ptr<TMemoRows> FRows;
+    struct TCounted {
+        quint64 Runs = 0;
+        int Row = 0, Number = 1;
+    };
+    mutable TCounted FCounted; // the last number that was asked for: rows are asked for from top to bottom
 };
