@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr int MostRows = 1000;
-constexpr int MostCharacters = 64 * 1024;
+constexpr int MostRows = 500;
+constexpr int MostCharacters = 32 * 1024;
 
 struct TBracket {
     int X;

@@ -10,5 +10,5 @@ struct TBracketMatch {
 };
 
 /// The bracket before the caret counts first, then the one behind it. Asked at every keystroke, the search
-/// gives up after a thousand rows or 64 K characters, so that a megabyte stays fast.
+/// gives up after 500 rows or 32 K characters, so that a megabyte stays fast.
 [[nodiscard]] TBracketMatch MatchBracket(TAdvCustomMemo& memo);

@@ -93,6 +93,12 @@ QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
     return match;
 }
 
+/// Matching came to the end of the text, not to its limits. Behind an empty match at the very end the
+/// iterator isn't valid either.
+bool TTextSearch::IsThrough(const QRegularExpressionMatchIterator& all, int end) const {
+    return all.isValid() || end == FSubject.size();
+}
+
 void TTextSearch::FindMatches() {
     if (std::exchange(FFresh, true))
         return;
@@ -107,7 +113,7 @@ void TTextSearch::FindMatches() {
             return;
         FMatches.push_back(Range(all.next()));
     }
-    FWhole = all.isValid();
+    FWhole = IsThrough(all, FMatches.empty() ? 0 : FMatches.back().End());
     if (!FWhole)
         Fail(TooMuchWork, 0);
 }
@@ -282,11 +288,12 @@ string TTextSearch::Expanded(const string& by, const QRegularExpressionMatch& ma
 }
 
 TFound TTextSearch::Replace(const string& by) {
-    if (!Update() || FMemo.Settings.FReadOnly || !FMemo.EditingAllowed())
+    if (!Update())
         return TFound::No;
     const TTextMatch selected = Selected();
     const QRegularExpressionMatch match = MatchAt(selected.From);
-    if (match.hasMatch() && Range(match) == selected) {
+    const bool allowed = !FMemo.Settings.FReadOnly && FMemo.EditingAllowed();
+    if (allowed && match.hasMatch() && Range(match) == selected) {
         const string text = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
         TSelectionRange range;
         FText.PlaceOf(selected.From, range.StartX, range.StartY);
@@ -310,7 +317,7 @@ int TTextSearch::ReplaceAll(const string& by) {
     int newCaret = caret;
     int count = 0;
     int from = -1; // of the stretch from the first line with a match to the last match
-    int end = 0;
+    int end = 0;   // of the last match
     string text;
     TSelectionRange range;
     auto all = FPattern.globalMatch(FSubject, 0, QRegularExpression::NormalMatch, Unchecked);
@@ -331,6 +338,10 @@ int TTextSearch::ReplaceAll(const string& by) {
             newCaret += std::min(caret - place.From, int(expanded.size())) - (caret - place.From);
         text += expanded;
         end = place.End();
+    }
+    if (!IsThrough(all, end)) {
+        Fail(TooMuchWork, 0);
+        return 0;
     }
     if (count == 0 || text == QStringView(FText.Text()).mid(from, end - from))
         return count;

@@ -71,6 +71,7 @@ public:
 private:
     [[nodiscard]] bool Update();
     void FindMatches();
+    [[nodiscard]] bool IsThrough(const QRegularExpressionMatchIterator& all, int end) const;
     [[nodiscard]] QRegularExpressionMatch MatchAt(int offset);
     [[nodiscard]] bool FirstFrom(int offset, TTextMatch& match);
     [[nodiscard]] bool LastBefore(int offset, TTextMatch& match);

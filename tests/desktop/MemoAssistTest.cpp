@@ -107,6 +107,10 @@ TEST_F(MemoAssistTest, TheListNeitherTakesTheKeyboardNorOutlivesIt) {
     TypeAndOpen();
     FWidget->move(FWidget->pos() + QPoint(10, 10));
     EXPECT_TRUE(QTest::qWaitFor([this] { return Closed(); }));
+    Memo().SetText(QString(100, '\n'));
+    TypeAndOpen();
+    FWidget->verticalScrollBar()->setValue(10);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return Closed(); }));
     Memo().SetText("\n");
     TypeAndOpen();
     QTest::mouseClick(FWidget->viewport(), Qt::LeftButton, {}, QPoint(200, 200));

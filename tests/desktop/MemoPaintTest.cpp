@@ -33,17 +33,28 @@ protected:
         Memo().Selection().Take(range, block);
     }
     [[nodiscard]] TMemoGeometry& Geometry() { return FWidget->Geometry(); }
-    [[nodiscard]] QImage Painted() {
-        QApplication::processEvents();
+    [[nodiscard]] QImage Grabbed() {
         return FWidget->viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
     }
+    [[nodiscard]] QImage Painted() {
+        QApplication::processEvents();
+        return Grabbed();
+    }
+    /// Places are those of the widget, whatever the screen's scale.
+    [[nodiscard]] static QImage Part(const QImage& image, const QRect& rect) {
+        const int scale = int(image.devicePixelRatio());
+        return image.copy(QRect(rect.topLeft() * scale, rect.size() * scale));
+    }
+    [[nodiscard]] static QColor Pixel(const QImage& image, int x, int y) {
+        return Part(image, {x, y, 1, 1}).pixelColor(0, 0);
+    }
     [[nodiscard]] QImage Cell(const QImage& image, int row, int column) {
-        return image.copy(Geometry().XOf(row, column), Geometry().YOf(row), Geometry().CellWidth(),
-                          Geometry().LineHeight());
+        return Part(image, {Geometry().XOf(row, column), Geometry().YOf(row), Geometry().CellWidth(),
+                            Geometry().LineHeight()});
     }
     /// The ground of a cell, where no character reaches.
     [[nodiscard]] QColor Ground(const QImage& image, int row, int column) {
-        return image.pixelColor(Geometry().XOf(row, column) + 1, Geometry().YOf(row));
+        return Pixel(image, Geometry().XOf(row, column) + 1, Geometry().YOf(row));
     }
     /// The columns of a row whose ground has a colour.
     [[nodiscard]] std::string GroundsOf(const QImage& image, int row, const QColor& color) {
@@ -83,10 +94,9 @@ TEST_F(MemoPaintTest, CaretIsPaintedWhereItIs) {
             const QImage with = Painted();
             const int x = Geometry().CaretX();
             for (const int dx : {-1, 0}) // the bar's two pixels
-                EXPECT_EQ(with.pixelColor(x + dx, Geometry().YOf(row) + 1), QColor(Qt::black))
-                    << row << column;
+                EXPECT_EQ(Pixel(with, x + dx, Geometry().YOf(row) + 1), QColor(Qt::black)) << row << column;
             const QRect left(0, Geometry().YOf(row), x - 1, Geometry().LineHeight());
-            EXPECT_EQ(with.copy(left), without.copy(left)) << row << " " << column;
+            EXPECT_EQ(Part(with, left), Part(without, left)) << row << " " << column;
             if (row != 3) { // where directions meet, two columns share a place
                 EXPECT_EQ(Geometry().ColumnAt(row, x), WholeColumn(Memo().LineText(row), column));
             }
@@ -116,11 +126,13 @@ TEST_F(MemoPaintTest, PairsOfSurrogatesStayWhole) {
     const QString text = QString::fromUtf8("a😀b"); // columns 1 and 2 are the pair
     Given(text);
     Select({0, 0, 2, 0});
-    const QImage half = Painted();
-    Select({0, 0, 1, 0}); // where the window brings it
-    EXPECT_EQ(half, Painted());
+    const QImage half = Grabbed(); // before the window has brought it out of the pair
+    Select({0, 0, 3, 0});
+    EXPECT_EQ(half, Grabbed());
     Select({0, 1, 0, 1});
-    QImage whole(200, Geometry().LineHeight(), QImage::Format_RGB32);
+    const QRect rect(Geometry().XOf(0, 0), 0, 200, Geometry().LineHeight());
+    QImage whole = Part(half, rect);
+    whole.setDevicePixelRatio(half.devicePixelRatio());
     whole.fill(Qt::white);
     QTextLayout layout(text, Geometry().Font());
     layout.beginLayout();
@@ -130,7 +142,7 @@ TEST_F(MemoPaintTest, PairsOfSurrogatesStayWhole) {
     layout.draw(&painter, QPointF(0, Geometry().Ascent() - line.ascent()));
     painter.end();
     At(0, 2);
-    EXPECT_EQ(Painted().copy(Geometry().XOf(0, 0), 0, 200, Geometry().LineHeight()), whole);
+    EXPECT_EQ(Part(Painted(), rect), Part(whole, {QPoint(), rect.size()}));
 }
 
 TEST_F(MemoPaintTest, WavesStandUnderErrors) {
@@ -161,7 +173,7 @@ TEST_F(MemoPaintTest, GutterMarksChangedAndSavedLines) {
     Memo().SetModifiedStateInt(1, lmSaved);
     const TMemoTints tints = TMemoColors(FWidget->palette()).Tints;
     for (const auto& [row, color] : {std::pair(0, tints.Modified), {1, tints.Saved}, {2, tints.Gutter}})
-        EXPECT_EQ(Painted().pixelColor(Geometry().GutterWidth() - 1, Geometry().YOf(row) + 3), color) << row;
+        EXPECT_EQ(Pixel(Painted(), Geometry().GutterWidth() - 1, Geometry().YOf(row) + 3), color) << row;
 }
 
 TEST_F(MemoPaintTest, BracketsAtTheCaretStandOut) {

@@ -118,12 +118,14 @@ TEST_F(MemoPaneTest, TakesOverASelectionAndSaysWhatIsWrong) {
 
 TEST_F(MemoPaneTest, Replaces) {
     Given("cat cat cat\n", 0, 0);
-    Press(Qt::Key_H, Qt::ControlModifier);
+    Press(Qt::Key_F, Qt::ControlModifier);
+    Press(Qt::Key_H, Qt::ControlModifier); // from the bar itself
     Write("cat");
     Press(Qt::Key_Tab);
     ASSERT_TRUE(Named<QLineEdit>("Replace with")->hasFocus());
     Write("dog");
-    Press(Qt::Key_Return); // the first was found while it was typed
+    Press(Qt::Key_Slash, Qt::ControlModifier); // a key of the editor, not of the field
+    Press(Qt::Key_Return);                     // the first was found while it was typed
     EXPECT_EQ(PaneMemo().Text(), "dog cat cat\n");
     Named<QAbstractButton>("Replace all")->click();
     EXPECT_EQ(PaneMemo().Text(), "dog dog dog\n");

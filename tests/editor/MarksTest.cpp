@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(BracketMatch, GivesUpFarAway) {
     TAdvJSMemoStyler styler;
-    for (const auto& [rows, found] : {std::pair(900, true), {1100, false}}) {
+    for (const auto& [rows, found] : {std::pair(450, true), {550, false}}) {
         TEditor editor;
         editor.Styled(styler);
         editor.Memo.SetText("{\n" + QString("x;\n").repeated(rows) + "}\n");

@@ -98,6 +98,8 @@ TEST(TextSearch, EmptyMatchesNeverStall) {
         places.push_back(editor.Place());
     }
     EXPECT_THAT(places, ElementsAre("0:1-0:1", "0:3-0:3", "1:0-1:0", "1:1-1:1", "0:0-0:0"));
+    EXPECT_FALSE(editor.Search.Count().Capped);
+    EXPECT_TRUE(editor.Search.Error().isEmpty());
     EXPECT_EQ(editor.Search.ReplaceAll("-"), 5);
     EXPECT_EQ(editor.Lines(), "-a-\xF0\x9F\x98\x80-\n-b-");
 }

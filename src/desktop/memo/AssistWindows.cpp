@@ -84,6 +84,7 @@ void TAssistWindows::ShowList(const TAutoCompletionListBox& list, const TMemoRec
     FList->Take(list);
     const QRect wanted(QPoint(place.Left, place.Top) + Screen().topLeft(), QSize(place.Width, place.Height));
     FList->setGeometry(Fitted(wanted));
+    FListLine = FWidget.Geometry().CaretRect().top();
     WatchWindow();
     FList->show();
     PlaceHint();
@@ -166,11 +167,19 @@ void TAssistWindows::Rest() {
         FRest.start(FWidget.Completion().Hint().FAutoHintParameterDelay, this);
 }
 
-/// A hint that shows follows the caret from parameter to parameter.
+/// A hint that shows follows the caret from parameter to parameter. A list stays with its line, and a hint in
+/// the view.
 void TAssistWindows::TakeState() {
     Rest();
+    const QRect caret = FWidget.Geometry().CaretRect();
+    if (FWidget.Completion().IsOpen() && caret.top() != FListLine)
+        FWidget.Completion().ListDeactivated();
     TParameterHint& hint = FWidget.Completion().Hint();
-    if (hint.Visible())
+    if (!hint.Visible())
+        return;
+    if (caret.top() < 0 || caret.bottom() > FWidget.viewport()->height())
+        hint.HideHint();
+    else
         hint.ShowParameterHint();
 }
 

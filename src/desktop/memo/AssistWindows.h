@@ -56,6 +56,7 @@ private:
     QPointer<QWidget> FWindow;               // that is watched
     std::unique_ptr<TCompletionPopup> FList; // both are made when first needed
     std::unique_ptr<THintWindow> FHint;
-    QRect FHintPlace; // as the control wants it
+    int FListLine = 0; // the top of the caret's row when the list opened
+    QRect FHintPlace;  // as the control wants it
     QBasicTimer FDelay, FRest;
 };

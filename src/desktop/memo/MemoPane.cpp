@@ -23,13 +23,13 @@ TMemoPane::TMemoPane(QWidget* parent)
     FEditor->MarkedColumns = [this](int row) {
         return FFindBar->isVisible() ? FSearch.ColumnsOf(row) : std::vector<TColumnRange>();
     };
-    AddKey(Qt::Key_F3, [this] { FFindBar->FindNext(); });
-    AddKey(Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
-    AddKey(Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
-    AddKey(Qt::CTRL | Qt::Key_Slash, [this] { FCommands.ToggleComment(); });
-    AddKey(Qt::ALT | Qt::Key_Up, [this] { FCommands.MoveUp(); });
-    AddKey(Qt::ALT | Qt::Key_Down, [this] { FCommands.MoveDown(); });
-    AddKey(Qt::CTRL | Qt::Key_D, [this] { FCommands.Duplicate(); });
+    AddKey(*this, Qt::Key_F3, [this] { FFindBar->FindNext(); });
+    AddKey(*this, Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
+    AddKey(*this, Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
+    AddKey(*FEditor, Qt::CTRL | Qt::Key_Slash, [this] { FCommands.ToggleComment(); });
+    AddKey(*FEditor, Qt::ALT | Qt::Key_Up, [this] { FCommands.MoveUp(); });
+    AddKey(*FEditor, Qt::ALT | Qt::Key_Down, [this] { FCommands.MoveDown(); });
+    AddKey(*FEditor, Qt::CTRL | Qt::Key_D, [this] { FCommands.Duplicate(); });
     connect(FEditor, &TMemoWidget::StateChanged, this, [this] { TakeState(); });
     connect(FFindBar, &TFindBar::Said, this,
             [this](const QString& text, TMessageKind kind) { TakeFindMessage(text, kind); });
@@ -40,9 +40,9 @@ TMemoPane::TMemoPane(QWidget* parent)
 
 TMemoPane::~TMemoPane() = default;
 
-/// Works wherever in the pane the focus is.
-void TMemoPane::AddKey(const QKeySequence& key, const std::function<void()>& call) {
-    auto* shortcut = new QShortcut(key, this);
+/// Works wherever in `where` the focus is.
+void TMemoPane::AddKey(QWidget& where, const QKeySequence& key, const std::function<void()>& call) {
+    auto* shortcut = new QShortcut(key, &where);
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, [this, call] {
         FEditor->Completion().CloseCompletionList();

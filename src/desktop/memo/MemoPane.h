@@ -25,7 +25,7 @@ public:
     void GoTo(int line, int column = 1);
 
 private:
-    void AddKey(const QKeySequence& key, const std::function<void()>& call);
+    void AddKey(QWidget& where, const QKeySequence& key, const std::function<void()>& call);
     void TakeState();
     void TakeFindMessage(const string& text, TMessageKind kind);
 

@@ -83,6 +83,7 @@ void TMemoWidget::timerEvent(QTimerEvent* event) {
 void TMemoWidget::focusInEvent(QFocusEvent* /*event*/) {
     FMemo.Activate();
     RestartCaretBlink();
+    viewport()->update(); // the selection has other colours now
 }
 
 void TMemoWidget::focusOutEvent(QFocusEvent* event) {
@@ -90,7 +91,7 @@ void TMemoWidget::focusOutEvent(QFocusEvent* event) {
     CancelPreedit();
     if (event->reason() != Qt::PopupFocusReason)
         FCompletion.ListDeactivated();
-    viewport()->update(FGeometry.RowRect(FMemo.Caret().Y()));
+    viewport()->update();
 }
 
 /// Tab is text here; Ctrl+Tab leaves.

@@ -3,6 +3,7 @@
 #include "editor/LinePlace.h"
 #include "editor/Memo.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -33,11 +34,17 @@ QSize TMessageArea::minimumSizeHint() const {
 }
 
 void TMessageArea::Show(const string& text, TMessageKind kind) {
+    if (FText == text && FKind == kind)
+        return;
     FText = text;
     FKind = kind;
     setToolTip(text);
     setAccessibleDescription(text);
     update();
+    if (kind == TMessageKind::Error) {
+        QAccessibleEvent alert(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    }
 }
 
 void TMessageArea::paintEvent(QPaintEvent* /*event*/) {
