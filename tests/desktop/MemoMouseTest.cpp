@@ -306,6 +306,9 @@ TEST_F(MemoMouseTest, TheMiddleButtonPastesThePrimarySelection) {
     EXPECT_EQ(Shown(), "abcdbc|");
     Keys("Shift+Left");
     EXPECT_EQ(primary.Held, "c");
+    primary.Held = "of another program";
+    Keys("Ctrl+C");
+    EXPECT_EQ(primary.Held, "of another program");
     Keys("Right Ctrl+Z");
     EXPECT_EQ(Text(), "abcd\n");
 }

@@ -215,13 +215,19 @@ void TMemoMouse::DoubleClick(QMouseEvent& event) {
 }
 
 void TMemoMouse::Finish() {
+    FOffered = FWidget.Memo().Selection().Range();
     if (FWidget.Clipboard().HasPrimary() && !FWidget.Memo().Selection().IsEmpty())
         FWidget.Clipboard().SetPrimaryText(FWidget.Memo().SelText());
 }
 
 void TMemoMouse::KeyServed() {
-    if (!FWidget.Memo().Selection().IsEmpty())
-        return Finish();
+    if (!FWidget.Memo().Selection().IsEmpty()) {
+        // Only a new one: another program may have the primary selection by now.
+        if (FWidget.Memo().Selection().Range() != FOffered)
+            Finish();
+        return;
+    }
+    FOffered = {};
     if (!FBlock)
         return;
     SetBlock(/*on=*/false);

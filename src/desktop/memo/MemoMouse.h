@@ -60,7 +60,8 @@ private:
     bool FMayDrag = false; // pressed in the selection
     bool FBlock = false;   // the mouse has made selections rectangles for now
     TUnit FUnit = TUnit::Character;
-    TSelectionRange FOrigin; // the unit where the selection was begun
+    TSelectionRange FOrigin;  // the unit where the selection was begun
+    TSelectionRange FOffered; // what was last made the primary selection
     QPoint FPressed;
     QPoint FLast;
     QElapsedTimer FSinceDouble;
