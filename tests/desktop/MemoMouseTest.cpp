@@ -1,8 +1,8 @@
 // The mouse in the editor's window: clicks, drags, drops, wheel and menu.
 #include "MemoFixture.h"
 
-#include "desktop/memo/MemoClipboard.h"
-#include "desktop/memo/MemoMouse.h"
+#include "desktop/memo/input/MemoClipboard.h"
+#include "desktop/memo/input/MemoMouse.h"
 
 #include <QContextMenuEvent>
 #include <QDrag>

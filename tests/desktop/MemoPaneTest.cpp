@@ -1,7 +1,7 @@
 // The pane around the editor: finding, replacing, going to lines, the status line.
 #include "desktop/memo/MemoPane.h"
 #include "MemoFixture.h"
-#include "desktop/memo/FindBar.h"
+#include "desktop/memo/bars/FindBar.h"
 
 #include <QAbstractButton>
 #include <QDialog>
