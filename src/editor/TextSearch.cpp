@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr const char* TooMuchWork = "The expression takes too much work to match";
 constexpr auto Unchecked = QRegularExpression::DontCheckSubjectStringMatchOption;
 
 /// Lone halves of surrogate pairs, which no expression can be matched against, become U+FFFD.
@@ -25,26 +24,6 @@ string Matchable(const string& text) {
             subject[i] = QChar::ReplacementCharacter;
     }
     return subject;
-}
-
-TTextMatch Range(const QRegularExpressionMatch& match) {
-    return {int(match.capturedStart()), int(match.capturedLength())};
-}
-
-/// The number of a group, of one digit or two. A `length` of 0: there is no such group.
-int GroupAt(QStringView text, int groups, qsizetype& length) {
-    length = 0;
-    int group = 0;
-    while (length < std::min<qsizetype>(2, text.size()) && text[length] >= u'0' && text[length] <= u'9') {
-        const int longer = group * 10 + text[length].digitValue();
-        if (length > 0 && longer > groups)
-            break;
-        group = longer;
-        ++length;
-    }
-    if (group > groups)
-        length = 0;
-    return group;
 }
 
 } // namespace
@@ -73,6 +52,14 @@ void TTextSearch::Fail(const string& text, int column) {
     FErrorColumn = column;
 }
 
+void TTextSearch::FailForWork() {
+    Fail("The expression takes too much work to match", 0);
+}
+
+TTextMatch TTextSearch::Range(const QRegularExpressionMatch& match) {
+    return {int(match.capturedStart()), int(match.capturedLength())};
+}
+
 /// False where there is nothing to search for.
 bool TTextSearch::Update() {
     if (FText.Update()) {
@@ -82,6 +69,10 @@ bool TTextSearch::Update() {
     return !FQuery.Text.isEmpty() && FPattern.isValid();
 }
 
+QRegularExpressionMatchIterator TTextSearch::MatchesFrom(int offset) const {
+    return FPattern.globalMatch(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
+}
+
 /// The first match from `offset` on, which isn't behind the end.
 QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
     const bool inPair = offset > 0 && offset < FSubject.size() && FSubject[offset].isLowSurrogate();
@@ -89,7 +80,7 @@ QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
     const QRegularExpressionMatch match =
         FPattern.match(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
     if (!match.isValid())
-        Fail(TooMuchWork, 0);
+        FailForWork();
     return match;
 }
 
@@ -107,7 +98,7 @@ void TTextSearch::FindMatches() {
     Fail({}, 0);
     QElapsedTimer timer;
     timer.start();
-    auto all = FPattern.globalMatch(FSubject, 0, QRegularExpression::NormalMatch, Unchecked);
+    auto all = MatchesFrom(0);
     while (all.hasNext()) {
         if (int(FMatches.size()) == MostCounted || timer.elapsed() > MostTime)
             return;
@@ -115,7 +106,7 @@ void TTextSearch::FindMatches() {
     }
     FWhole = IsThrough(all, FMatches.empty() ? 0 : FMatches.back().End());
     if (!FWhole)
-        Fail(TooMuchWork, 0);
+        FailForWork();
 }
 
 /// The first match that begins at or behind `offset`.
@@ -147,7 +138,7 @@ bool TTextSearch::LastBefore(int offset, TTextMatch& match) {
     bool found = false;
     for (int stretch = 4096; !found; stretch *= 8) {
         const int from = offset > stretch ? int(FSubject.lastIndexOf(u'\n', offset - stretch)) + 1 : 0;
-        auto all = FPattern.globalMatch(FSubject, from, QRegularExpression::NormalMatch, Unchecked);
+        auto all = MatchesFrom(from);
         while (all.hasNext()) {
             const TTextMatch next = Range(all.next());
             if (next.From >= offset)
@@ -260,93 +251,4 @@ std::vector<TColumnRange> TTextSearch::ColumnsOf(int row) {
             columns.push_back({std::max(0, at->From - start), std::min(length, at->End() - start)});
     }
     return columns;
-}
-
-string TTextSearch::Expanded(const string& by, const QRegularExpressionMatch& match) const {
-    if (!FQuery.Expression)
-        return by;
-    string text;
-    for (qsizetype i = 0; i < by.size(); ++i) {
-        const QStringView rest = QStringView(by).mid(i + 1);
-        const bool marks = (by[i] == u'\\' || by[i] == u'$') && !rest.isEmpty();
-        qsizetype digits = 0;
-        const int group = marks ? GroupAt(rest, FPattern.captureCount(), digits) : 0;
-        if (digits > 0)
-            text += match.captured(group);
-        else if (marks && rest[0] == by[i])
-            text += by[i];
-        else if (marks && by[i] == u'\\' && (rest[0] == u'n' || rest[0] == u't'))
-            text += rest[0] == u'n' ? u'\n' : u'\t';
-        else
-            digits = -1;
-        if (digits < 0)
-            text += by[i];
-        else
-            i += std::max<qsizetype>(1, digits);
-    }
-    return text;
-}
-
-TFound TTextSearch::Replace(const string& by) {
-    if (!Update())
-        return TFound::No;
-    const TTextMatch selected = Selected();
-    const QRegularExpressionMatch match = MatchAt(selected.From);
-    const bool allowed = !FMemo.Settings.FReadOnly && FMemo.EditingAllowed();
-    if (allowed && match.hasMatch() && Range(match) == selected) {
-        const string text = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
-        TSelectionRange range;
-        FText.PlaceOf(selected.From, range.StartX, range.StartY);
-        FText.PlaceOf(selected.End(), range.EndX, range.EndY);
-        // From the start of its line on: wrapping doesn't move that.
-        while (FMemo.IsContinuation(range.StartY))
-            --range.StartY;
-        range.StartX = 0;
-        const int start = FText.RowStart(range.StartY);
-        const string kept = FText.Text().mid(start, selected.From - start);
-        const int end = selected.From + int(text.size());
-        FMemo.Blocks().ReplaceRange(range, kept + text, end, end);
-    }
-    return FindNext();
-}
-
-int TTextSearch::ReplaceAll(const string& by) {
-    if (!Update() || FMemo.Settings.FReadOnly || !FMemo.EditingAllowed())
-        return 0;
-    const int caret = FText.OffsetOf(FMemo.Caret().X(), FMemo.Caret().Y());
-    int newCaret = caret;
-    int count = 0;
-    int from = -1; // of the stretch from the first line with a match to the last match
-    int end = 0;   // of the last match
-    string text;
-    TSelectionRange range;
-    auto all = FPattern.globalMatch(FSubject, 0, QRegularExpression::NormalMatch, Unchecked);
-    while (all.hasNext()) {
-        const QRegularExpressionMatch match = all.next();
-        const TTextMatch place = Range(match);
-        if (count++ == 0) {
-            FText.PlaceOf(place.From, range.StartX, range.StartY);
-            while (FMemo.IsContinuation(range.StartY))
-                --range.StartY;
-            from = end = FText.RowStart(range.StartY);
-        }
-        text += QStringView(FText.Text()).mid(end, place.From - end);
-        const string expanded = TabsToBlanks(Expanded(by, match), FMemo.Settings.FTabSize);
-        if (place.End() <= caret && place.From < caret)
-            newCaret += int(expanded.size()) - place.Length;
-        else if (place.From < caret)
-            newCaret += std::min(caret - place.From, int(expanded.size())) - (caret - place.From);
-        text += expanded;
-        end = place.End();
-    }
-    if (!IsThrough(all, end)) {
-        Fail(TooMuchWork, 0);
-        return 0;
-    }
-    if (count == 0 || text == QStringView(FText.Text()).mid(from, end - from))
-        return count;
-    range.StartX = 0;
-    FText.PlaceOf(end, range.EndX, range.EndY);
-    FMemo.Blocks().ReplaceRange(range, text, newCaret, newCaret);
-    return count;
 }

@@ -6,6 +6,7 @@
 // search goes on from where it is needed.
 #include "editor/ColumnRange.h"
 #include "editor/JoinedText.h"
+#include "editor/UndoTarget.h"
 
 #include <QRegularExpression>
 
@@ -72,14 +73,20 @@ private:
     [[nodiscard]] bool Update();
     void FindMatches();
     [[nodiscard]] bool IsThrough(const QRegularExpressionMatchIterator& all, int end) const;
+    [[nodiscard]] QRegularExpressionMatchIterator MatchesFrom(int offset) const;
     [[nodiscard]] QRegularExpressionMatch MatchAt(int offset);
+    [[nodiscard]] static TTextMatch Range(const QRegularExpressionMatch& match);
     [[nodiscard]] bool FirstFrom(int offset, TTextMatch& match);
     [[nodiscard]] bool LastBefore(int offset, TTextMatch& match);
     [[nodiscard]] std::vector<TColumnRange> ColumnsOfRowAlone(int row) const;
     [[nodiscard]] TTextMatch Selected() const;
     void Select(const TTextMatch& match);
     [[nodiscard]] string Expanded(const string& by, const QRegularExpressionMatch& match) const;
+    [[nodiscard]] string Replacement(const string& by, const QRegularExpressionMatch& match) const;
+    [[nodiscard]] TSelectionRange RangeFromLineStart(const TTextMatch& match) const;
+    [[nodiscard]] bool MayReplace() const;
     void Fail(const string& text, int column);
+    void FailForWork();
 
     TAdvCustomMemo& FMemo;
     TJoinedText FText;

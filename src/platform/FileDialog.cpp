@@ -1,8 +1,7 @@
 #include "platform/FileDialog.h"
 
 #include "base/Journal.h"
-
-#include <atomic>
+#include "platform/HostSlot.h"
 
 namespace {
 
@@ -14,16 +13,14 @@ public:
     }
 };
 
-std::atomic<TFileDialogHost*> RegisteredHost = nullptr;
+THostSlot<TFileDialogHost, THeadlessFileDialogHost> Slot;
 
 } // namespace
 
 TFileDialogHost& FileDialogHost() {
-    static THeadlessFileDialogHost headless;
-    TFileDialogHost* host = RegisteredHost.load();
-    return host ? *host : headless;
+    return Slot.Get();
 }
 
 void SetFileDialogHost(TFileDialogHost* host) {
-    RegisteredHost.store(host);
+    Slot.Set(host);
 }

@@ -1,8 +1,7 @@
 #include "platform/MessageBox.h"
 
 #include "base/Journal.h"
-
-#include <atomic>
+#include "platform/HostSlot.h"
 
 namespace {
 
@@ -14,18 +13,16 @@ public:
     }
 };
 
-std::atomic<TMessageBoxHost*> RegisteredHost = nullptr;
+THostSlot<TMessageBoxHost, THeadlessMessageBoxHost> Slot;
 
 } // namespace
 
 TMessageBoxHost& MessageBoxHost() {
-    static THeadlessMessageBoxHost headless;
-    TMessageBoxHost* host = RegisteredHost.load();
-    return host ? *host : headless;
+    return Slot.Get();
 }
 
 void SetMessageBoxHost(TMessageBoxHost* host) {
-    RegisteredHost.store(host);
+    Slot.Set(host);
 }
 
 int AnswerAsIfClosed(int flags) {

@@ -3,8 +3,7 @@
 #include "base/Journal.h"
 #include "base/Paths.h"
 #include "engine/Document.h"
-
-#include <atomic>
+#include "platform/HostSlot.h"
 
 namespace {
 
@@ -20,18 +19,16 @@ public:
     }
 };
 
-std::atomic<TPasswordPrompt*> RegisteredPrompt = nullptr;
+THostSlot<TPasswordPrompt, TCancellingPrompt> Slot;
 
 } // namespace
 
 TPasswordPrompt& PasswordPrompt() {
-    static TCancellingPrompt cancelling;
-    TPasswordPrompt* prompt = RegisteredPrompt.load();
-    return prompt ? *prompt : cancelling;
+    return Slot.Get();
 }
 
 void SetPasswordPrompt(TPasswordPrompt* prompt) {
-    RegisteredPrompt.store(prompt);
+    Slot.Set(prompt);
 }
 
 bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {

@@ -1,8 +1,7 @@
 #include "scripting/ScriptEditorHost.h"
 
 #include "base/Journal.h"
-
-#include <atomic>
+#include "platform/HostSlot.h"
 
 namespace {
 
@@ -14,16 +13,14 @@ public:
     }
 };
 
-std::atomic<TScriptEditorHost*> RegisteredHost = nullptr;
+THostSlot<TScriptEditorHost, THeadlessScriptEditorHost> Slot;
 
 } // namespace
 
 TScriptEditorHost& ScriptEditorHost() {
-    static THeadlessScriptEditorHost headless;
-    TScriptEditorHost* host = RegisteredHost.load();
-    return host ? *host : headless;
+    return Slot.Get();
 }
 
 void SetScriptEditorHost(TScriptEditorHost* host) {
-    RegisteredHost.store(host);
+    Slot.Set(host);
 }

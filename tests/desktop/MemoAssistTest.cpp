@@ -1,7 +1,7 @@
 // The completion list and the parameter hint, with real keys and clicks.
 #include "MemoFixture.h"
-#include "desktop/memo/CompletionPopup.h"
-#include "desktop/memo/HintWindow.h"
+#include "desktop/memo/assist/CompletionPopup.h"
+#include "desktop/memo/assist/HintWindow.h"
 
 #include <QLineEdit>
 #include <QListView>

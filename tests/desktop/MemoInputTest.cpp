@@ -1,8 +1,8 @@
 // Input methods, the clipboard, and what assistive technology is told.
 #include "MemoFixture.h"
 
-#include "desktop/memo/MemoAccessible.h"
-#include "desktop/memo/MemoClipboard.h"
+#include "desktop/memo/input/MemoAccessible.h"
+#include "desktop/memo/input/MemoClipboard.h"
 
 #include <QAccessible>
 #include <QClipboard>

@@ -2,8 +2,8 @@
 #include "MemoFixture.h"
 
 #include "base/Exceptions.h"
-#include "desktop/memo/MemoClipboard.h"
-#include "desktop/memo/SurrogatePairs.h"
+#include "desktop/memo/input/MemoClipboard.h"
+#include "desktop/memo/input/SurrogatePairs.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>

@@ -1,8 +1,8 @@
 // The mouse in the editor's window: clicks, drags, drops, wheel and menu.
 #include "MemoFixture.h"
 
-#include "desktop/memo/MemoClipboard.h"
-#include "desktop/memo/MemoMouse.h"
+#include "desktop/memo/input/MemoClipboard.h"
+#include "desktop/memo/input/MemoMouse.h"
 
 #include <QContextMenuEvent>
 #include <QDrag>
@@ -306,6 +306,9 @@ TEST_F(MemoMouseTest, TheMiddleButtonPastesThePrimarySelection) {
     EXPECT_EQ(Shown(), "abcdbc|");
     Keys("Shift+Left");
     EXPECT_EQ(primary.Held, "c");
+    primary.Held = "of another program";
+    Keys("Ctrl+C");
+    EXPECT_EQ(primary.Held, "of another program");
     Keys("Right Ctrl+Z");
     EXPECT_EQ(Text(), "abcd\n");
 }

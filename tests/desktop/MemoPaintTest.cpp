@@ -1,7 +1,7 @@
 // What the editor's window paints, read back from its pixels.
 #include "MemoFixture.h"
-#include "desktop/memo/MemoColors.h"
-#include "desktop/memo/MemoGutter.h"
+#include "desktop/memo/paint/MemoColors.h"
+#include "desktop/memo/paint/MemoGutter.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,7 +1,7 @@
 // The pane around the editor: finding, replacing, going to lines, the status line.
 #include "desktop/memo/MemoPane.h"
 #include "MemoFixture.h"
-#include "desktop/memo/FindBar.h"
+#include "desktop/memo/bars/FindBar.h"
 
 #include <QAbstractButton>
 #include <QDialog>
@@ -107,6 +107,7 @@ TEST_F(MemoPaneTest, TakesOverASelectionAndSaysWhatIsWrong) {
     EXPECT_EQ(Pane().StatusLine().Message().Kind(), TMessageKind::Error);
     EXPECT_TRUE(Message().starts_with("Column 3: ")) << Message();
     Write("x");
+    EXPECT_EQ(Message(), "");
     EXPECT_EQ(text->palette().color(QPalette::Base), plain);
     EXPECT_EQ(Shown("Matches"), "1 of 1");
     Write("y");

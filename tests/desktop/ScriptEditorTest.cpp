@@ -3,7 +3,7 @@
 #include "actions/DocumentScriptEngine.h"
 #include "desktop/ScriptEditorDialog.h"
 #include "desktop/memo/MemoPane.h"
-#include "editor/JSMemoStyler.h"
+#include "platform/StopSignal.h"
 
 #include <QPushButton>
 #include <QTest>
@@ -57,6 +57,8 @@ private:
 
 class ScriptEditorTest : public DesktopTest {
 protected:
+    ScriptEditorTest() { StopSignal().Lower(); } // agents of other tests have ended
+
     enum class Answer { No, Yes };
     /// Shows `source`, lets `user` work on it, and closes the dialog if that didn't.
     Answer Edit(string& source, const std::function<void(TOpenEditor&)>& user, TJSEngine* engine,

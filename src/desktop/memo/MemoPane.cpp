@@ -1,7 +1,7 @@
 #include "desktop/memo/MemoPane.h"
 
-#include "desktop/memo/FindBar.h"
-#include "desktop/memo/GoToLine.h"
+#include "desktop/memo/bars/FindBar.h"
+#include "desktop/memo/bars/GoToLine.h"
 #include "editor/LinePlace.h"
 
 #include <QShortcut>

@@ -2,7 +2,7 @@
 // The script editor as dialogs use it: the editor's window with its find bar, its go-to-line bar and its
 // status line, and the keys that lead to them.
 #include "desktop/memo/MemoWidget.h"
-#include "desktop/memo/StatusLine.h"
+#include "desktop/memo/bars/StatusLine.h"
 #include "editor/LineCommands.h"
 #include "editor/TextSearch.h"
 

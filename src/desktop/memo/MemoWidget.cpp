@@ -1,13 +1,13 @@
 #include "desktop/memo/MemoWidget.h"
 
-#include "desktop/memo/AssistWindows.h"
-#include "desktop/memo/MemoAccessible.h"
-#include "desktop/memo/MemoClipboard.h"
-#include "desktop/memo/MemoInput.h"
-#include "desktop/memo/MemoKeyboard.h"
-#include "desktop/memo/MemoMouse.h"
-#include "desktop/memo/MemoPainter.h"
-#include "desktop/memo/SurrogatePairs.h"
+#include "desktop/memo/assist/AssistWindows.h"
+#include "desktop/memo/input/MemoAccessible.h"
+#include "desktop/memo/input/MemoClipboard.h"
+#include "desktop/memo/input/MemoInput.h"
+#include "desktop/memo/input/MemoKeyboard.h"
+#include "desktop/memo/input/MemoMouse.h"
+#include "desktop/memo/input/SurrogatePairs.h"
+#include "desktop/memo/paint/MemoPainter.h"
 
 #include <QApplication>
 #include <QPaintEvent>
