@@ -1,5 +1,7 @@
 #include "desktop/memo/MemoRow.h"
 
+#include <QGlyphRun>
+
 #include <algorithm>
 #include <cmath>
 
