@@ -1,7 +1,7 @@
 #pragma once
 // The vocabulary of the desktop's tests: a desktop in memory, and what is done with a window once it is
 // shown.
-#include "RealKeys.h"
+#include "RealInput.h"
 #include "desktop/Desktop.h"
 #include "platform/MessagePump.h"
 
@@ -26,7 +26,7 @@ public:
 
 protected:
     DesktopTest() {
-        RealKeys::ChoosePlatform();
+        RealInput::ChoosePlatform();
         FDesktop = std::make_unique<TDesktop>();
         FPump = std::make_unique<TMessagePump>();
     }

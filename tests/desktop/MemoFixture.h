@@ -1,6 +1,6 @@
 #pragma once
 // The editor's window on a desktop that paints into memory, with real events.
-#include "RealKeys.h"
+#include "RealInput.h"
 #include "desktop/Desktop.h"
 #include "desktop/memo/MemoWidget.h"
 #include "editor/JSMemoStyler.h"
@@ -69,9 +69,9 @@ protected:
     [[nodiscard]] TAdvMemo& Memo() { return FWidget->Memo(); }
     [[nodiscard]] std::string Text() { return Memo().Text().toStdString(); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        RealKeys::Click(FWidget.get(), key, modifiers);
+        RealInput::Click(FWidget.get(), key, modifiers);
     }
-    void Type(const char* text) { RealKeys::Type(FWidget.get(), QString::fromUtf8(text)); }
+    void Type(const char* text) { RealInput::Type(FWidget.get(), QString::fromUtf8(text)); }
 
     /// A place in the middle of the row, this many pixels right of a column's left edge.
     [[nodiscard]] QPoint At(int column, int row, int dx = 0) {
@@ -86,7 +86,7 @@ protected:
 private:
     struct TOffscreen {
         TOffscreen() {
-            RealKeys::ChoosePlatform();
+            RealInput::ChoosePlatform();
             Desktop = std::make_unique<TDesktop>();
         }
         std::unique_ptr<TDesktop> Desktop;

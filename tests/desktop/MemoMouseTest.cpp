@@ -18,6 +18,10 @@ protected:
     [[nodiscard]] QWidget* Viewport() { return FWidget->viewport(); }
     void Mouse(QEvent::Type type, QPoint pos, Qt::KeyboardModifiers modifiers = {},
                Qt::MouseButton button = Qt::LeftButton) {
+        if (RealInput::On()) {
+            RealInput::Mouse(type, Viewport()->mapToGlobal(pos), modifiers, button);
+            return;
+        }
         const bool move = type == QEvent::MouseMove;
         QMouseEvent event(type, pos, Viewport()->mapToGlobal(pos), move ? Qt::NoButton : button,
                           type == QEvent::MouseButtonRelease ? Qt::NoButton : button, modifiers);
@@ -32,8 +36,16 @@ protected:
         Press(pos, modifiers);
         Release(pos);
     }
+    /// Clicks of the test before don't count.
+    void Given(const QString& text) {
+        if (RealInput::On())
+            QApplication::setDoubleClickInterval(0);
+        MemoWindowTest::Given(text);
+    }
     void DoublePress(QPoint pos) {
         Click(pos);
+        if (RealInput::On())
+            QApplication::setDoubleClickInterval(400);
         Mouse(QEvent::MouseButtonDblClick, pos);
     }
     void Drag(QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {

@@ -37,9 +37,9 @@ public:
             texts.append(entry.Text);
         return texts;
     }
-    void Type(const char* text) { RealKeys::Type(&Editor(), QString::fromUtf8(text)); }
+    void Type(const char* text) { RealInput::Type(&Editor(), QString::fromUtf8(text)); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        RealKeys::Click(QApplication::focusWidget(), key, modifiers);
+        RealInput::Click(QApplication::focusWidget(), key, modifiers);
     }
     void Click(const char* caption) {
         for (QPushButton* button : FForm.findChildren<QPushButton*>())
