@@ -5,6 +5,7 @@
 #include "base/Text.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QKeyEvent>
 #include <QProcess>
 #include <QTest>
@@ -45,8 +46,8 @@ inline void Run(const QStringList& words, const QList<QEvent::Type>& types, int 
     QProcess program;
     program.start(QStringLiteral("xdotool"), words);
     QVERIFY2(QTest::qWaitFor([&] { return program.state() == QProcess::NotRunning; }), "xdotool");
-    // A window may be closed before the last of it comes, and a mouse that is there already doesn't move.
-    constexpr int Longest = 300; // milliseconds
+    // A key may close the window that its release would have come to.
+    constexpr int Longest = 3000; // milliseconds
     [[maybe_unused]] const bool all = QTest::qWaitFor([&] { return arrivals.Count >= count; }, Longest);
 }
 
@@ -107,12 +108,17 @@ inline void Type(QWidget* widget, const QString& text) {
 /// The mouse goes to a place of the screen and its button goes down or up there. What is no press and no
 /// release is a move alone.
 inline void Mouse(QEvent::Type type, QPoint place, Qt::KeyboardModifiers modifiers, Qt::MouseButton button) {
-    QStringList words{QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())};
+    static bool down = false;
     const bool presses = type == QEvent::MouseButtonPress || type == QEvent::MouseButtonDblClick;
-    if (!presses && type != QEvent::MouseButtonRelease) {
-        Run(words, {QEvent::MouseMove}, 1);
+    const bool releases = type == QEvent::MouseButtonRelease;
+    QStringList words{QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())};
+    if (releases && !std::exchange(down, false))
+        return;
+    if (!presses && !releases) {
+        Run(words, {QEvent::MouseMove}, QCursor::pos() == place ? 0 : 1);
         return;
     }
+    down = presses;
     const QStringList held = NamesOf(modifiers);
     for (const QString& key : held)
         words += {QStringLiteral("keydown"), key};
