@@ -80,7 +80,7 @@ TEST_F(MemoAssistTest, KeysInTheOpenList) {
         Memo().SetText("\n");
         TypeAndOpen();
         for (const Qt::Key key : c.Keys)
-            QTest::keyClick(FWidget.get(), key);
+            Key(key);
         EXPECT_EQ(Line(), c.Line);
         EXPECT_EQ(Open() ? Popup()->View().currentIndex().row() : -1, c.Selected);
         Completion().CloseCompletionList();
@@ -89,9 +89,9 @@ TEST_F(MemoAssistTest, KeysInTheOpenList) {
 }
 
 TEST_F(MemoAssistTest, AKeyWithinTheDelayKeepsTheListShut) {
-    Completion().FAutoCompletion.Delay = 50;
+    Completion().FAutoCompletion.Delay = 300;
     Type("Document.s");
-    EXPECT_FALSE(QTest::qWaitFor([this] { return Open(); }, 200));
+    EXPECT_FALSE(QTest::qWaitFor([this] { return Open(); }, 500));
 }
 
 TEST_F(MemoAssistTest, TheListNeitherTakesTheKeyboardNorOutlivesIt) {
@@ -200,7 +200,9 @@ TEST_F(MemoAssistTest, TheHintComesAfterARestWhileTheEditorHasTheFocus) {
 }
 
 TEST_F(MemoAssistTest, ListAndHintDontCoverEachOther) {
+    Completion().FAutoCompletion.Active = false; // the bracket opens a list, too
     Type("SaveAs(1");
+    Completion().FAutoCompletion.Active = true;
     Key(Qt::Key_Space, Qt::ControlModifier | Qt::ShiftModifier);
     ASSERT_TRUE(HintShows());
     TypeAndOpen(", Document.");

@@ -10,6 +10,8 @@
 #include <QProcess>
 #include <QTest>
 
+#include <algorithm>
+
 namespace RealInput {
 
 [[nodiscard]] inline bool On() {
@@ -53,14 +55,29 @@ inline void Run(const QStringList& words, const QList<QEvent::Type>& types, int 
 
 [[nodiscard]] inline QString NameOf(Qt::Key key) {
     static const QHash<int, const char*> names{
-        {Qt::Key_Return, "Return"}, {Qt::Key_Enter, "KP_Enter"}, {Qt::Key_Backspace, "BackSpace"},
-        {Qt::Key_Delete, "Delete"}, {Qt::Key_Insert, "Insert"},  {Qt::Key_Home, "Home"},
-        {Qt::Key_End, "End"},       {Qt::Key_PageUp, "Prior"},   {Qt::Key_PageDown, "Next"},
-        {Qt::Key_Left, "Left"},     {Qt::Key_Right, "Right"},    {Qt::Key_Up, "Up"},
-        {Qt::Key_Down, "Down"},     {Qt::Key_Tab, "Tab"},        {Qt::Key_Backtab, "Tab"},
-        {Qt::Key_Escape, "Escape"}, {Qt::Key_Space, "space"},    {Qt::Key_Slash, "slash"},
-        {Qt::Key_Plus, "plus"},     {Qt::Key_Equal, "equal"},    {Qt::Key_Minus, "minus"},
+        {Qt::Key_Return, "Return"},
+        {Qt::Key_Enter, "KP_Enter"},
+        {Qt::Key_Backspace, "BackSpace"},
+        {Qt::Key_Delete, "Delete"},
+        {Qt::Key_Insert, "Insert"},
+        {Qt::Key_Home, "Home"},
+        {Qt::Key_End, "End"},
+        {Qt::Key_PageUp, "Prior"},
+        {Qt::Key_PageDown, "Next"},
+        {Qt::Key_Left, "Left"},
+        {Qt::Key_Right, "Right"},
+        {Qt::Key_Up, "Up"},
+        {Qt::Key_Down, "Down"},
+        {Qt::Key_Tab, "Tab"},
+        {Qt::Key_Backtab, "Tab"},
+        {Qt::Key_Escape, "Escape"},
+        {Qt::Key_Space, "space"},
+        {Qt::Key_Slash, "slash"},
+        {Qt::Key_Plus, "plus"},
+        {Qt::Key_Equal, "equal"},
+        {Qt::Key_Minus, "minus"},
         {Qt::Key_Menu, "Menu"},
+        {Qt::Key_Semicolon, "semicolon"},
     };
     if (const auto found = names.constFind(key); found != names.cend())
         return QString::fromLatin1(*found);
@@ -91,10 +108,14 @@ inline void Click(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers 
 /// Typed text. What the keyboard of the display doesn't have comes as events that are made up.
 inline void Type(QWidget* widget, const QString& text) {
     const auto plain = [](QChar c) { return c.unicode() >= 32 && c.unicode() < 127; };
+    const auto shifted = [](QChar c) {
+        return c.isUpper() || QStringView(u"~!@#$%^&*()_+{}|:\"<>?").contains(c);
+    };
     if (On() && std::all_of(text.begin(), text.end(), plain)) {
+        const auto shifts = std::count_if(text.begin(), text.end(), shifted); // a key of its own each time
         Run({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("1"), QStringLiteral("--"),
              text},
-            {QEvent::KeyRelease}, int(text.size()));
+            {QEvent::KeyRelease}, int(text.size() + shifts));
         return;
     }
     for (const uint code : text.toUcs4()) {
