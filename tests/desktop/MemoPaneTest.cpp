@@ -29,7 +29,7 @@ protected:
         FDialog.show();
         FDialog.activateWindow();
         Pane().Editor().setFocus();
-        QApplication::processEvents();
+        (void)QTest::qWaitForWindowActive(&FDialog);
     }
     ~MemoPaneTest() override { delete FPane; }
 
