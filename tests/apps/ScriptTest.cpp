@@ -170,10 +170,10 @@ TEST_F(EditScriptTest, SavesInTheFormThatTheFileHad) {
 }
 
 TEST_F(EditScriptTest, WritesNothingOnCancelOrWhereNothingChanged) {
-    FFiles.Write("a.js", "a;\r\nb;");
+    FFiles.Write("a.js", "a;\r\n\tb;");
     const auto before = Info("a.js");
     EXPECT_EQ(EditScript(FFiles.Path("a.js")), ExitDone);
-    Typed = {"a;\nb;\n"};
+    Typed = {"a;\n    b;\n"};
     EXPECT_EQ(EditScript(FFiles.Path("a.js")), ExitDone);
     EXPECT_EQ(Info("a.js").st_ino, before.st_ino);
     EXPECT_EQ(Info("a.js").st_mtim.tv_nsec, before.st_mtim.tv_nsec);

@@ -3,6 +3,8 @@
 #include "base/Exceptions.h"
 #include "base/PartFile.h"
 #include "base/Paths.h"
+#include "editor/LineStore.h"
+#include "editor/MemoSettings.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -16,6 +18,11 @@ const string LineFeed = QStringLiteral("\n");
 
 string WithLineFeeds(string text) {
     return text.replace(QStringLiteral("\r\n"), LineFeed).replace(u'\r', u'\n');
+}
+
+/// As the editor shows it, which has blanks for tabs.
+string AsShown(const string& text) {
+    return TabsToBlanks(WithLineFeeds(text), TMemoSettings().FTabSize);
 }
 
 QStringView WithoutLastLineEnd(const string& text) {
@@ -96,8 +103,8 @@ void TScriptFile::RequireSavable() const {
 }
 
 bool TScriptFile::WouldChange(const string& text) const {
-    const string now = WithLineFeeds(text);
-    const string then = WithLineFeeds(FText);
+    const string now = AsShown(text);
+    const string then = AsShown(FText);
     return !Exists() || WithoutLastLineEnd(now) != WithoutLastLineEnd(then);
 }
 

@@ -23,8 +23,8 @@ public:
 
     /// Raises EFileError where the file could not be saved now.
     void RequireSavable() const;
-    /// Whether saving the text would leave another text in the file. Line ends don't count, and neither does
-    /// one at the end of the text, which editors add.
+    /// Whether saving the text would leave another text in the file. Line ends don't count, neither does one
+    /// at the end of the text, which editors add, nor blanks in the place of tabs.
     [[nodiscard]] bool WouldChange(const string& text) const;
     /// Saves the text whole or not at all, with the permissions, the encoding and the line ends that the file
     /// had. False, and nothing is written, if the file holds something else by now than what was read, unless
