@@ -6,12 +6,16 @@
 TConfigurationFile::TConfigurationFile(const string& path, std::function<void(const string&)> load)
     : FPath(path), FLoad(std::move(load)) {}
 
-void TConfigurationFile::LoadFirst() {
+bool TConfigurationFile::LoadFirst() {
+    const TReadLease lease(FPath);
+    if (lease.Refused())
+        return false;
     FLoad(FPath);
     if (!FileExists(FPath))
-        return;
+        return true;
     FTime = LastWriteTime(FPath);
     FHash = TMD5Hash::MD5File(FPath);
+    return true;
 }
 
 bool TConfigurationFile::LoadIfChanged() {

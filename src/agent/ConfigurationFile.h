@@ -8,9 +8,9 @@ class TConfigurationFile {
 public:
     TConfigurationFile(const string& path, std::function<void(const string&)> load);
 
-    /// Loads for the first time. A file that is absent counts as time 0 with an empty digest; raises what
-    /// loading raises.
-    void LoadFirst();
+    /// Loads for the first time. A file that is absent counts as time 0 with an empty digest, and so does one
+    /// that is open for writing, which makes the answer false; raises what loading raises.
+    [[nodiscard]] bool LoadFirst();
     /// Loads if the file is newer than when last looked at and its contents differ from the last load.
     /// False if it couldn't be looked at, being absent or open for writing.
     [[nodiscard]] bool LoadIfChanged();

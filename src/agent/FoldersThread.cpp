@@ -45,8 +45,10 @@ void TWatchedFoldersThread::Execute() {
 }
 
 void TWatchedFoldersThread::Prepare() {
-    FFoldersFile.LoadFirst();
-    FActionsFile.LoadFirst();
+    const bool folders = FFoldersFile.LoadFirst();
+    const bool actions = FActionsFile.LoadFirst();
+    if (!folders || !actions)
+        FDirChanged.store(true, std::memory_order_relaxed); // the next tick looks again
     ForceDirectories(FconfigPath + "logs");
     NameLogFile();
 }

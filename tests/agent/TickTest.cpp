@@ -98,6 +98,20 @@ TEST_F(Tick, FileOpenForWritingIsLookedAtLater) {
     EXPECT_EQ(DisabledLines("/b"), 1);
 }
 
+TEST_F(Tick, AFileOpenForWritingAtTheStartIsReadOnceItIsClosed) {
+    WriteActions({});
+    FWorkspace.Write("c/watchedfolders.xml", "<Wat"); // half of it
+    const int writer = ::open(FWorkspace.Path("c/watchedfolders.xml").toUtf8(), O_WRONLY);
+    if (HeldForWriting(FWorkspace.Path("c/watchedfolders.xml"))) {
+        Play();
+        EXPECT_FALSE(FThread->Finished());
+    }
+    ::close(writer);
+    ConfigureDisabled("/a", "1");
+    Play();
+    EXPECT_EQ(DisabledLines("/a"), 1);
+}
+
 TEST_F(Tick, RefreshLoadsWhateverTheTime) {
     ConfigureDisabled("/a", "1");
     Play();
