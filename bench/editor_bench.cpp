@@ -1,5 +1,6 @@
 // How fast the script editor's control is with a megabyte of text. Prints one line a measurement and fails
 // where a promise is broken.
+#include "EditorScript.h"
 #include "editor/JSMemoStyler.h"
 #include "editor/Memo.h"
 
@@ -7,31 +8,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <vector>
 
 namespace {
 
 constexpr int Lines = 25000;
 constexpr int PageRows = 60;
-
-QByteArray Script(int lines) {
-    QByteArray text;
-    for (int i = 0; i < lines; ++i) {
-        static const char* const Kinds[] = {"function f(a) {", "  var b = \"text\" + 12.5; // why",
-                                            "  if (a > b) return /* no */ a;",
-                                            "  Document.SaveAs('x', a, b);", "}"};
-        text += QByteArray(Kinds[i % 5]).leftJustified(39, 'x') + '\n';
-    }
-    return text;
-}
-
-/// Processor time of this thread, in nanoseconds: what other programs take doesn't count.
-qint64 Now() {
-    timespec time;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return qint64(time.tv_sec) * 1000000000 + time.tv_nsec;
-}
 
 template <class F> double Milliseconds(F run) {
     const qint64 start = Now();

@@ -1,6 +1,7 @@
 // How fast the script editor's window is with a megabyte of text: from the event to the painted frame, on a
 // desktop that paints into memory. Prints one line a measurement and fails where a promise is broken.
 // QT_SCALE_FACTOR=2 measures a fine screen.
+#include "EditorScript.h"
 #include "desktop/memo/MemoWidget.h"
 #include "editor/JSMemoStyler.h"
 
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <functional>
 #include <vector>
 
@@ -19,24 +19,6 @@ namespace {
 
 constexpr int Lines = 25000;
 constexpr double Frame = 16; // milliseconds
-
-QString Script(int lines) {
-    QByteArray text;
-    for (int i = 0; i < lines; ++i) {
-        static const char* const Kinds[] = {"function f(a) {", "  var b = \"text\" + 12.5; // why",
-                                            "  if (a > b) return /* no */ a;",
-                                            "  Document.SaveAs('x', a, b);", "}"};
-        text += QByteArray(Kinds[i % 5]).leftJustified(39, 'x') + '\n';
-    }
-    return QString::fromLatin1(text);
-}
-
-/// Processor time of this thread, in nanoseconds: what other programs take doesn't count.
-qint64 Now() {
-    timespec time;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return qint64(time.tv_sec) * 1000000000 + time.tv_nsec;
-}
 
 /// An editor on the screen, and the events that a user makes.
 class TBench : public QObject {
@@ -173,7 +155,7 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     TBench bench;
     std::printf("scale %g\n", application.devicePixelRatio());
-    const QString text = Script(Lines);
+    const QString text = QString::fromLatin1(Script(Lines));
     bench.Measure("open 1 MB", 300, 5, [&] { bench.Memo().SetText(text); });
     Typing(bench);
     Scrolling(bench);
