@@ -137,16 +137,21 @@ void TfrmJavaScriptEditor::TeButton1Click() {
         ShowError();
 }
 
-/// The dialog stays open; the engine's word on the error shows where it is.
+/// The dialog stays open; the engine's word on the error shows where it is, if it is anywhere.
 void TfrmJavaScriptEditor::ShowError() {
     const TJSMessage message = FEngine->LastMessage();
     jsScript->ErrorMarks().Clear();
-    const int row = std::clamp(message.Line - 1, 0, std::max(0, jsScript->Lines().Count() - 1));
-    const int column = std::clamp(message.Column - 1, 0, jsScript->LineLength(row));
+    if (message.Line <= 0) {
+        FPane->ShowMessage(message.Text, TMessageKind::Error);
+        return;
+    }
+    const int row = message.Line - 1;
+    const int column = std::max(0, message.Column - 1);
     int wordStart = 0;
     int wordEnd = 0;
     jsScript->Words().WordBounds(column, row, wordStart, wordEnd);
-    jsScript->ErrorMarks().Set(row, column, std::max(1, wordEnd - column));
-    FPane->GoTo(row + 1, column + 1);
-    FPane->ShowMessage(QStringLiteral("Line %1: %2").arg(row + 1).arg(message.Text), TMessageKind::Error);
+    jsScript->ErrorMarks().Set(row, column, wordEnd - column);
+    FPane->GoTo(message.Line, message.Column);
+    FPane->ShowMessage(QStringLiteral("Line %1: %2").arg(message.Line).arg(message.Text),
+                       TMessageKind::Error);
 }

@@ -46,7 +46,6 @@ public:
     int MostTime = 40;
 
     void SetQuery(const TSearchQuery& query);
-    [[nodiscard]] const TSearchQuery& Query() const { return FQuery; }
     /// Why the expression can't be searched; empty if it can.
     [[nodiscard]] const string& Error() const { return FError; }
     [[nodiscard]] int ErrorColumn() const { return FErrorColumn; } ///< from 1; 0 for no place

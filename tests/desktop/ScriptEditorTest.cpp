@@ -137,6 +137,19 @@ TEST_F(ScriptEditorTest, AnErrorKeepsTheDialogOpenAndSaysWhere) {
     EXPECT_EQ(source, "var a = 1;\nvar b = 2;\n");
 }
 
+TEST_F(ScriptEditorTest, AnErrorWithoutAPlaceIsToldWithoutOne) {
+    string source = string(100'000, '(');
+    EXPECT_EQ(Edit(source,
+                   [](TOpenEditor& editor) {
+                       editor.Click("OK");
+                       EXPECT_TRUE(editor.IsOpen());
+                       EXPECT_FALSE(editor.Message().empty());
+                       EXPECT_THAT(editor.Message(), Not(HasSubstr("Line 0")));
+                       EXPECT_TRUE(editor.Editor().Memo().ErrorMarks().Of(0).empty());
+                   }),
+              Answer::No);
+}
+
 TEST_F(ScriptEditorTest, ConfirmingRunsNothing) {
     string source = "globalThis.ran = true; throw new Error('no')";
     EXPECT_EQ(Edit(source, [](TOpenEditor& editor) { editor.Click("OK"); }), Answer::Yes);

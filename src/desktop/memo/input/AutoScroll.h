@@ -15,7 +15,6 @@ public:
     /// The drag is at `pos`; outside is what lies beyond `inner`. `cell` is the way that counts for one more.
     void Aim(QPoint pos, const QRect& inner, QSize cell);
     void Stop() { FTimer.stop(); }
-    [[nodiscard]] bool IsRunning() const { return FTimer.isActive(); }
 
 private:
     QTimer FTimer;
