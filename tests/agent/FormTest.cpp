@@ -200,8 +200,8 @@ TEST_F(FormTest, ASecondInstancesCommandLineIsDropped) {
 
 TEST_F(FormTest, StoppingAnswersABoxThatTheRunWaitsFor) {
     // Files that need an answer before they can be listed.
-    struct TAskingFiles : TFolderFiles {
-        QStringList ReadyFiles(const string&, qint64) override {
+    struct TAskingFiles : TPlainFiles {
+        QStringList ReadyFiles(const TFolder&, qint64, const TQuietTime&) override {
             [[maybe_unused]] const int answer = MessageBoxHost().Show("Go on?", "", MB_OKCANCEL);
             return {};
         }
