@@ -75,7 +75,7 @@ void TfrmFoldersAgent::FormCreate() {
 
 void TfrmFoldersAgent::StartThreads(const string& path) {
     FWatchedFoldersThread =
-        std::make_unique<TWatchedFoldersThread>(path, TRunHost{FHost.Clock, FHost.Files, *this});
+        std::make_unique<TWatchedFoldersThread>(path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus});
     FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); });
 }
 

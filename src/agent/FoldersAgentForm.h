@@ -2,6 +2,7 @@
 // TfrmFoldersAgent: the application's main form. It is never shown; it stands for the agent in the tray,
 // starts the folders thread, the control pipe and the watch of the configuration folder, and stops them in
 // order.
+#include "agent/AgentStatus.h"
 #include "agent/NamedPipeThread.h"
 #include "agent/RunHost.h"
 #include "base/ObjectList.h"
@@ -77,6 +78,7 @@ private:
     [[nodiscard]] bool Raise(TFlag flag);
 
     TFormHost FHost;
+    TAgentStatus FStatus;
     bool FTerminated = false;
     THiddenWindow FWindow;
     /// The list of jobs that cron masks would start. Always empty: the folders' schedule is their CheckEvery.

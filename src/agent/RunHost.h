@@ -34,10 +34,13 @@ public:
     virtual void SetHint(const string& text) = 0;
 };
 
+class TAgentStatus;
+
 struct TRunHost {
     TRunClock& Clock;
     TFolderFiles& Files;
     TTrayHint& Hint;
+    TAgentStatus& Status;
 };
 
 /// The application's title, which is also the hint of an idle run.

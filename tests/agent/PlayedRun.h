@@ -44,8 +44,8 @@ protected:
     void Start() {
         FClock.Restart();
         RegisterActionClasses();
-        FThread =
-            std::make_unique<TWatchedFoldersThread>(FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint});
+        FThread = std::make_unique<TWatchedFoldersThread>(FWorkspace.Path("c/"),
+                                                          TRunHost{FClock, FFiles, FHint, FStatus});
     }
     void Play(int ticks = 1) {
         if (FThread == nullptr)
@@ -77,5 +77,6 @@ protected:
     TPlayedClock FClock;
     TPlainFiles FFiles;
     TNotedHint FHint;
+    TAgentStatus FStatus;
     std::unique_ptr<TWatchedFoldersThread> FThread;
 };

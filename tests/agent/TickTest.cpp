@@ -158,7 +158,7 @@ TEST_F(Tick, StopBetweenActionsSavesAndKeepsTheSource) {
     Drop("b.pdf");
     TStoppingHint hint;
     RegisterActionClasses();
-    TWatchedFoldersThread thread(FWorkspace.Path("c/"), {FClock, FFiles, hint});
+    TWatchedFoldersThread thread(FWorkspace.Path("c/"), {FClock, FFiles, hint, FStatus});
     hint.Thread = &thread;
     FClock.PlayOne();
     thread.WaitFor();

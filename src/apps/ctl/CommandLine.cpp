@@ -3,6 +3,7 @@
 #include "apps/ctl/ConfigurationCommands.h"
 #include "apps/ctl/PipeCommands.h"
 #include "base/Exceptions.h"
+#include "base/Version.h"
 
 #include <QCommandLineParser>
 
@@ -109,7 +110,7 @@ TOutcome RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
     if (parser.isSet("help"))
         return {ExitDone, HelpText()};
     if (parser.isSet("version"))
-        return {ExitDone, QStringLiteral("morvanectl " MORVANE_VERSION)};
+        return {ExitDone, QStringLiteral("morvanectl ") + ProgramVersion()};
     return RunWords(parser.positionalArguments(), TimeoutMsOf(parser.value("timeout")));
 }
 
