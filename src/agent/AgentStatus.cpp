@@ -64,14 +64,22 @@ void TAgentStatus::SetAgent(TAgentState state, const string& reason) {
     FReason = reason;
 }
 
+void TAgentStatus::Ticked() {
+    const std::lock_guard guard(FLock);
+    FTicked = std::chrono::steady_clock::now();
+}
+
 void TAgentStatus::SetFolders(const QStringList& names) {
     const std::lock_guard guard(FLock);
     std::vector<TFolder> folders;
     for (const string& name : names) {
         const bool again = std::any_of(folders.begin(), folders.end(),
                                        [&](const TFolder& folder) { return folder.Name == name; });
-        if (!again)
-            folders.push_back(Find(name));
+        if (again)
+            continue;
+        TFolder& folder = folders.emplace_back(Find(name));
+        if (folder.State == TFolderState::Paused)
+            folder = {folder.Name, {}, {}, {}, folder.Counts};
     }
     FFolders = std::move(folders);
 }
@@ -139,7 +147,7 @@ TAgentState TAgentStatus::Agent() const {
 std::vector<TAgentStatus::TTrouble> TAgentStatus::Troubles() const {
     const std::lock_guard guard(FLock);
     std::vector<TTrouble> troubles;
-    if (FAgent == TAgentState::Ended || FAgent == TAgentState::Waiting)
+    if (FAgent == TAgentState::Ended)
         troubles.push_back({QStringLiteral("agent"), FReason});
     for (const TList* list : {&FFolderList, &FActionList})
         if (!list->Fault.isEmpty())
@@ -207,6 +215,8 @@ QByteArray TAgentStatus::ToJson() const {
     json["since"] = TimeText(FSince);
     json["state"] = Word(FAgent);
     json["reason"] = FReason;
+    json["secondsSinceTick"] = qint64(
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - FTicked).count());
     json["lists"] = QJsonObject{{"folders", ListJson(FFolderList)}, {"actions", ListJson(FActionList)}};
     json["folders"] = folders;
     return QJsonDocument(json).toJson(QJsonDocument::Compact);

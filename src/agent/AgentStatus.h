@@ -6,6 +6,7 @@
 #include <QDateTime>
 #include <QStringList>
 
+#include <chrono>
 #include <mutex>
 #include <vector>
 
@@ -50,7 +51,10 @@ public:
     explicit TAgentStatus(const QDateTime& since = QDateTime::currentDateTime()) : FSince(since) {}
 
     void SetAgent(TAgentState state, const string& reason = {});
-    /// The folders in force, in their order. One that was there before keeps its state and counts.
+    /// The folders thread has begun another tick.
+    void Ticked();
+    /// The folders in force, in their order. One that was there before keeps its state, unless that is
+    /// Paused, and its counts.
     void SetFolders(const QStringList& names);
 
     // A folder that SetFolders hasn't named is added.
@@ -98,6 +102,7 @@ private:
 
     mutable std::mutex FLock;
     const QDateTime FSince;
+    std::chrono::steady_clock::time_point FTicked = std::chrono::steady_clock::now();
     TAgentState FAgent = TAgentState::Starting;
     string FReason;
     std::vector<TFolder> FFolders;

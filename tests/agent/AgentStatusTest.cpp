@@ -46,7 +46,7 @@ TEST(AgentStatus, TroublesAndTheSummaryFollowTheFaults) {
     status.SetAgent(TAgentState::Waiting, "Waits.");
     EXPECT_EQ(status.Summary(), "Waits.");
     using TTroubles = std::vector<TAgentStatus::TTrouble>;
-    EXPECT_EQ(status.Troubles(), TTroubles({{"agent", "Waits."}, {"folders", "line 3"}}));
+    EXPECT_EQ(status.Troubles(), TTroubles({{"folders", "line 3"}}));
     status.SetAgent(TAgentState::Serving);
     status.ListsLoaded(TListKind::Folders, Noon);
     EXPECT_TRUE(status.ToJson().contains(

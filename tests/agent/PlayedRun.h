@@ -44,8 +44,8 @@ protected:
     void Start() {
         FClock.Restart();
         RegisterActionClasses();
-        FThread = std::make_unique<TWatchedFoldersThread>(FWorkspace.Path("c/"),
-                                                          TRunHost{FClock, FFiles, FHint, FStatus});
+        FThread = std::make_unique<TWatchedFoldersThread>(
+            FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint, FStatus}, FSettings);
     }
     void Play(int ticks = 1) {
         if (FThread == nullptr)
@@ -78,5 +78,6 @@ protected:
     TPlainFiles FFiles;
     TNotedHint FHint;
     TAgentStatus FStatus;
+    TRunSettings FSettings;
     std::unique_ptr<TWatchedFoldersThread> FThread;
 };
