@@ -11,9 +11,11 @@
 #include "timers/CronJob.h"
 
 #include <atomic>
+#include <cstdlib>
 
 class TFolderWatch;
 class TWatchedFoldersThread;
+struct TRunSettings;
 
 /// What a form's run needs from outside; both outlive the form.
 struct TFormHost {
@@ -46,10 +48,11 @@ public:
     TImageList ImageList1;
     TTrayIcon TrayIcon1;
 
-    /// Tells the application to end, whatever boxes are open.
-    void Terminate();
+    /// Tells the application to end with this exit code, whatever boxes are open.
+    void Terminate(int exitCode = EXIT_SUCCESS);
     /// It has been told; the event loop need not be begun.
     [[nodiscard]] bool Terminated() const { return FTerminated; }
+    [[nodiscard]] int ExitCode() const { return FExitCode; }
 
     /// Null where no configuration folder was found, and after the stop.
     [[nodiscard]] const TWatchedFoldersThread* FoldersThread() const { return FWatchedFoldersThread.get(); }
@@ -60,7 +63,8 @@ public:
     /// stays and is painted. A second call does nothing.
     void StopThreads(TWindowSystem windows = TWindowSystem::Alive);
 
-    void SetHint(const string& text) override { TrayIcon1.SetHint(text); }
+    void SetHint(const string& text) override;
+    void StatusTold() override;
     void RefreshFolders() override;
     void RefreshActions() override;
 
@@ -70,7 +74,7 @@ private:
     void FormCreate();
     void FormDestroy();
     void FillTrayIcon();
-    void StartThreads(const string& path);
+    void StartThreads(const string& path, const TRunSettings& settings);
     void StartWatch(const string& path);
     void FolderChanged(TFolderWatch& sender);
     void Exit1Click() { Terminate(); }
@@ -79,7 +83,9 @@ private:
 
     TFormHost FHost;
     TAgentStatus FStatus;
+    std::vector<TAgentStatus::TTrouble> FTroubles; ///< those that were told; of the folders thread alone
     bool FTerminated = false;
+    int FExitCode = EXIT_SUCCESS;
     THiddenWindow FWindow;
     /// The list of jobs that cron masks would start. Always empty: the folders' schedule is their CheckEvery.
     std::unique_ptr<TObjectList<TZQCronJob>> FCronJobs;
