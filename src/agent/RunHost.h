@@ -41,12 +41,17 @@ public:
     virtual ~TTrayHint() = default;
     /// From the run's thread; must not wait for another.
     virtual void SetHint(const string& text) = 0;
+    /// Once a tick, when the run's status has been brought up to date. Likewise.
+    virtual void StatusTold() {}
 };
+
+class TAgentStatus;
 
 struct TRunHost {
     TRunClock& Clock;
     TFolderFiles& Files;
     TTrayHint& Hint;
+    TAgentStatus& Status;
     string StateFolder = {}; ///< where a run notes the file at work; empty: nowhere
 };
 

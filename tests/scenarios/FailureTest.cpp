@@ -82,7 +82,8 @@ TEST(LongNight, FiveThousandFailuresUseUpNothing) {
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
-    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint});
+    TAgentStatus status;
+    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint, status});
     // Files that fail early, and documents whose action fails once they are open.
     MakePdf(workspace.Path("good.pdf"), 3);
     const QByteArray good = workspace.Read("good.pdf");

@@ -1,6 +1,7 @@
 #pragma once
 // The world of the run as a test plays it: ticks come when they are told to, every file is ready at once, and
 // hints are noted.
+#include "agent/AgentStatus.h"
 #include "agent/RunHost.h"
 #include "base/FolderListing.h"
 
