@@ -15,6 +15,11 @@ struct TEditorSettings {
     int KeepDays = 0;
 };
 
+/// Where programs keep what they must remember from one run to the next: `morvane/` under $XDG_STATE_HOME
+/// (else
+/// ~/.local/state), with a delimiter at its end, whether it is there or not.
+[[nodiscard]] string StateFolder();
+
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 
