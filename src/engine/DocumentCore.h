@@ -64,6 +64,10 @@ struct TDocumentCore {
     int Locks = 0;
     int LastUsedPage = -1;
     QStringList Warnings;
+    bool SignatureBroken = false; ///< a signed document was written anew
+    int MinorVersion = 0;         ///< of PDF 1, that what was written so far needs
+
+    void RequireVersion(int minor) { MinorVersion = std::max(MinorVersion, minor); }
 
     /// The catalog; a null object while there is no source.
     [[nodiscard]] QPDFObjectHandle Root() const {

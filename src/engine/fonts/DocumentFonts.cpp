@@ -112,3 +112,9 @@ void TDocumentFonts::Fill() {
     for (const auto& font : FFonts)
         font->Fill();
 }
+
+int TDocumentFonts::MinorVersion() const {
+    constexpr int CffPrograms = 3;
+    const auto isCff = [](const auto& font) { return font->Face().IsCff(); };
+    return std::any_of(FFonts.begin(), FFonts.end(), isCff) ? CffPrograms : 0;
+}

@@ -20,6 +20,9 @@ public:
     /// save; when more lines were shown since, the same objects are written again.
     void Fill();
 
+    /// The minor version of PDF 1 that they need.
+    [[nodiscard]] int MinorVersion() const;
+
 private:
     [[nodiscard]] TEmbeddedFont& FontOf(const std::shared_ptr<const TFontFace>& face);
 
