@@ -7,7 +7,21 @@
 namespace {
 
 struct TRewrite : TDocumentTest {
-    void AddText() { (new TZQPDFText(&Document.Pages().getItem(0).Layers()))->SetText(QStringLiteral("x")); }
+    void AddText(const string& text = QStringLiteral("x"), const NarrowString& font = "Arial",
+                 float y = 100) {
+        auto* line = new TZQPDFText(&Document.Pages().getItem(0).Layers());
+        line->SetText(text);
+        line->SetFontName(font);
+        line->MoveTo(20, y);
+    }
+    /// How many fonts the file has after another text in another run.
+    int FontsAfter(const string& text, const NarrowString& font, float y) {
+        Document.OpenFromFile(Out, {});
+        AddText(text, font, y);
+        Save();
+        EXPECT_EQ(QpdfCheck(Out), 0);
+        return CountOfType(Out, QStringLiteral("/FontDescriptor"));
+    }
     [[nodiscard]] QByteArray Header() const { return Files.Read(QStringLiteral("out.pdf")).left(8); }
     [[nodiscard]] qsizetype WarningsWith(const char* word) const {
         return Document.Warnings().filter(QLatin1String(word)).size();
@@ -135,6 +149,79 @@ TEST_F(TRewrite, NewFormatsTellAboutThemselvesByThePacketAlone) {
     EXPECT_EQ(Document.GetInfoString("Title"), "Title");
     EXPECT_EQ(Document.GetInfoString("Author"), "A; B");
     EXPECT_EQ(Document.GetInfoString("Keywords"), "k");
+}
+
+TEST_F(TRewrite, ALaterRunUsesAndGrowsTheFontsOfAnEarlierOne) {
+    const struct {
+        const char* Font;
+        const char* First;
+        const char* Within;
+        const char* Beyond;
+    } cases[] = {{"Arial", "Hello fi", "hell", "Wörld"},
+                 {"Cantarell", "Hello", "eell", "Wörld"}, // CFF
+                 {"Droid Sans Fallback", "日本語", "本", "中国"},
+                 {"DejaVu Sans", "سلام", "سلام", "عالم"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Font);
+        Open(SamplePdf(1));
+        AddText(QString::fromUtf8(c.First), c.Font);
+        Save();
+        const int fonts = CountOfType(Out, QStringLiteral("/FontDescriptor"));
+        const auto sizeBefore = QFileInfo(Out).size();
+        EXPECT_EQ(FontsAfter(QString::fromUtf8(c.Within), c.Font, 150), fonts);
+        EXPECT_LT(QFileInfo(Out).size(), sizeBefore + 1500);
+        EXPECT_EQ(FontsAfter(QString::fromUtf8(c.Beyond), c.Font, 200), fonts);
+        const string texts = PageTexts(Out).join(u' ').normalized(QString::NormalizationForm_KC);
+        for (const char* text : {c.First, c.Within, c.Beyond})
+            EXPECT_TRUE(texts.contains(QString::fromUtf8(text))) << text << " in " << texts.toStdString();
+    }
+}
+
+TEST_F(TRewrite, AFontThatIsNotOursToTheLastByteIsLeftAlone) {
+    Open(SamplePdf(1));
+    AddText(QStringLiteral("Hello"));
+    Save();
+    const QByteArray good = Files.Read(QStringLiteral("out.pdf"));
+    for (const auto& [ours, other] : {std::pair<QByteArray, QByteArray>("/W [", "/X ["),
+                                      {"/Identity-H", "/Identity-V"},
+                                      {"/FontFile2", "/FontFile3"},
+                                      {"/ItalicAngle 0", "/ItalicAngle 9"},
+                                      {"+LiberationSans", "+LiberationSanz"}}) {
+        SCOPED_TRACE(other.toStdString());
+        ASSERT_TRUE(good.contains(ours));
+        Files.Write(QStringLiteral("out.pdf"), QByteArray(good).replace(ours, other));
+        EXPECT_EQ(FontsAfter(QStringLiteral("Hell"), "Arial", 150), 2);
+    }
+    // What another program has packed anew may hold the same, but isn't looked into.
+    Files.Write(QStringLiteral("out.pdf"), good);
+    RunProgram(QStringLiteral("qpdf"),
+               {"--recompress-flate", "--compression-level=1", Out, "--replace-input"});
+    EXPECT_EQ(FontsAfter(QStringLiteral("Hell"), "Arial", 150), 2);
+}
+
+TEST_F(TRewrite, SubsetsInPdfA1SayWhatTheyHold) {
+    for (const int part : {1, 2}) {
+        Open(PdfWithCatalog("/Metadata 4 0 R", {PdfAMetadata(part)}, "1.4"));
+        AddText(QStringLiteral("é")); // made of two others
+        Save();
+        const QJsonObject objects = PdfObjects(Out);
+        QString set;
+        for (const QJsonValue& object : objects)
+            if (const QJsonObject dict = object.toObject()["value"].toObject(); dict.contains("/CIDSet"))
+                set = dict["/CIDSet"].toString();
+        EXPECT_EQ(!set.isEmpty(), part == 1);
+        if (part == 1) {
+            const QByteArray bits =
+                RunProgram(QStringLiteral("qpdf"),
+                           {"--filtered-stream-data", "--show-object=" + set.section(u' ', 0, 0), Out})
+                    .Out;
+            int glyphs = 0;
+            for (const char byte : bits)
+                glyphs += qPopulationCount(quint8(byte));
+            EXPECT_EQ(glyphs, 4) << "none, the letter, the accent and both";
+            EXPECT_TRUE(quint8(bits[0]) & 0x80);
+        }
+    }
 }
 
 } // namespace

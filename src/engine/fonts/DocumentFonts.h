@@ -3,6 +3,8 @@
 #include "engine/Qpdf.h"
 #include "engine/fonts/TextShaper.h"
 
+#include <functional>
+
 class TFormContent;
 class TEmbeddedFont;
 
@@ -11,6 +13,11 @@ public:
     explicit TDocumentFonts(QPDF& pdf);
     ~TDocumentFonts();
     Q_DISABLE_COPY(TDocumentFonts)
+
+    /// What finds the fonts in forms that earlier runs have put on the document's pages. Asked when a face is
+    /// first needed.
+    using TFindFonts = std::function<std::vector<QPDFObjectHandle>()>;
+    void SetEarlierFonts(TFindFonts find) { FFindEarlier = std::move(find); }
 
     /// Appends BT ... ET, which shows the line with its left end and baseline at (x, y), y up, in points.
     /// Colours and the text rendering mode are the caller's. A line without anything to show appends nothing.
@@ -25,7 +32,10 @@ public:
 
 private:
     [[nodiscard]] TEmbeddedFont& FontOf(const std::shared_ptr<const TFontFace>& face);
+    [[nodiscard]] std::unique_ptr<TEmbeddedFont> NewFont(const std::shared_ptr<const TFontFace>& face);
 
     QPDF& FPdf;
     std::vector<std::unique_ptr<TEmbeddedFont>> FFonts;
+    TFindFonts FFindEarlier;
+    std::optional<std::vector<QPDFObjectHandle>> FEarlier; ///< what it found since the last save
 };
