@@ -1,6 +1,8 @@
 // Importing and extracting pages.
 #include "engine/DocumentFixture.h"
 
+#include <sys/resource.h>
+
 namespace {
 
 struct TImport : TDocumentTest {
@@ -246,6 +248,26 @@ TEST_F(TImport, LongChainsOfObjectsNeedNoStack) {
               QStringList(
                   QStringLiteral("Form fields of \"%1\" were not imported: form fields are nested too deeply")
                       .arg(Other)));
+}
+
+TEST_F(TImport, ManyFilesNeedFewDescriptorsAndMayGoBeforeTheSave) {
+    constexpr int Imports = 150;
+    constexpr rlim_t Most = 100;
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    rlimit few = before;
+    few.rlim_cur = Most;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    for (int i = 0; i < Imports; ++i) {
+        const string path = Files.Path(QStringLiteral("%1.pdf").arg(i));
+        MakePdf(path, 1);
+        EXPECT_TRUE(Document.ImportPagesFromDocument(path, {}, {}, -1, false));
+        QFile::remove(path);
+    }
+    Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false);
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(QpdfCheck(Out), 0);
+    EXPECT_EQ(PageTexts(Out).count(QStringLiteral("Page 1")), Imports + 1);
 }
 
 TEST_F(TImport, AnUnreadableSourceLeavesTheDocumentAlone) {
