@@ -6,6 +6,7 @@
 #include "engine/PageTreeWriter.h"
 #include "engine/RewriteRules.h"
 #include "engine/Writer.h"
+#include "engine/XfaForm.h"
 #include "engine/content/PageContent.h"
 
 #include <qpdf/Pipeline.hh>
@@ -46,6 +47,7 @@ public:
     void Write(TDocumentCore& core, TPartFile& file) override {
         if (!core.Source)
             core.Source = NewSource();
+        WarnOfUnseenPages(core);
         ApplyPages(core);
         ApplyContent(core);
         ApplyInfo(core);

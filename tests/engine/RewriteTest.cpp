@@ -7,8 +7,7 @@
 namespace {
 
 struct TRewrite : TDocumentTest {
-    void AddText(const string& text = QStringLiteral("x"), const NarrowString& font = "Arial",
-                 float y = 100) {
+    void AddText(const string& text = QStringLiteral("x"), const NarrowString& font = "Arial", float y = 50) {
         auto* line = new TZQPDFText(&Document.Pages().getItem(0).Layers());
         line->SetText(text);
         line->SetFontName(font);
@@ -96,6 +95,39 @@ TEST_F(TRewrite, SignedFilesAreTold) {
     Save();
     EXPECT_EQ(Document.GetSignaturesCount(), 0);
     EXPECT_EQ(WarningsWith("signed"), 1) << "the page with the signature's field has gone";
+}
+
+TEST_F(TRewrite, PagesThatXfaViewersDoNotShowAreTold) {
+    const QByteArray required = "<config><dynamicRender>\n required </dynamicRender></config>";
+    const QByteArray packed = qCompress(required).mid(4);
+    struct {
+        QByteArray Catalog;
+        QByteArray Packet;
+        bool Dynamic;
+    } const cases[] = {
+        {"/NeedsRendering true /AcroForm << /XFA 4 0 R >>", StreamOf("<template/>"), true},
+        {"/NeedsRendering true", "null", false},
+        {"/AcroForm << /XFA [(config) 4 0 R] >>", StreamOf(required), true},
+        {"/AcroForm << /XFA [(config) 4 0 R] >>", StreamOf(packed, "/Filter /FlateDecode"), true},
+        {"/AcroForm << /XFA [(config) 4 0 R] >>", StreamOf("damaged", "/Filter /FlateDecode"), false},
+        {"/AcroForm << /XFA [(template) 4 0 R] >>", StreamOf(required), false},
+        {"/AcroForm << /XFA 4 0 R >>", StreamOf("<dynamicRender>forbidden</dynamicRender>"), false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE((c.Catalog + c.Packet).toStdString());
+        Open(PdfWithCatalog(c.Catalog, {c.Packet}));
+        Document.SetInfoString("Title", QStringLiteral("new"), false);
+        Save();
+        EXPECT_EQ(WarningsWith("XFA"), 0) << "no page was changed";
+        AddText();
+        Save();
+        Save();
+        EXPECT_EQ(WarningsWith("XFA"), c.Dynamic ? 1 : 0);
+        Open(PdfWithCatalog(c.Catalog, {c.Packet}));
+        Document.RotatePages({}, 90);
+        Save();
+        EXPECT_EQ(WarningsWith("XFA"), c.Dynamic ? 1 : 0);
+    }
 }
 
 TEST_F(TRewrite, NestedMetadataStaysAsItIs) {
