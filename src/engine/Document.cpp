@@ -4,6 +4,7 @@
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
 #include "engine/InfoWriter.h"
+#include "engine/Metadata.h"
 #include "engine/Signatures.h"
 #include "engine/Writer.h"
 #include "engine/content/PlacedContent.h"
@@ -75,6 +76,7 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
 }
 
 void TPDFDocument::WriteTo(TPartFile& file) {
+    const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
@@ -86,6 +88,7 @@ void TPDFDocument::WriteTo(TPartFile& file) {
     FCore->Source->CollectWarnings();
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
+    FCore->SignatureBroken |= isSigned;
 }
 
 void TPDFDocument::SaveToFreeName(const string& fileName) {
@@ -120,9 +123,9 @@ QStringList TPDFDocument::Warnings() const {
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
         all = FCore->Source->Warnings + all;
-        if (GetModified() && GetSignaturesCount() > 0)
-            all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     }
+    if (FCore->SignatureBroken || (GetModified() && GetSignaturesCount() > 0))
+        all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 
@@ -169,7 +172,7 @@ string TPDFDocument::GetInfoString(const NarrowString& key) const {
 NarrowString TPDFDocument::GetXMLMetaData() const {
     if (FCore->Changes.Xmp)
         return *FCore->Changes.Xmp;
-    return FCore->Source ? ReadXmp(*FCore->Source) : NarrowString();
+    return FCore->Source ? ReadXmp(*FCore->Source->Pdf) : NarrowString();
 }
 
 void TPDFDocument::SetXMLMetaData(const NarrowString& xmp) {

@@ -3,6 +3,7 @@
 #include "base/Exceptions.h"
 #include "base/Paths.h"
 #include "engine/Errors.h"
+#include "engine/SourceStore.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -37,12 +38,25 @@ TFileInput::TFileInput(const string& path, int descriptor)
 }
 
 TFileInput::~TFileInput() {
+    if (!FStore)
+        ::close(FDescriptor);
+}
+
+void TFileInput::MoveTo(std::shared_ptr<TSourceStore> store) {
+    if (FStore)
+        return;
+    FStart = store->Take(FDescriptor, FInfo.st_size, FPath);
     ::close(FDescriptor);
+    FDescriptor = store->Descriptor();
+    FStore = std::move(store);
+    FWindow = {}; // of thousands of files, these add up, too
 }
 
 void TFileInput::RequireSound() const {
     if (FError != 0)
         throw EReadError(FPath, FError);
+    if (FStore)
+        return; // what lies there is ours
     struct stat now {};
     if (::fstat(FDescriptor, &now) != 0)
         throw EReadError(FPath, errno);
@@ -111,9 +125,11 @@ bool TFileInput::FillWindow() {
 }
 
 size_t TFileInput::ReadAt(char* to, size_t length, qpdf_offset_t offset) {
+    length = size_t(std::clamp<qpdf_offset_t>(FInfo.st_size - offset, 0, qpdf_offset_t(length)));
     size_t done = 0;
     while (done < length) {
-        const ssize_t got = ::pread(FDescriptor, to + done, length - done, offset + qpdf_offset_t(done));
+        const qpdf_offset_t at = FStart + offset + qpdf_offset_t(done);
+        const ssize_t got = ::pread(FDescriptor, to + done, length - done, at);
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)

@@ -5,7 +5,10 @@
 
 #include <qpdf/InputSource.hh>
 
+#include <memory>
 #include <sys/stat.h>
+
+class TSourceStore;
 
 class TFileInput : public InputSource {
 public:
@@ -21,6 +24,9 @@ public:
     /// libqpdf takes a read that fails for damage. Raises EFileError if one did, or if the file has become
     /// shorter meanwhile; what was made from it must not be published then.
     void RequireSound() const;
+    /// Goes on reading from a copy in the store, and lets go of the file. Raises EFileError; then nothing has
+    /// changed.
+    void MoveTo(std::shared_ptr<TSourceStore> store);
 
     qpdf_offset_t findAndSkipNextEOL() override;
     [[nodiscard]] std::string const& getName() const override { return FName; }
@@ -40,6 +46,8 @@ private:
     string FPath;
     std::string FName; // base name, for warnings
     int FDescriptor = -1;
+    std::shared_ptr<TSourceStore> FStore; // that the descriptor belongs to; null where it is the file's
+    qpdf_offset_t FStart = 0;             // of the file behind the descriptor
     struct stat FInfo {};
     qpdf_offset_t FPos = 0;
     qpdf_offset_t FWindowStart = 0;

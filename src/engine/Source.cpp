@@ -1,10 +1,10 @@
 #include "engine/Source.h"
 
 #include "base/Paths.h"
+#include "engine/Passwords.h"
 #include "engine/Teardown.h"
 
 #include <qpdf/QPDFLogger.hh>
-#include <qpdf/QUtil.hh>
 
 #include <mutex>
 
@@ -21,15 +21,6 @@ bool HasHeader(TFileInput& input) {
     input.seek(0, SEEK_SET);
     const size_t size = input.read(head, sizeof head);
     return QByteArrayView(head, qsizetype(size)).contains("%PDF-");
-}
-
-/// Up to version 4 passwords are PDFDocEncoding, from 5 on UTF-8; what we get is UTF-8.
-std::vector<std::string> Spellings(const NarrowString& password) {
-    std::vector<std::string> spellings{password.toStdString()};
-    std::string encoded;
-    if (QUtil::utf8_to_pdf_doc(spellings[0], encoded) && encoded != spellings[0])
-        spellings.push_back(encoded);
-    return spellings;
 }
 
 /// What the library has to say of objects that belong to no document goes to standard error, without a name.
@@ -55,7 +46,7 @@ void Read(TPDFSource& source, const std::string& password) {
 
 /// Tries each spelling of the password.
 void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
-    const auto spellings = Spellings(password);
+    const auto spellings = PasswordSpellings(password);
     for (size_t i = 0;; ++i) {
         try {
             return Read(source, spellings[i]);

@@ -6,14 +6,17 @@
 
 #include <QStringList>
 
+#include <map>
+
 struct TPDFSource {
     string Path;
     NarrowString Password;             // the bytes that opened the file
     std::shared_ptr<TFileInput> Input; // null for a document that was made here
     std::shared_ptr<QPDF> Pdf;
     TPageWalk Walk;
-    QStringList Warnings;                                // collected so far
-    std::vector<std::shared_ptr<const TPDFSource>> Kept; // sources of copied pages, whose data is read late
+    QStringList Warnings;                                  // collected so far
+    std::optional<std::map<NarrowString, string>> XmpInfo; // what the packet tells, once somebody asked
+    std::vector<std::shared_ptr<const TPDFSource>> Kept;   // sources of copied pages, whose data is read late
 
     TPDFSource() = default;
     TPDFSource(const TPDFSource&) = delete;

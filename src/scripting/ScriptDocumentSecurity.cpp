@@ -72,3 +72,7 @@ bool TJSPDFDocument::Decrypt() {
         return false;
     return document.Decrypt();
 }
+
+int TJSPDFDocument::GetSignaturesCount() {
+    return Document().GetSignaturesCount();
+}

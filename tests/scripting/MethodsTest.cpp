@@ -48,6 +48,7 @@ QList<TMethodCase> DocumentCases() {
          Said, "false,false,true"},
         {"TPDFDocument.Decrypt", "ShowMessage(Document.Decrypt())", Said,
          "false"}, // there is no protection to take off
+        {"TPDFDocument.GetSignaturesCount", "ShowMessage(Document.GetSignaturesCount())", Said, "0"},
         {"TPDFDocument.AddFileAttachment", "Document.AddFileAttachment('DIR/note.txt')", Attached,
          "note.txt"},
         {"TPDFDocument.AddDocumentDescription",
