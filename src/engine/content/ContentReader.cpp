@@ -99,7 +99,7 @@ TReadContent TContentReader::Read(const QPDFObjectHandle& contents) {
     TContentBalance balance = ScanContent(content);
     result.Closing = std::move(balance.Closing);
     if (!balance.ExcessRestores.empty())
-        result.Streams = {Without(balance.ExcessRestores, std::move(content), *contents.getOwningQPDF())};
+        result.Streams = {Without(balance.ExcessRestores, std::move(content), FPdf)};
     else if (single)
         FKnown.emplace(KeyOf(result.Streams[0]), result.Closing);
     return result;

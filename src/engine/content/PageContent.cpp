@@ -200,7 +200,7 @@ bool HasPendingContent(const TZQPDFPage& page) {
 }
 
 void ApplyContent(TDocumentCore& core) {
-    TContentReader reader;
+    std::optional<TContentReader> reader;
     std::optional<TPageWriter> writer;
     for (const auto& item : core.Pages.Items()) {
         if (!HasPendingContent(*item))
@@ -208,7 +208,7 @@ void ApplyContent(TDocumentCore& core) {
         if (!core.Drawing)
             core.Drawing = std::make_unique<TDocumentDrawing>(*core.Source->Pdf);
         if (!writer)
-            writer.emplace(*core.Drawing, reader);
+            writer.emplace(*core.Drawing, reader.emplace(*core.Source->Pdf));
         writer->Write(item->Object(), *item->Content());
     }
     if (writer)
