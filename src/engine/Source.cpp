@@ -1,6 +1,7 @@
 #include "engine/Source.h"
 
 #include "base/Paths.h"
+#include "engine/Numbers.h"
 #include "engine/Teardown.h"
 
 #include <qpdf/QPDFLogger.hh>
@@ -106,6 +107,7 @@ void TPDFSource::CollectWarnings() {
 }
 
 TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
+    RequireNoNul("The password", Widen(password)); // the library takes what stands before it
     auto source = std::make_shared<TPDFSource>();
     source->Path = path;
     source->Input = std::make_shared<TFileInput>(path);
