@@ -2,6 +2,7 @@
 
 #include "actions/ActionList.h"
 #include "base/FileCopy.h"
+#include "base/Interrupt.h"
 #include "engine/Document.h"
 #include "scripting/ParkedDocuments.h"
 
@@ -23,7 +24,7 @@ void RunActions(const TFileJob& job, TZQPDFDocument& document, TJobReporter& rep
 
 } // namespace
 
-TJobOutcome WorkOnFile(const TFileJob& job, const TSourceFile& source, TJobReporter& reporter) {
+TJobOutcome WorkOnFile(const TFileJob& job, const TSourceFile& source, TJobReporter& reporter) try {
     if (TPDFDocument::IsPasswordProtected(job.Source)) {
         reporter.Log(QStringLiteral("\"%1\" is password protected, FAILURE.").arg(job.Source));
         return TJobOutcome::Protected;
@@ -40,5 +41,7 @@ TJobOutcome WorkOnFile(const TFileJob& job, const TSourceFile& source, TJobRepor
     if (!reporter.Terminated())
         return TJobOutcome::Worked;
     Park(std::move(document));
+    return TJobOutcome::Stopped;
+} catch (const EInterrupted&) { // which says nothing of the file
     return TJobOutcome::Stopped;
 }

@@ -26,6 +26,13 @@ void RequireSoundSources(const TPDFSource& source) {
         RequireSoundSources(*kept);
 }
 
+void GrantReading(const TPDFSource& source) {
+    if (source.Input)
+        source.Input->GrantReading();
+    for (const auto& kept : source.Kept)
+        GrantReading(*kept);
+}
+
 /// The password with which the file just written opens as this document did.
 NarrowString PasswordForWritten(const TDocumentCore& core) {
     if (core.Protection == TProtection::AsOpened)
@@ -75,6 +82,8 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
 }
 
 bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
+    if (FCore->Source)
+        GrantReading(*FCore->Source);
     TPartFile file(fileName);
     try {
         NewFullRewrite()->Write(*FCore, file);

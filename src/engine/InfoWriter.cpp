@@ -110,7 +110,7 @@ NarrowString ReadXmp(const TPDFSource& source) {
     if (!stream.isStream())
         return {};
     try {
-        const auto data = stream.getStreamData(qpdf_dl_all);
+        const auto data = stream.getStreamData(qpdf_dl_specialized);
         return {reinterpret_cast<const char*>(data->getBuffer()), qsizetype(data->getSize())};
     } catch (const std::exception&) {
         return {}; // a packet that can't be decoded is left alone

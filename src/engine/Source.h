@@ -26,6 +26,9 @@ struct TPDFSource {
 
 using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 
+/// Bytes of its file that are there; 0 for a document that was made here.
+[[nodiscard]] qint64 StoredBytes(const TPDFSource& source);
+
 /// Opens a file. Raises EPDFError, whose kind says what is wrong, or EFileError.
 [[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password);
 

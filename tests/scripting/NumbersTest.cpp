@@ -47,7 +47,8 @@ TEST_F(Numbers, CaptionsOfStampsMakeNamesThatAreRead) {
         SCOPED_TRACE(caption);
         Open(1);
         const string text = QString::fromLatin1(caption);
-        ASSERT_TRUE(Run("Document.AddStampAnnotation(9, 9, '" + text + "', 's', 0, 0xFFFFFF, 0xFFFFFF);"
+        ASSERT_TRUE(Run("Document.AddStampAnnotation(9, 9, '" + text +
+                        "', 's', 0, 0xFFFFFF, 0xFFFFFF);"
                         "Document.SaveAs('DIR/out.pdf')"));
         const QByteArray json = RunProgram("qpdf", {"--json=2", FWorkspace.Path("out.pdf")}).Out;
         // JSON shows names as they are read: without escapes.
