@@ -3,6 +3,7 @@
 #include "actions/ActionList.h"
 #include "base/FileCopy.h"
 #include "base/Interrupt.h"
+#include "base/Journal.h"
 #include "engine/Document.h"
 #include "scripting/ParkedDocuments.h"
 
@@ -22,6 +23,13 @@ void RunActions(const TFileJob& job, TZQPDFDocument& document, TJobReporter& rep
     reporter.Log(QStringLiteral("Saving \"%1\", SUCCESS.").arg(job.Dest));
 }
 
+/// The run log has no words for them.
+void TellWarnings(const TFileJob& job, const TZQPDFDocument& document) {
+    for (const TPDFWarning& warning : document.Warnings())
+        JournalLine(QStringLiteral("\"%1\": %2: %3")
+                        .arg(job.Source, QLatin1String(CodeOf(warning.Kind)), warning.Text));
+}
+
 } // namespace
 
 TJobOutcome WorkOnFile(const TFileJob& job, const TSourceFile& source, TJobReporter& reporter) try {
@@ -38,6 +46,7 @@ TJobOutcome WorkOnFile(const TFileJob& job, const TSourceFile& source, TJobRepor
         reporter.Log(QStringLiteral("Excution failed. Invalid action specified \"%1\".").arg(job.ActionName));
     else
         RunActions(job, *document, reporter);
+    TellWarnings(job, *document);
     if (!reporter.Terminated())
         return TJobOutcome::Worked;
     Park(std::move(document));

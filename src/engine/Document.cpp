@@ -114,14 +114,16 @@ const string& TPDFDocument::FileName() const {
     return FCore->FileName;
 }
 
-QStringList TPDFDocument::Warnings() const {
-    QStringList all = FCore->Warnings;
+TPDFWarnings TPDFDocument::Warnings() const {
+    TPDFWarnings all;
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
-        all = FCore->Source->Warnings + all;
-        if (GetModified() && GetSignaturesCount() > 0)
-            all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
+        all.Add(FCore->Source->Warnings);
     }
+    all.Add(FCore->Warnings);
+    if (GetModified() && GetSignaturesCount() > 0)
+        all.Add(TWarningKind::SignatureInvalidated,
+                QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 

@@ -63,7 +63,7 @@ struct TDocumentCore {
     bool Modified = false;
     int Locks = 0;
     int LastUsedPage = -1;
-    QStringList Warnings;
+    TPDFWarnings Warnings;
 
     /// The catalog; a null object while there is no source.
     [[nodiscard]] QPDFObjectHandle Root() const {

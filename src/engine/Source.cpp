@@ -102,6 +102,17 @@ TDecodeBudget StructureBudget(const TPDFSource& source) {
     return {Least + stored, 2 * Least + PerStoredByte * stored};
 }
 
+/// A repaired file may have lost what its page tree leads to.
+void WarnOfLostPages(TPDFSource& source) {
+    const TPageWalk& walk = source.Walk;
+    const qint64 lost = std::max(walk.Unreadable, walk.Promised - qint64(walk.Pages.size()));
+    if (lost > 0)
+        source.Warnings.Add(TWarningKind::DamagePagesLost,
+                            QStringLiteral("%1 pages that the page tree names can't be read; %2 can.")
+                                .arg(lost)
+                                .arg(walk.Pages.size()));
+}
+
 } // namespace
 
 TPDFSource::~TPDFSource() {
@@ -116,7 +127,7 @@ TPDFSource::~TPDFSource() {
 
 void TPDFSource::CollectWarnings() {
     for (const QPDFExc& warning : Pdf->getWarnings())
-        Warnings.append(QString::fromUtf8(warning.what()));
+        Warnings.Add(TWarningKind::DamageRepaired, QString::fromUtf8(warning.what()));
 }
 
 TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
@@ -140,6 +151,7 @@ TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
     if (source->Walk.Pages.empty())
         throw EPDFError(Quoted("open", path, "damaged: no pages can be read"), TPDFErrorKind::Damaged);
     source->CollectWarnings();
+    WarnOfLostPages(*source);
     return source;
 }
 

@@ -3,8 +3,7 @@
 #include "engine/Errors.h"
 #include "engine/FileInput.h"
 #include "engine/PageWalk.h"
-
-#include <QStringList>
+#include "engine/Warnings.h"
 
 struct TPDFSource {
     string Path;
@@ -12,7 +11,7 @@ struct TPDFSource {
     std::shared_ptr<TFileInput> Input; // null for a document that was made here
     std::shared_ptr<QPDF> Pdf;
     TPageWalk Walk;
-    QStringList Warnings;                                // collected so far
+    TPDFWarnings Warnings;                               // collected so far
     std::vector<std::shared_ptr<const TPDFSource>> Kept; // sources of copied pages, whose data is read late
 
     TPDFSource() = default;

@@ -152,7 +152,7 @@ TEST_F(TImport, FormFieldsComeAlongRenamedAndWithoutPagesLeftBehind) {
     }
     names.sort();
     EXPECT_EQ(names.join(u' '), "both both both+1 both+2 both+2 second second+1");
-    EXPECT_EQ(Document.Warnings(), QStringList());
+    EXPECT_TRUE(Document.Warnings().IsEmpty());
 }
 
 TEST_F(TImport, ExtractionLeavesUnusedResourcesBehind) {
