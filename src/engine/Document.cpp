@@ -27,6 +27,13 @@ void RequireSoundSources(const TPDFSource& source) {
         RequireSoundSources(*kept);
 }
 
+void GrantReading(const TPDFSource& source) {
+    if (source.Input)
+        source.Input->GrantReading();
+    for (const auto& kept : source.Kept)
+        GrantReading(*kept);
+}
+
 /// The password with which the file just written opens as this document did.
 NarrowString PasswordForWritten(const TDocumentCore& core) {
     if (core.Protection == TProtection::AsOpened)
@@ -77,6 +84,8 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
 
 void TPDFDocument::WriteTo(TPartFile& file) {
     const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
+    if (FCore->Source)
+        GrantReading(*FCore->Source);
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
@@ -118,14 +127,16 @@ const string& TPDFDocument::FileName() const {
     return FCore->FileName;
 }
 
-QStringList TPDFDocument::Warnings() const {
-    QStringList all = FCore->Warnings;
+TPDFWarnings TPDFDocument::Warnings() const {
+    TPDFWarnings all;
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
-        all = FCore->Source->Warnings + all;
+        all.Add(FCore->Source->Warnings);
     }
+    all.Add(FCore->Warnings);
     if (FCore->SignatureBroken || (GetModified() && GetSignaturesCount() > 0))
-        all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
+        all.Add(TWarningKind::SignatureInvalidated,
+                QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 
