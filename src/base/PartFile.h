@@ -26,6 +26,8 @@ public:
     void TakeModeOf(int source);
     void TakeModeOf(const string& path);
 
+    /// Has what was written reach the disk; publishing does so too.
+    void Flush();
     /// Publishes under the final name, replacing what is there.
     void PublishReplacing();
     /// Publishes under the final name only if nothing has it. False: the name is taken, and the caller may
@@ -36,7 +38,6 @@ public:
 private:
     void Create();
     qint64 WriteByReading(int source, qint64 offset);
-    void Flush();
     void Published();
 
     string FFinalPath;
