@@ -24,6 +24,10 @@ string WithoutExtension(const string& path) {
 }
 
 QByteArray PathBytes(const string& path) {
+    if (path.contains(QChar::Null))
+        throw EFileError(QStringLiteral("\"%1\" holds a NUL character, which no path can")
+                             .arg(string(path).replace(QChar::Null, QStringLiteral("\\0"))),
+                         EINVAL);
     return path.toUtf8();
 }
 

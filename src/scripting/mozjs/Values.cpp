@@ -8,6 +8,7 @@
 #include <js/BigInt.h>
 #include <js/Conversions.h>
 #include <js/ForOfIterator.h>
+#include <js/Object.h>
 #include <js/PropertyAndElement.h>
 #include <js/String.h>
 
@@ -111,6 +112,25 @@ QVariant ListFrom(TClassTable& classes, JS::HandleValue value, QMetaType target,
     }
 }
 
+/// Whether its own members are all there is to it. A Map, a Date, a function, an array or an object of the
+/// program would else be taken for a record of which nothing is given.
+bool IsPlain(JSContext* cx, JS::HandleObject object) {
+    js::ESClass kind = js::ESClass::Other;
+    Must(JS::GetBuiltinClass(cx, object, &kind));
+    return kind == js::ESClass::Object;
+}
+
+/// Raises EConvertError for one that has more than 64 bits.
+QVariant WholeFrom(JS::BigInt* number, QMetaType target, const string& what) {
+    qint64 whole = 0;
+    quint64 large = 0;
+    if (JS::BigIntFits(number, &whole))
+        return whole;
+    if (JS::BigIntFits(number, &large))
+        return large;
+    Refuse(what, QStringLiteral("a whole number of more than 64 bits"), target);
+}
+
 QVariant FromObject(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
     JS::RootedObject object(classes.Context(), &value.toObject());
     switch (ShapeOf(target)) {
@@ -119,7 +139,9 @@ QVariant FromObject(TClassTable& classes, JS::HandleValue value, QMetaType targe
             return QVariant::fromValue<QObject*>(&TClassTable::Unwrap(*object));
         break;
     case Shape::Record:
-        return RecordFrom(classes, object, target, what);
+        if (IsPlain(classes.Context(), object))
+            return RecordFrom(classes, object, target, what);
+        break;
     case Shape::List:
         return ListFrom(classes, value, target, what);
     default:
@@ -189,7 +211,7 @@ QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType targe
         return TextOf(cx, text);
     }
     if (value.isBigInt())
-        return QVariant::fromValue(JS::ToBigInt64(value.toBigInt()));
+        return WholeFrom(value.toBigInt(), target, what);
     if (value.isObject())
         return FromObject(classes, value, target, what);
     Refuse(what, QStringLiteral("a symbol"), target);
