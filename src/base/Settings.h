@@ -13,6 +13,10 @@ struct TEditorSettings {
     string WatermarksFolder;
 };
 
+/// What a script may hold in memory, in MB: the value `ScriptMemory` of that file, 256 where it is missing.
+/// One that is no whole number from 16 to 65536 leaves a line in the journal and is taken as missing.
+[[nodiscard]] Cardinal GetScriptMemory();
+
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 

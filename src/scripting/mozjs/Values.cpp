@@ -2,7 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
-#include "scripting/mozjs/Classes.h"
+#include "scripting/mozjs/Core.h"
 
 #include <js/Array.h>
 #include <js/BigInt.h>
@@ -56,6 +56,12 @@ Shape ShapeOf(QMetaType type) {
         QStringLiteral("%1: %2 is no %3").arg(what, given, QString::fromLatin1(target.name())));
 }
 
+/// A text on its way into a call, which may hold many.
+string ChargedText(JSContext* cx, JS::HandleString text) {
+    TMozCore::Of(cx).Charge(JS_GetStringLength(text) * sizeof(char16_t));
+    return TextOf(cx, text);
+}
+
 /// Numbers and Booleans have one spelling; an object has none that a path or a caption could be meant by, but
 /// for an error, whose text says what happened.
 string TextFrom(JSContext* cx, JS::HandleValue value, QMetaType target, const string& what) {
@@ -65,7 +71,7 @@ string TextFrom(JSContext* cx, JS::HandleValue value, QMetaType target, const st
             Refuse(what, QStringLiteral("an object"), target);
     }
     JS::RootedString text(cx, Must(JS::ToString(cx, value)));
-    return TextOf(cx, text);
+    return ChargedText(cx, text);
 }
 
 QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType target, const string& what) {
@@ -80,7 +86,7 @@ QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType tar
         JS::RootedId id(cx, ids[i]);
         Must(JS_IdToValue(cx, id, &key) && JS_GetPropertyById(cx, object, id, &value));
         JS::RootedString keyText(cx, Must(JS::ToString(cx, key)));
-        const string name = TextOf(cx, keyText);
+        const string name = ChargedText(cx, keyText);
         const QMetaProperty member = type.property(type.indexOfProperty(Narrow(name).constData()));
         if (!member.isValid())
             throw EConvertError(
@@ -91,6 +97,9 @@ QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType tar
     }
     return record;
 }
+
+/// What an item of a list takes beside its text, at least.
+constexpr size_t ItemBytes = 64;
 
 QVariant ListFrom(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
     JSContext* cx = classes.Context();
@@ -107,6 +116,7 @@ QVariant ListFrom(TClassTable& classes, JS::HandleValue value, QMetaType target,
         Must(iterator.next(&item, &done));
         if (done)
             return list;
+        TMozCore::Of(cx).Charge(ItemBytes);
         const string place = QStringLiteral("%1, item %2").arg(what).arg(index);
         items.addValue(ConvertTo(FromScript(classes, item, itemType, place), itemType, place));
     }
@@ -208,7 +218,7 @@ QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType targe
         return value.toNumber();
     if (value.isString()) {
         JS::RootedString text(cx, value.toString());
-        return TextOf(cx, text);
+        return ChargedText(cx, text);
     }
     if (value.isBigInt())
         return WholeFrom(value.toBigInt(), target, what);
