@@ -5,6 +5,7 @@
 #include "agent/SystemRunHost.h"
 #include "platform/AppInstances.h"
 #include "platform/MessagePump.h"
+#include "platform/ServiceNotice.h"
 #include "platform/Signals.h"
 
 #include <QCoreApplication>
@@ -52,6 +53,9 @@ std::unique_ptr<TAppInstances> CheckSingleInstance() {
     [[maybe_unused]] const int reached =
         instances->SendCmdLineParams(QLatin1String(TfrmFoldersAgent::WindowClass), 0);
     instances->SwitchTo(0);
+    // The service that this was to be is served; a start without this word would be a failed one, and tried
+    // again and again.
+    ServiceNotice().Ready(QStringLiteral("Another agent of this user serves the folders."));
     TAppInstances::KillInstance();
 }
 
@@ -71,5 +75,5 @@ int RunFoldersAgent(TAppInstances& instances) {
     TSystemClock clock;
     TSystemFolderFiles files;
     const TfrmFoldersAgent form({clock, files});
-    return form.Terminated() ? EXIT_SUCCESS : QCoreApplication::exec();
+    return form.Terminated() ? form.ExitCode() : QCoreApplication::exec();
 }

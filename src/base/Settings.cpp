@@ -7,14 +7,21 @@
 #include <QSettings>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
 
-/// A value with a comma comes back as a list.
+/// A value with a comma comes back as a list. An empty one is none: as a folder it would be the root.
 string TextOf(const QSettings& settings, const string& key, const string& standard) {
-    const QVariant value = settings.value(key);
-    if (!value.isValid())
-        return standard;
-    return value.toStringList().join(u',');
+    const string text = settings.value(key).toStringList().join(u',');
+    return text.trimmed().isEmpty() ? standard : text;
+}
+
+/// What is no number of days keeps all: nothing is deleted by mistake.
+int DaysOf(const QSettings& settings, const string& key) {
+    bool valid = false;
+    const int days = settings.value(key).toString().trimmed().toInt(&valid);
+    return valid ? std::max(days, 0) : 0;
 }
 
 } // namespace
@@ -39,6 +46,7 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("RepositoryFilename"), beside + QStringLiteral("repository.xml"));
     result.WatermarksFolder =
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
+    result.KeepDays = DaysOf(settings, QStringLiteral("KeepDays"));
     return result;
 }
 

@@ -11,6 +11,8 @@ struct TEditorSettings {
     /// are `repository.xml` and `watermarks` beside the configuration folder.
     string RepositoryFilename;
     string WatermarksFolder;
+    /// Day logs that are older go; 0 keeps all.
+    int KeepDays = 0;
 };
 
 /// What a script may hold in memory, in MB: the value `ScriptMemory` of that file, 256 where it is missing.
@@ -20,5 +22,6 @@ struct TEditorSettings {
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 
-/// Reads the file; a missing file or key gives the default `%HOME%/.config/morvane/watched-folders`.
+/// Reads the file; a missing file or key, and an empty value, gives the default
+/// `%HOME%/.config/morvane/watched-folders`.
 [[nodiscard]] TEditorSettings GetEditorSettings();

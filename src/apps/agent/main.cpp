@@ -4,6 +4,8 @@
 #include "base/Journal.h"
 #include "desktop/Desktop.h"
 #include "platform/AppInstances.h"
+#include "platform/DescriptorLimit.h"
+#include "platform/ServiceNotice.h"
 #include "platform/Signals.h"
 #include "timers/TimerManager.h"
 
@@ -12,6 +14,8 @@
 int main() {
     try {
         IgnoreDisruptiveSignals();
+        RaiseDescriptorLimit();
+        [[maybe_unused]] const bool service = ServiceNotice().Listening(); // before there are threads
         const TTimerManagerUse timers;
         const auto instances = CheckSingleInstance();
         const TDesktop desktop;
