@@ -1,8 +1,8 @@
 #pragma once
 // What a line store and an undo list see of the control that works on them. A control's own store has one
 // for that control; the store of a source has one that leads to whichever control is active.
-#include "editor/LineStoreOwner.h"
-#include "editor/UndoTarget.h"
+#include "editor/history/UndoTarget.h"
+#include "editor/text/LineStoreOwner.h"
 
 #include <functional>
 #include <vector>

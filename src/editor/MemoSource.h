@@ -1,9 +1,9 @@
 #pragma once
 // TAdvMemoSource: text, history and styler that several controls share.
-#include "editor/LineStore.h"
 #include "editor/MemoBridge.h"
-#include "editor/MemoStyler.h"
-#include "editor/UndoList.h"
+#include "editor/history/UndoList.h"
+#include "editor/style/MemoStyler.h"
+#include "editor/text/LineStore.h"
 
 #include <QPointer>
 

@@ -1,7 +1,7 @@
 // The control's styler, its events and what it tells its view.
 #include "editor/Memo.h"
 
-#include "editor/MemoAssist.h"
+#include "editor/place/MemoAssist.h"
 
 void TAdvCustomMemo::SetStyler(TAdvCustomMemoStyler* styler) {
     FInternalStyles = styler;

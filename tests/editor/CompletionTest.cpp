@@ -1,7 +1,7 @@
 // Completion and parameter hints, with the test in the place of windows and timer.
-#include "editor/Completion.h"
+#include "editor/assist/Completion.h"
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <gmock/gmock.h>
 

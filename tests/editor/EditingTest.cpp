@@ -1,6 +1,6 @@
 // Edits by keys and calls, with their undo; and the line store under a control.
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QBuffer>
 #include <QFile>

@@ -1,8 +1,8 @@
 // Runs, line-start states and colours, judged on small languages.
-#include "editor/JSMemoStyler.h"
-#include "editor/LineStartState.h"
-#include "editor/MarkerFinder.h"
-#include "editor/ScanLine.h"
+#include "editor/style/JSMemoStyler.h"
+#include "editor/style/LineStartState.h"
+#include "editor/style/MarkerFinder.h"
+#include "editor/style/ScanLine.h"
 
 #include <gtest/gtest.h>
 

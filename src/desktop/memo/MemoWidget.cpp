@@ -6,8 +6,8 @@
 #include "desktop/memo/input/MemoInput.h"
 #include "desktop/memo/input/MemoKeyboard.h"
 #include "desktop/memo/input/MemoMouse.h"
-#include "desktop/memo/input/SurrogatePairs.h"
 #include "desktop/memo/paint/MemoPainter.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QApplication>
 #include <QPaintEvent>

@@ -1,0 +1,206 @@
+#include "editor/edit/Keys.h"
+
+#include "editor/Memo.h"
+
+#include <algorithm>
+
+namespace {
+
+bool IsModifier(int key) {
+    return key >= keyShift && key <= keyAlt;
+}
+
+bool KeepsCaret(int key) {
+    return IsModifier(key) || (key >= keyLeft && key <= keyPageDown);
+}
+
+} // namespace
+
+void TMemoKeys::KeyDown(int key, TShiftState shift) {
+    if (FMemo.Events.OnKeyDown)
+        FMemo.Events.OnKeyDown(key, shift);
+    if (key == 0)
+        return;
+    if (FMemo.View && key != keyControl)
+        FMemo.View->RestartCaretBlink();
+    FMemo.AllowAutoHint(!Held(shift, ssCtrl));
+    if (!KeepsCaret(key) && FMemo.Lines().Count() > 0)
+        FMemo.Caret().MoveTo(FMemo.Caret().X(), FMemo.Caret().Y());
+    if (!FMemo.TakesKey(key, shift) && !Shortcut(key, shift))
+        Dispatch(key, shift);
+}
+
+bool TMemoKeys::Shortcut(int key, TShiftState shift) {
+    const bool ctrl = Held(shift, ssCtrl);
+    const bool alt = Held(shift, ssAlt);
+    if (ctrl && !alt && key == keyZ) {
+        FMemo.Undo(); // also when read-only, on purpose; redo isn't
+    } else if (ctrl && key == keyY) {
+        if (!FMemo.Settings.FReadOnly)
+            FMemo.Redo();
+    } else if (alt && key == keyBackspace) {
+        if (Held(shift, ssShift))
+            FMemo.Redo();
+        else
+            FMemo.Undo();
+    } else if (ctrl && key == keyF) {
+        if (FMemo.Events.FOnFind)
+            FMemo.Events.FOnFind();
+    } else if (ctrl && key == keyH) {
+        if (FMemo.Events.FOnReplace)
+            FMemo.Events.FOnReplace();
+    } else if (key == keySpace && ctrl && !alt) {
+        FMemo.AskForCompletion(Held(shift, ssShift));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void TMemoKeys::Dispatch(int key, TShiftState shift) {
+    TCaretMoves& moves = FMemo.Moves();
+    const bool ctrl = Held(shift, ssCtrl);
+    switch (key) {
+    case keyLeft:
+        return moves.MoveCaret(-1, 0, shift);
+    case keyRight:
+        return moves.MoveCaret(1, 0, shift);
+    case keyUp:
+        return ctrl ? moves.ScrollLine(-1) : moves.MoveCaret(0, -1, shift);
+    case keyDown:
+        return ctrl ? moves.ScrollLine(1) : moves.MoveCaret(0, 1, shift);
+    case keyBacktab:
+        return Tab(shift | ssShift);
+    case keyTab:
+        return Tab(shift);
+    default:
+        return ExecuteKey(key, shift);
+    }
+}
+
+void TMemoKeys::Tab(TShiftState shift) {
+    const TMemoSelection& selection = FMemo.Selection();
+    if (!selection.IsMultiLine()) {
+        ExecuteKey(keyTab, shift);
+        return;
+    }
+    if (FMemo.Settings.FReadOnly)
+        return;
+    const TSelectionRange range = selection.Ordered();
+    const int size = FMemo.Settings.FTabSize;
+    FMemo.Blocks().BlockIndent(range.StartY, range.EndY - (range.EndX == 0 ? 1 : 0),
+                               Held(shift, ssShift) ? -size : size, RecordUndo::Yes);
+}
+
+void TMemoKeys::ExecuteKey(int key, TShiftState shift) {
+    if (!ReadOnlyKey(key, shift) && !FMemo.Settings.FReadOnly)
+        EditKey(key, shift);
+}
+
+bool TMemoKeys::ReadOnlyKey(int key, TShiftState shift) {
+    switch (key) {
+    case keyHome:
+        FMemo.Moves().Home(shift);
+        return true;
+    case keyEnd:
+        FMemo.Moves().End(shift);
+        return true;
+    case keyPageUp:
+        FMemo.Moves().Page(-1, shift);
+        return true;
+    case keyPageDown:
+        FMemo.Moves().Page(1, shift);
+        return true;
+    case keyCtrlC:
+        FMemo.Blocks().CopyToClipBoard();
+        return true;
+    case keyInsert:
+        if (Held(shift, ssCtrl))
+            FMemo.Blocks().CopyToClipBoard();
+        return Held(shift, ssCtrl);
+    case keyEscapeChar:
+    case keyEscape:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TMemoKeys::EditKey(int key, TShiftState shift) {
+    switch (key) {
+    case keyCtrlA:
+        return FMemo.SelectAll();
+    case keyBackspaceChar:
+    case keyBackspace:
+        return Erase(shift);
+    case keyTabChar:
+    case keyTab:
+        FMemo.Editing().TabKey(Held(shift, ssShift), Held(shift, ssCtrl));
+        return MarkModified();
+    case keyEnterChar:
+        return Enter();
+    case keyCtrlV:
+        return FMemo.Blocks().PasteFromClipBoard();
+    case keyCtrlX:
+        return FMemo.Blocks().CutToClipBoard();
+    case keyInsert:
+        return Held(shift, ssShift) ? FMemo.Blocks().PasteFromClipBoard() : ToggleOverwrite();
+    case keyDelete:
+        return Held(shift, ssShift) ? FMemo.Blocks().CutToClipBoard() : Remove();
+    default:
+        return;
+    }
+}
+
+void TMemoKeys::MarkModified() {
+    FMemo.SetModifiedState(FMemo.Caret().Y());
+}
+
+void TMemoKeys::Erase(TShiftState shift) {
+    if (!FMemo.EditingAllowed() || FMemo.Lines().Count() == 0)
+        return;
+    if (Held(shift, ssCtrl))
+        FMemo.Editing().DeleteWordLeft();
+    else if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
+        FMemo.Blocks().DeleteSelection();
+    else
+        FMemo.Editing().BackSpace();
+    MarkModified();
+}
+
+void TMemoKeys::Enter() {
+    FMemo.Blocks().DeleteSelection();
+    FMemo.Editing().NewLine();
+    MarkModified();
+}
+
+void TMemoKeys::Remove() {
+    if (FMemo.Lines().Count() == 0)
+        return;
+    if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty()) {
+        const bool expands = std::exchange(FMemo.Settings.FAutoExpand, true);
+        FMemo.Blocks().DeleteSelection();
+        FMemo.Settings.FAutoExpand = expands;
+    } else {
+        FMemo.Editing().DeleteChar(-1, -1);
+    }
+    MarkModified();
+    FMemo.Selection().Clear();
+}
+
+void TMemoKeys::ToggleOverwrite() {
+    bool allow = true;
+    if (FMemo.Events.FOnOverwriteToggle)
+        FMemo.Events.FOnOverwriteToggle(allow);
+    if (!allow)
+        return;
+    const bool before = FMemo.Settings.FOverwrite;
+    FMemo.Settings.FOverwrite = !before;
+    const TAdvUndoList& list = FMemo.UndoList();
+    const auto isToggle = [&list](int index) {
+        return index >= 0 && dynamic_cast<TInsertOverwriteUndo*>(&list.Get(index)) != nullptr;
+    };
+    // The oldest two are looked at, not the newest, on purpose.
+    if (list.Count() > 0 && !(isToggle(list.Count() - 1) && isToggle(list.Count() - 2)))
+        FMemo.AddUndoStep(std::make_unique<TInsertOverwriteUndo>(before));
+}

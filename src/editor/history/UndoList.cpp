@@ -1,0 +1,96 @@
+#include "editor/history/UndoList.h"
+
+#include "base/Exceptions.h"
+
+int TAdvUndoList::Add(std::unique_ptr<TUndo> entry) {
+    if (FIsPerforming)
+        return -1;
+    // The newest entry is asked even while it is undone, on purpose: typing may go on where it ended.
+    if (!FEntries.empty() && FEntries.front()->Append(*entry))
+        return -1;
+    entry->Memo = FMemo;
+    FEntries.erase(FEntries.begin(), FEntries.begin() + FPos);
+    FPos = 0;
+    FEntries.insert(FEntries.begin(), std::move(entry));
+    if (Count() > FLimit)
+        FEntries.pop_back();
+    TellChange();
+    return 0;
+}
+
+void TAdvUndoList::TellChange() {
+    if (FMemo)
+        FMemo->UndoChanged(CanUndo(), CanRedo());
+}
+
+bool TAdvUndoList::BeginPerforming() {
+    const bool autoIndent = FMemo->AutoIndent();
+    FMemo->SetAutoIndent(false); // replayed line breaks must not indent by themselves
+    FIsPerforming = true;
+    return autoIndent;
+}
+
+void TAdvUndoList::EndPerforming(bool autoIndent) {
+    FIsPerforming = false;
+    FMemo->SetAutoIndent(autoIndent);
+    TellChange();
+}
+
+void TAdvUndoList::Perform(TUndo& entry) {
+    if (!FMemo)
+        return;
+    entry.Memo = FMemo;
+    const bool autoIndent = BeginPerforming();
+    entry.PerformRedo();
+    EndPerforming(autoIndent);
+}
+
+void TAdvUndoList::Undo() {
+    if (!CanUndo() || !FMemo)
+        return;
+    const bool autoIndent = BeginPerforming();
+    TUndo& entry = Get(FPos);
+    entry.Undo();
+    // A linked entry whose partner fell off the end raises here and leaves the list performing and
+    // indentation off, on purpose: the history is no longer whole, and nothing more is recorded.
+    if (entry.FLinkedUndo)
+        Get(++FPos).Undo();
+    ++FPos;
+    EndPerforming(autoIndent);
+}
+
+void TAdvUndoList::Redo() {
+    if (!CanRedo() || !FMemo)
+        return;
+    const bool autoIndent = BeginPerforming();
+    Get(--FPos).Redo();
+    if (FPos > 0 && Get(FPos - 1).FLinkedUndo)
+        Get(--FPos).Redo();
+    EndPerforming(autoIndent);
+    FMemo->Changed(); // undo leaves that out, on purpose: its replayed edits have told already
+}
+
+void TAdvUndoList::Clear() {
+    FEntries.clear();
+    FPos = 0;
+    FIsPerforming = false; // an empty history is whole, whatever broke off before
+    TellChange();
+}
+
+void TAdvUndoList::Delete(int index) {
+    (void)Get(index);
+    FEntries.erase(FEntries.begin() + index);
+}
+
+TUndo& TAdvUndoList::Get(int index) const {
+    if (index < 0 || index >= Count())
+        throw Exception(string("List index out of bounds (%1)").arg(index));
+    return *FEntries[size_t(index)];
+}
+
+void TAdvUndoList::SetLimit(int limit) {
+    if (limit == FLimit)
+        return;
+    FLimit = 100;
+    Clear();
+}

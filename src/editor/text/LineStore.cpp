@@ -1,0 +1,211 @@
+#include "editor/text/LineStore.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+string TabsToBlanks(const string& text, int tabSize) {
+    if (!text.contains(u'\t'))
+        return text;
+    string blanks = text;
+    return blanks.replace(u'\t', string(tabSize, u' '));
+}
+
+string TAdvMemoStrings::Detabbed(const string& text) const {
+    return Memo ? TabsToBlanks(text, Memo->TabSize()) : text;
+}
+
+void TAdvMemoStrings::TellRowsTouched(int index) {
+    if (Memo)
+        Memo->RowsTouched(index);
+}
+
+TLineObject* TAdvMemoStrings::GetObject(int index) const {
+    if (!Holds(index))
+        return nullptr;
+    const TLineProp* prop = GetLineProp(index);
+    return prop ? prop->FObject : Slot(index);
+}
+
+void TAdvMemoStrings::PutObject(int index, TLineObject* object) {
+    if (!Holds(index))
+        return;
+    if (TLineProp* prop = GetLineProp(index))
+        prop->FObject = object;
+    else
+        SetSlot(index, object);
+}
+
+int TAdvMemoStrings::DoAdd(const string& text) {
+    if (!Memo)
+        return AddObject(text, nullptr);
+    string whole = Detabbed(text);
+    whole.remove(u'\n');
+    int last = -1;
+    for (const string& piece : whole.split(u'\r'))
+        last = AddObject(piece, nullptr);
+    return last;
+}
+
+int TAdvMemoStrings::AddObject(const string& text, TLineObject* object) {
+    TellRowsTouched(Count());
+    FListLengths.Add(Integer(text.size()));
+    if (FNoObjCreate)
+        return RawAdd(text, nullptr);
+    auto prop = std::make_unique<TLineProp>();
+    prop->FObject = object;
+    prop->FListIndex = FLinesProp.size();
+    FLinesProp.push_back(std::move(prop));
+    return RawAdd(text, FLinesProp.back().get());
+}
+
+void TAdvMemoStrings::AddStrings(const TStringList& list) {
+    if (!Memo)
+        return;
+    const int count = list.Count(); // a list may be added to itself
+    for (int i = 0; i < count; ++i) {
+        const int row = Add(list.Get(i));
+        PutObject(row, list.GetObject(i));
+    }
+    RebuildLengths();
+    if (FLockCount == 0)
+        Memo->RefreshControl();
+}
+
+void TAdvMemoStrings::Insert(int index, const string& text) {
+    CheckIndex(index, Count() + 1);
+    if (!Memo) {
+        DoInsert(index, text);
+        return;
+    }
+    Memo->ClearSelection();
+    qsizetype start = 0;
+    for (qsizetype end; (end = text.indexOf(QStringView(u"\r\n"), start)) >= 0; start = end + 2)
+        DoInsert(index++, text.mid(start, end - start));
+    DoInsert(index, text.mid(start));
+    Memo->MoveCaret(Memo->CaretX(), Memo->CaretY());
+    Memo->Repaint();
+}
+
+void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
+    CheckIndex(index, Count() + 1);
+    std::vector<string> rows;
+    std::vector<Integer> lengths;
+    for (const string& line : lines) {
+        rows.push_back(Detabbed(line));
+        lengths.push_back(Integer(rows.back().size()));
+    }
+    TellRowsTouched(index);
+    FListLengths.Insert(std::min(index, FListLengths.Count()), lengths);
+    if (Memo)
+        Memo->RowsInserted(index, int(rows.size()));
+    RawInsert(index, rows); // their TLineProps are made when first needed
+}
+
+void TAdvMemoStrings::RemoveRows(int index, int count) {
+    TellRowsTouched(index);
+    if (index < FListLengths.Count())
+        FListLengths.Delete(index, count);
+    for (int i = 0; i < count; ++i)
+        (void)TakeLineProp(index + i);
+    if (Memo)
+        Memo->RowsRemoved(index, count);
+    RawDelete(index, count);
+}
+
+void TAdvMemoStrings::Delete(int index) {
+    if (!Holds(index))
+        return;
+    if (Memo)
+        DeleteThroughMemo(index);
+    else
+        RemoveRows(index, 1);
+}
+
+void TAdvMemoStrings::DeleteThroughMemo(int index) {
+    if (const TLineProp* prop = Memo->CodeFolding() ? GetLineProp(index) : nullptr) {
+        if (prop->FHasChildren)
+            Memo->RemoveCodeFolding(index);
+        if (prop->FHasParent && prop->FLastChildOfParents > 0)
+            Memo->MoveFoldEnd(index);
+    }
+    const int x = Count() == 1 ? 0 : Memo->CaretX();
+    const int y = Memo->CaretY() - (index < Memo->CaretY() ? 1 : 0);
+    Memo->MoveCaret(Memo->CaretX(), index);
+    Memo->DeleteCaretLine();
+    Memo->WriteCaret(x, y);
+}
+
+void TAdvMemoStrings::Put(int index, const string& text) {
+    if (!Memo) {
+        RawPut(index, text);
+        return;
+    }
+    CheckIndex(index, Count());
+    const string line = Detabbed(text);
+    if (index >= FListLengths.Count())
+        FListLengths.Add(Integer(line.size()));
+    else
+        FListLengths.SetInteger(index, Integer(line.size()));
+    if (TLineProp* prop = GetLineProp(index); prop && line != Get(index))
+        prop->DropErrorInfo(); // what it pointed at may be elsewhere
+    TellRowsTouched(index);
+    RawPut(index, line);
+}
+
+void TAdvMemoStrings::Clear() {
+    if (Memo) {
+        Memo->ClearSelection();
+        Memo->MoveCaret(0, 0);
+        Memo->Repaint();
+        Memo->RowsTouched(0);
+    }
+    FListLengths.Clear();
+    const TLineProps gone = std::move(FLinesProp); // lives until the slots that point to them are gone
+    FLinesProp.clear();
+    RawClear();
+}
+
+void TAdvMemoStrings::Assign(const TStringList& list) {
+    if (&list == this)
+        return;
+    const TStringsUpdate update(*this);
+    Clear();
+    if (Memo) {
+        AddStrings(list);
+        return;
+    }
+    for (int i = 0; i < list.Count(); ++i)
+        AddObject(list.Get(i), list.GetObject(i));
+}
+
+TAdvMemoStrings::TLineProps TAdvMemoStrings::ClearStrings() {
+    TLineProps props = std::move(FLinesProp);
+    FLinesProp.clear();
+    FListLengths.Clear();
+    TellRowsTouched(0);
+    RawClear();
+    return props;
+}
+
+void TAdvMemoStrings::ReplaceLines(const std::vector<string>& lines) {
+    const TStringsUpdate update(*this);
+    const TLineProps gone = ClearStrings();
+    FNoObjCreate = true;
+    FListLengths.Reserve(int(lines.size()));
+    for (const string& line : lines)
+        AddObject(line, nullptr);
+    FNoObjCreate = false;
+}
+
+void TAdvMemoStrings::RebuildLengths() {
+    FListLengths.Clear();
+    FListLengths.Reserve(Count());
+    for (int i = 0; i < Count(); ++i)
+        FListLengths.Add(Integer(Get(i).size()));
+}
+
+void TAdvMemoStrings::SetUpdateState(bool updating) {
+    FLockCount = updating ? FLockCount + 1 : std::max(0, FLockCount - 1);
+    TStringList::SetUpdateState(updating);
+}

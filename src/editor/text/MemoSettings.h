@@ -1,0 +1,32 @@
+#pragma once
+// The switches that the user of the control sets.
+#include "base/Text.h"
+#include "editor/text/WordWrap.h"
+
+enum TSelectionMode { smText, smBlock };
+enum TScrollBars { sbNone, sbHorizontal, sbVertical, sbBoth };
+/// smStrict: where there is no bar, the caret stays in the view instead of scrolling it.
+enum TScrollMode { smAuto, smStrict };
+enum TEditCharCase { ecNormal, ecUpperCase, ecLowerCase };
+
+struct TMemoSettings {
+    int FTabSize = 4;
+    bool FOverwrite = false;
+    bool FReadOnly = false;
+    bool FDelErase = true; ///< typing and deleting keys take a selection away first
+    bool FSmartTabs = false;
+    bool FEnhancedHomeKey = false;
+    bool FAutoIndent = true;
+    bool FAutoExpand = false; ///< the caret may stand past a line's end, which is then padded with blanks
+    bool FTrimTrailingSpaces = false; ///< when the caret leaves a line
+    bool FSelectSingleLine = false;
+    bool FUndoLineByLine = false; ///< a line break ends the merging of typing into one undo step
+    bool FShowActiveLine = true;
+    TSelectionMode FSelectionMode = smText;
+    TScrollBars FScrollBars = sbBoth;
+    TScrollMode FScrollMode = smAuto;
+    TEditCharCase FCharCase = ecNormal;
+    TWordWrapStyle FWordWrap = wwNone; ///< change through TAdvCustomMemo::SetWordWrap
+    int FRightMargin = 80;             ///< columns
+    string FWordBreaks;                ///< what ends words for the caret; empty: the styler's symbols
+};
