@@ -15,7 +15,7 @@
 #include <QStyleHints>
 
 TMemoWidget::TMemoWidget(QWidget* parent)
-    : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
+    : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo)),
       FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
       FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FInput(std::make_unique<TMemoInput>(*this)),
       FAccessibility(std::make_unique<TMemoAccessibility>(*this)),

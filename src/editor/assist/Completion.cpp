@@ -1,15 +1,15 @@
 #include "editor/assist/Completion.h"
 
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 
 #include <algorithm>
 
-TMemoCompletion::TMemoCompletion(TAdvCustomMemo& memo) : FMemo(memo), FHint(memo) {
-    FMemo.Assist = this;
+TMemoCompletion::TMemoCompletion(TMemoEditor& memo) : FMemo(memo), FHint(memo) {
+    FMemo.SetAssist(this);
 }
 
 TMemoCompletion::~TMemoCompletion() {
-    FMemo.Assist = nullptr;
+    FMemo.SetAssist(nullptr);
 }
 
 void TMemoCompletion::SetWindow(TAssistWindow* window) {

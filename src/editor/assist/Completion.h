@@ -4,7 +4,7 @@
 #include "editor/assist/ParameterHint.h"
 #include "editor/place/MemoAssist.h"
 
-class TAdvCustomMemo;
+class TMemoEditor;
 
 struct TCompletionEvents {
     std::function<void(const string& word, bool& allow)> OnBeforeAutoCompletion;
@@ -24,7 +24,7 @@ enum class AddBrackets { No, Yes };
 class TMemoCompletion : public TMemoAssist {
 public:
     /// Becomes the control's assistant as long as it lives; it goes before the control.
-    explicit TMemoCompletion(TAdvCustomMemo& memo);
+    explicit TMemoCompletion(TMemoEditor& memo);
     ~TMemoCompletion() override;
     TMemoCompletion(const TMemoCompletion&) = delete;
     TMemoCompletion& operator=(const TMemoCompletion&) = delete;
@@ -46,7 +46,7 @@ public:
     /// The list's window lost the focus to another.
     void ListDeactivated();
     void TimerFired();
-    [[nodiscard]] bool IsOpen() const { return FListCompletion != nullptr; }
+    [[nodiscard]] bool IsOpen() const override { return FListCompletion != nullptr; }
     [[nodiscard]] const TAutoCompletionListBox& ListCompletion() const { return *FListCompletion; }
 
     bool TakesKey(int key, TShiftState shift) override;
@@ -80,7 +80,7 @@ private:
     void InsertInMemo(QChar c);
     void Cancel();
 
-    TAdvCustomMemo& FMemo;
+    TMemoEditor& FMemo;
     TAssistWindow* FWindow = nullptr;
     TParameterHint FHint;
     std::unique_ptr<TAutoCompletionListBox> FListCompletion; // there while the list is open

@@ -1,6 +1,6 @@
 // Keys in the open completion list, and what accepting an entry puts into the text.
-#include "editor/Memo.h"
 #include "editor/assist/Completion.h"
+#include "editor/edit/MemoEditor.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "editor/assist/ParameterHint.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-class TAdvCustomMemo;
+class TMemoState;
 
 enum TAutoHintParameters { hpAuto, hpManual, hpNone };
 enum TAutoHintParameterPos { hpBelowCode, hpAboveCode };
@@ -24,7 +24,7 @@ int FindHintCall(QStringView line, int column, const THintParameter& chars, stri
 
 class TParameterHint {
 public:
-    TParameterHint(TAdvCustomMemo& memo) : FMemo(memo) {}
+    TParameterHint(TMemoState& memo) : FMemo(memo) {}
     virtual ~TParameterHint() = default;
 
     TAssistWindow* Window = nullptr;
@@ -57,7 +57,7 @@ private:
     void Split(string text, int paramCount);
     void Place();
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
     TAutoHintParameters FAutoHintParameters = hpAuto;
     TAdvHintForm FHintForm;
     bool FAllowAutoHint = true;

@@ -1,6 +1,6 @@
 #include "editor/edit/Blocks.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 #include <tuple>
@@ -17,7 +17,7 @@ std::vector<string> Pieces(string text) {
 /// Remembers which rows were unchanged since the last save, for an edit that puts many in anew.
 class TRowMarks {
 public:
-    TRowMarks(TAdvCustomMemo& memo, int from, int to) : FMemo(memo), FFrom(from) {
+    TRowMarks(TMemoState& memo, int from, int to) : FMemo(memo), FFrom(from) {
         for (int row = from; row <= to; ++row)
             FRows.emplace_back(memo.LineText(row), memo.GetModifiedState(row));
     }
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
     int FFrom;
     std::vector<std::pair<string, TLineModifiedState>> FRows;
 };

@@ -2,20 +2,18 @@
 // Edits of more than a character: blocks, the selection, the clipboard, indentation.
 #include "editor/history/UndoTarget.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
-enum class Linked { No, Yes }; ///< one undo step with the entry before
-enum class RecordUndo { No, Yes };
-
-class TMemoBlocks {
+class TMemoBlocks final : public TUndoBlocks {
 public:
-    explicit TMemoBlocks(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoBlocks(TMemoState& memo) : FMemo(memo) {}
 
     /// Puts `text` in at the caret, with any kind of line breaks; the caret goes behind it.
-    void InsertBuffer(const string& text, Linked linked = Linked::No);
+    void InsertBuffer(const string& text, Linked linked) override;
+    void InsertBuffer(const string& text) { InsertBuffer(text, Linked::No); }
     /// Puts each line of `text` in at the caret's column, in rows from the caret's on.
-    void InsertColumns(const string& text);
-    void DeleteSelection();
+    void InsertColumns(const string& text) override;
+    void DeleteSelection() override;
     /// Puts `text` in the place of a range in text order, as one undo step. Caret and selection go to the two
     /// offsets (TMemoWords::TextFromPos), of which the second is the caret's. Folds that hide any of it
     /// open, and marks on its lines are given up. With word wrap the range must begin where a line does,
@@ -27,12 +25,12 @@ public:
     void PasteFromClipBoard();
 
     /// Puts `indent` blanks before each row, or takes up to that many away if negative.
-    void BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo record);
+    void BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo record) override;
 
 private:
     void Place(int x, int y);
     void RemoveText(int startX, int startY, int endX, int endY);
     void RemoveColumns(int left, int top, int right, int bottom);
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
 };

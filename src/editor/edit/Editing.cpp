@@ -1,7 +1,7 @@
 #include "editor/edit/Editing.h"
 
-#include "editor/Memo.h"
 #include "editor/edit/SmartTabs.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 

@@ -1,21 +1,21 @@
 #pragma once
 // The basic edits at the caret, each with its undo entry. Undo entries replay these operations too.
-#include "base/Text.h"
+#include "editor/history/UndoTarget.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
-class TMemoEditing {
+class TMemoEditing final : public TUndoEdits {
 public:
-    explicit TMemoEditing(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoEditing(TMemoState& memo) : FMemo(memo) {}
 
-    void InsertChar(QChar c);
-    void NewLine();
-    void BackSpace();
+    void InsertChar(QChar c) override;
+    void NewLine() override;
+    void BackSpace() override;
     /// A negative `x` is the forward delete at the caret; otherwise the character that stood left of
     /// (x, y), where the caret was before it went to that character.
-    void DeleteChar(int x, int y);
+    void DeleteChar(int x, int y) override;
     /// Deletes the caret's line; of the only line nothing is left, not even an empty one.
-    void DeleteLine();
+    void DeleteLine() override;
     /// Deletes back to the start of a word, within the line.
     void DeleteWordLeft();
     /// Tab without a selection of several lines.
@@ -29,5 +29,5 @@ private:
     [[nodiscard]] string JoinNext(int row);
     void SmartTab();
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
 };

@@ -1,6 +1,6 @@
 #include "editor/edit/Keys.h"
 
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 
 #include <algorithm>
 
@@ -23,10 +23,10 @@ void TMemoKeys::KeyDown(int key, TShiftState shift) {
         return;
     if (FMemo.View && key != keyControl)
         FMemo.View->RestartCaretBlink();
-    FMemo.AllowAutoHint(!Held(shift, ssCtrl));
+    FMemo.Assist().AllowAutoHint(!Held(shift, ssCtrl));
     if (!KeepsCaret(key) && FMemo.Lines().Count() > 0)
         FMemo.Caret().MoveTo(FMemo.Caret().X(), FMemo.Caret().Y());
-    if (!FMemo.TakesKey(key, shift) && !Shortcut(key, shift))
+    if (!FMemo.Assist().TakesKey(key, shift) && !Shortcut(key, shift))
         Dispatch(key, shift);
 }
 
@@ -50,7 +50,7 @@ bool TMemoKeys::Shortcut(int key, TShiftState shift) {
         if (FMemo.Events.FOnReplace)
             FMemo.Events.FOnReplace();
     } else if (key == keySpace && ctrl && !alt) {
-        FMemo.AskForCompletion(Held(shift, ssShift));
+        FMemo.Assist().Ask(Held(shift, ssShift));
     } else {
         return false;
     }
@@ -129,7 +129,7 @@ bool TMemoKeys::ReadOnlyKey(int key, TShiftState shift) {
 void TMemoKeys::EditKey(int key, TShiftState shift) {
     switch (key) {
     case keyCtrlA:
-        return FMemo.SelectAll();
+        return FMemo.Selection().SelectAll();
     case keyBackspaceChar:
     case keyBackspace:
         return Erase(shift);

@@ -2,7 +2,7 @@
 // What keys do.
 #include "editor/place/MemoView.h"
 
-class TAdvCustomMemo;
+class TMemoEditor;
 
 /// Keys by the numbers that Qt gives them; letters are their upper case. Control characters (1 to 31) are
 /// keys of their own.
@@ -44,7 +44,7 @@ enum TMemoKey : int {
 
 class TMemoKeys {
 public:
-    explicit TMemoKeys(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoKeys(TMemoEditor& memo) : FMemo(memo) {}
 
     /// A key went down. Enter and the Ctrl letters act when their character comes (TMemoTyping::KeyPress),
     /// Backspace and Tab act here.
@@ -64,5 +64,5 @@ private:
     void ToggleOverwrite();
     void MarkModified();
 
-    TAdvCustomMemo& FMemo;
+    TMemoEditor& FMemo;
 };

@@ -1,6 +1,6 @@
 #include "editor/edit/LineCommands.h"
 
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 
 #include <algorithm>
 

@@ -4,11 +4,11 @@
 // nothing where the text can't be edited.
 #include "base/Text.h"
 
-class TAdvCustomMemo;
+class TMemoEditor;
 
 class TLineCommands {
 public:
-    explicit TLineCommands(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TLineCommands(TMemoEditor& memo) : FMemo(memo) {}
 
     /// Puts the styler's mark of line comments before each line, below one another, or takes it away where
     /// all lines have it. Blank lines are left alone.
@@ -33,5 +33,5 @@ private:
     [[nodiscard]] int Anchor() const;
     [[nodiscard]] int CaretOffset() const;
 
-    TAdvCustomMemo& FMemo;
+    TMemoEditor& FMemo;
 };

@@ -1,7 +1,7 @@
 #include "editor/edit/MemoHistory.h"
 
 #include "base/Exceptions.h"
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 #include "editor/text/Characters.h"
 
 namespace {
@@ -29,7 +29,7 @@ void ReplaceHalfPairs(TAdvMemoStrings& lines) {
 
 } // namespace
 
-void InHistory(TAdvMemo& memo, THistoryStep step, const std::function<void()>& work) {
+void InHistory(TMemoEditor& memo, THistoryStep step, const std::function<void()>& work) {
     const bool toggles = TogglesOverwrite(memo.UndoList(), step);
     const bool whole = IsWhole(memo.Lines());
     const bool indents = memo.Settings.FAutoIndent;
@@ -38,7 +38,7 @@ void InHistory(TAdvMemo& memo, THistoryStep step, const std::function<void()>& w
     try {
         work();
     } catch (const Exception&) {
-        memo.ClearUndoRedo();
+        memo.UndoList().Clear();
         memo.Settings.FAutoIndent = indents;
     }
     if (!toggles)

@@ -1,10 +1,10 @@
 #include "editor/edit/SmartTabs.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 
-int SmartTabIndent(const TAdvCustomMemo& memo) {
+int SmartTabIndent(const TMemoState& memo) {
     const int x = memo.Caret().X();
     for (int row = memo.Caret().Y() - 1; row >= 0; --row) {
         const string line = memo.LineText(row);
@@ -39,7 +39,7 @@ int WordStartBefore(const string& line, int x) {
 
 } // namespace
 
-int SmartBackTarget(const TAdvCustomMemo& memo) {
+int SmartBackTarget(const TMemoState& memo) {
     const int x = memo.Caret().X();
     if (memo.Caret().Y() < 2)
         return x - 1;

@@ -12,7 +12,7 @@ bool MovesCaret(int key) {
 }
 
 /// Whether some row's pair is cut by a line down at `column`.
-bool CutsPair(const TAdvMemo& memo, int from, int to, int column) {
+bool CutsPair(const TMemoEditor& memo, int from, int to, int column) {
     for (int row = from; row <= to; ++row)
         if (WholeColumn(memo.LineText(row), column) != column)
             return true;
@@ -112,7 +112,7 @@ void TSurrogatePairs::DeleteRestOfPairs() {
         FMemo.Editing().DeleteChar(-1, -1);
     if (!UnitBeforeCaret().isHighSurrogate() || UnitAfterCaret().isLowSurrogate())
         return;
-    if (FCompletion.IsOpen())
+    if (FMemo.Assist().IsOpen())
         FMemo.KeyPress(QChar(keyBackspaceChar)); // the list narrows its entries afresh
     else
         FMemo.Editing().BackSpace();

@@ -3,12 +3,11 @@
 // are kept together: a surrogate pair is never cut and the caret never stands inside one. Left and Right also
 // step over what combines with a character, and Delete takes it along; Backspace takes code point by code
 // point.
-#include "editor/Memo.h"
-#include "editor/assist/Completion.h"
+#include "editor/edit/MemoEditor.h"
 
 class TSurrogatePairs {
 public:
-    TSurrogatePairs(TAdvMemo& memo, TMemoCompletion& completion) : FMemo(memo), FCompletion(completion) {}
+    explicit TSurrogatePairs(TMemoEditor& memo) : FMemo(memo) {}
 
     /// A key, and the control character that comes with it, 0 for none.
     void Key(int key, TShiftState shift, char16_t character = 0);
@@ -40,6 +39,5 @@ private:
     [[nodiscard]] QChar UnitBeforeCaret() const;
     [[nodiscard]] QChar UnitAfterCaret() const;
 
-    TAdvMemo& FMemo;
-    TMemoCompletion& FCompletion;
+    TMemoEditor& FMemo;
 };

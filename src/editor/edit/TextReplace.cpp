@@ -1,5 +1,5 @@
 // The replacing side of TTextSearch.
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 #include "editor/edit/TextSearch.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "editor/edit/TextSearch.h"
 
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 
 #include <QElapsedTimer>
 
@@ -62,7 +62,7 @@ TTextMatch TTextSearch::Range(const QRegularExpressionMatch& match) {
 
 /// False where there is nothing to search for.
 bool TTextSearch::Update() {
-    if (FText.Update()) {
+    if (FText.Update(FMemo.Lines())) {
         FFresh = false;
         FSubject = Matchable(FText.Text());
     }

@@ -10,6 +10,8 @@
 
 #include <QRegularExpression>
 
+class TMemoEditor;
+
 struct TSearchQuery {
     string Text;
     bool MatchCase = false;
@@ -40,7 +42,7 @@ class TTextSearch {
 public:
     static constexpr int MostCounted = 9999;
 
-    explicit TTextSearch(TAdvCustomMemo& memo) : FMemo(memo), FText(memo) {}
+    explicit TTextSearch(TMemoEditor& memo) : FMemo(memo) {}
 
     /// Milliseconds that listing the matches may take: it happens at every key typed into a search box.
     int MostTime = 40;
@@ -87,7 +89,7 @@ private:
     void Fail(const string& text, int column);
     void FailForWork();
 
-    TAdvCustomMemo& FMemo;
+    TMemoEditor& FMemo;
     TJoinedText FText;
     TSearchQuery FQuery;
     QRegularExpression FPattern;

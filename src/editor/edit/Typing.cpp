@@ -1,13 +1,13 @@
 #include "editor/edit/Typing.h"
 
-#include "editor/Memo.h"
+#include "editor/edit/MemoEditor.h"
 
 void TMemoTyping::KeyPress(QChar c) {
     if (c == QChar(keyCtrlC)) {
         FMemo.ExecuteKey(keyCtrlC, 0);
         return;
     }
-    if (FMemo.Settings.FReadOnly || !FMemo.EditingAllowed() || FMemo.TakesChar(c))
+    if (FMemo.Settings.FReadOnly || !FMemo.EditingAllowed() || FMemo.Assist().TakesChar(c))
         return;
     FMemo.Caret().FShouldCheckCodeFolding = true;
     if (FMemo.Events.OnKeyPress)
@@ -18,7 +18,7 @@ void TMemoTyping::KeyPress(QChar c) {
         Insert(c);
     else if (code != 0 && code != keyCtrlC && code != keyBackspaceChar && code != keyTabChar)
         FMemo.ExecuteKey(code, 0); // Backspace and Tab were served when their keys went down
-    FMemo.CharTyped(c);
+    FMemo.Assist().CharTyped(c);
 }
 
 void TMemoTyping::Insert(QChar c) {
@@ -49,7 +49,7 @@ void TMemoTyping::CheckFinished(QChar c) {
     const string finished = answer;
     if (FMemo.Events.FonWordComplete)
         FMemo.Events.FonWordComplete(answer);
-    ReplaceBeforeCaret(finished, FMemo.CorrectedWord(answer));
+    ReplaceBeforeCaret(finished, FMemo.Assist().CorrectedWord(answer));
 }
 
 void TMemoTyping::ReplaceBeforeCaret(const string& word, const string& by) {

@@ -2,11 +2,11 @@
 // Typed characters, and what corrects the words that they finish.
 #include "base/Text.h"
 
-class TAdvCustomMemo;
+class TMemoEditor;
 
 class TMemoTyping {
 public:
-    explicit TMemoTyping(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoTyping(TMemoEditor& memo) : FMemo(memo) {}
 
     void KeyPress(QChar c);
 
@@ -16,5 +16,5 @@ private:
     void ReplaceLine(int row, const string& by, int x);
     void Insert(QChar c);
 
-    TAdvCustomMemo& FMemo;
+    TMemoEditor& FMemo;
 };

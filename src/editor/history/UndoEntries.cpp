@@ -5,13 +5,13 @@ namespace {
 constexpr QChar LineBreak = u'\r';
 
 /// Backspaces over `text`, which ends at the caret, as far as it is still there.
-void TakeBackTyped(TUndoTarget& memo, const string& text) {
+void TakeBackTyped(const TUndoTarget& memo, const string& text) {
     for (qsizetype i = text.size() - 1; i >= 0; --i) {
-        const string line = memo.LineText(memo.CaretY());
-        const int x = memo.CaretX();
+        const string line = memo.LineText(memo.Caret.Y());
+        const int x = memo.Caret.X();
         const bool broken = text[i] == LineBreak && x == 0;
         if (broken || (x > 0 && x <= line.size() && line[x - 1] == text[i]))
-            memo.BackSpace();
+            memo.Edits.BackSpace();
     }
 }
 
@@ -44,9 +44,9 @@ void TUndo::Redo() {
 
 void TUndo::MoveCaret(int x, int y) {
     if (y >= 0)
-        Memo->MoveToLine(y);
+        Memo->Caret.SetLine(y);
     if (x >= 0)
-        Memo->MoveToColumn(x);
+        Memo->Caret.SetColumn(x);
 }
 
 bool TInsertCharUndo::Append(const TUndo& next) {
@@ -64,11 +64,11 @@ void TInsertCharUndo::PerformUndo() {
 void TInsertCharUndo::PerformRedo() {
     for (const QChar c : FUndoText) {
         if (c != LineBreak) {
-            Memo->InsertChar(c);
+            Memo->Edits.InsertChar(c);
             continue;
         }
-        Memo->NewLine();
-        Memo->SetModifiedState(Memo->CaretY());
+        Memo->Edits.NewLine();
+        Memo->Lines->SetModifiedState(Memo->Caret.Y(), lmModified);
     }
 }
 
@@ -87,9 +87,9 @@ void TNewLineUndo::PerformUndo() {
 void TNewLineUndo::PerformRedo() {
     for (const QChar c : FUndoText) {
         if (c == LineBreak)
-            Memo->NewLine();
+            Memo->Edits.NewLine();
         else
-            Memo->InsertChar(c);
+            Memo->Edits.InsertChar(c);
     }
 }
 
@@ -99,7 +99,6 @@ void TOverwriteCharUndo::Replace(int x, int y) {
         return;
     line[x] = FUndoText[0];
     Memo->StoreLine(y, line);
-    Memo->Repaint();
 }
 
 void TOverwriteCharUndo::PerformUndo() {
@@ -107,7 +106,7 @@ void TOverwriteCharUndo::PerformUndo() {
 }
 
 void TOverwriteCharUndo::PerformRedo() {
-    Replace(Memo->CaretX(), Memo->CaretY());
+    Replace(Memo->Caret.X(), Memo->Caret.Y());
 }
 
 bool TDeleteCharUndo::Append(const TUndo& next) {
@@ -122,42 +121,42 @@ bool TDeleteCharUndo::Append(const TUndo& next) {
 void TDeleteCharUndo::PerformUndo() {
     for (const QChar c : FUndoText) {
         if (!FIsBackspace) {
-            Memo->MoveToLine(FUndoCurY0);
-            Memo->MoveToColumn(FUndoCurX0);
+            Memo->Caret.SetLine(FUndoCurY0);
+            Memo->Caret.SetColumn(FUndoCurX0);
         }
         if (c == LineBreak)
-            Memo->NewLine();
+            Memo->Edits.NewLine();
         else
-            Memo->InsertChar(c);
+            Memo->Edits.InsertChar(c);
     }
 }
 
 void TDeleteCharUndo::PerformRedo() {
     for (qsizetype i = 0; i < FUndoText.size(); ++i) {
         if (FIsBackspace)
-            Memo->BackSpace();
+            Memo->Edits.BackSpace();
         else
-            Memo->DeleteChar();
+            Memo->Edits.DeleteChar(-1, -1);
     }
 }
 
 void TDeleteLineUndo::PerformUndo() {
-    Memo->ClearSelection();
+    Memo->Selection.Clear();
     if (!FWasLast) {
-        Memo->InsertBuffer(FUndoText + "\r\n");
+        Memo->Blocks.InsertBuffer(FUndoText + "\r\n", Linked::No);
         return;
     }
     if (FUndoCurY == 0) { // it was the only line; the caret has put an empty one in its place
-        Memo->InsertBuffer(FUndoText);
+        Memo->Blocks.InsertBuffer(FUndoText, Linked::No);
         return;
     }
-    Memo->MoveToLine(FUndoCurY - 1);
-    Memo->MoveToColumn(int(Memo->LineText(FUndoCurY - 1).size()));
-    Memo->InsertBuffer("\r\n" + FUndoText);
+    Memo->Caret.SetLine(FUndoCurY - 1);
+    Memo->Caret.SetColumn(int(Memo->LineText(FUndoCurY - 1).size()));
+    Memo->Blocks.InsertBuffer("\r\n" + FUndoText, Linked::No);
 }
 
 void TDeleteLineUndo::PerformRedo() {
-    Memo->DeleteLine();
+    Memo->Edits.DeleteLine();
 }
 
 void TSelUndo::SetSelection(const TSelectionRange& range) {
@@ -168,54 +167,54 @@ void TSelUndo::SetSelection(const TSelectionRange& range) {
 }
 
 void TDeleteBufUndo::PerformUndo() {
-    Memo->ClearSelection();
+    Memo->Selection.Clear();
     if (FBlock)
-        Memo->InsertColumns(FUndoText);
+        Memo->Blocks.InsertColumns(FUndoText);
     else
-        Memo->InsertBuffer(FUndoText);
-    Memo->BeginSelectionUpdate();
-    Memo->TakeSelection(Selection(), FBlock);
-    Memo->EndSelectionUpdate();
+        Memo->Blocks.InsertBuffer(FUndoText, Linked::No);
+    Memo->Selection.BeginUpdate();
+    Memo->Selection.Take(Selection(), FBlock);
+    Memo->Selection.EndUpdate();
 }
 
 void TDeleteBufUndo::PerformRedo() {
-    Memo->TakeSelection(Selection(), FBlock);
-    Memo->DeleteSelection();
+    Memo->Selection.Take(Selection(), FBlock);
+    Memo->Blocks.DeleteSelection();
 }
 
 void TPasteUndo::PerformUndo() {
-    Memo->TakeSelection({FUndoCurX0, FUndoCurY0, FUndoCurX, FUndoCurY}, /*block=*/false);
-    Memo->DeleteSelection();
+    Memo->Selection.Take({FUndoCurX0, FUndoCurY0, FUndoCurX, FUndoCurY}, /*block=*/false);
+    Memo->Blocks.DeleteSelection();
 }
 
 void TPasteUndo::PerformRedo() {
-    Memo->ClearSelection();
-    Memo->InsertBuffer(FUndoText);
+    Memo->Selection.Clear();
+    Memo->Blocks.InsertBuffer(FUndoText, Linked::No);
 }
 
 void TReplaceUndo::Exchange(const string& by) {
-    Memo->TakeSelection(FRange, /*block=*/false);
-    Memo->DeleteSelection();
+    Memo->Selection.Take(FRange, /*block=*/false);
+    Memo->Blocks.DeleteSelection();
     // What is empty isn't deleted, and leaves the caret where it was.
-    Memo->MoveToLine(FRange.StartY);
-    Memo->MoveToColumn(FRange.StartX);
-    Memo->InsertBuffer(by);
-    FRange.EndX = Memo->CaretX();
-    FRange.EndY = Memo->CaretY();
+    Memo->Caret.SetLine(FRange.StartY);
+    Memo->Caret.SetColumn(FRange.StartX);
+    Memo->Blocks.InsertBuffer(by, Linked::No);
+    FRange.EndX = Memo->Caret.X();
+    FRange.EndY = Memo->Caret.Y();
 }
 
 void TReplaceUndo::PerformUndo() {
     Exchange(FOldText);
-    Memo->TakeSelection(FBefore, FBlock);
+    Memo->Selection.Take(FBefore, FBlock);
 }
 
 void TReplaceUndo::PerformRedo() {
     Exchange(FUndoText);
-    Memo->TakeSelection(FAfter, /*block=*/false);
+    Memo->Selection.Take(FAfter, /*block=*/false);
 }
 
 void TCorrectUndo::PerformUndo() {
-    const int row = Memo->CaretY();
+    const int row = Memo->Caret.Y();
     const string line = Memo->LineText(row);
     Memo->StoreLine(row, FUndoText);
     FUndoText = line;

@@ -133,8 +133,8 @@ private:
 class TInsertOverwriteUndo : public TUndo {
 public:
     explicit TInsertOverwriteUndo(bool insertMode) : TUndo(0, 0, 0, 0, {}), FInsertMode(insertMode) {}
-    void PerformUndo() override { Memo->SetOverwrite(FInsertMode); }
-    void PerformRedo() override { Memo->SetOverwrite(!FInsertMode); }
+    void PerformUndo() override { Memo->Settings.FOverwrite = FInsertMode; }
+    void PerformRedo() override { Memo->Settings.FOverwrite = !FInsertMode; }
     bool FInsertMode; ///< the overwrite state before the toggle
 };
 
@@ -142,8 +142,10 @@ class TIndentUndo : public TUndo {
 public:
     TIndentUndo(int rowFrom, int rowTo, int indent)
         : TUndo(0, 0, 0, 0, {}), FIndent(indent), FSelRowFrom(rowFrom), FSelRowTo(rowTo) {}
-    void PerformUndo() override { Memo->BlockIndent(FSelRowFrom, FSelRowTo, -FIndent); }
-    void PerformRedo() override { Memo->BlockIndent(FSelRowFrom, FSelRowTo, FIndent); }
+    void PerformUndo() override {
+        Memo->Blocks.BlockIndent(FSelRowFrom, FSelRowTo, -FIndent, RecordUndo::No);
+    }
+    void PerformRedo() override { Memo->Blocks.BlockIndent(FSelRowFrom, FSelRowTo, FIndent, RecordUndo::No); }
     int FIndent;
     int FSelRowFrom, FSelRowTo;
 };

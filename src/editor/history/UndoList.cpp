@@ -18,21 +18,27 @@ int TAdvUndoList::Add(std::unique_ptr<TUndo> entry) {
     return 0;
 }
 
+void TAdvUndoList::SetMemo(TUndoTarget* memo) {
+    FMemo = memo;
+    for (const auto& entry : FEntries)
+        entry->Memo = memo;
+}
+
 void TAdvUndoList::TellChange() {
-    if (FMemo)
-        FMemo->UndoChanged(CanUndo(), CanRedo());
+    if (OnChange)
+        OnChange(CanUndo(), CanRedo());
 }
 
 bool TAdvUndoList::BeginPerforming() {
-    const bool autoIndent = FMemo->AutoIndent();
-    FMemo->SetAutoIndent(false); // replayed line breaks must not indent by themselves
+    const bool autoIndent = FMemo->Settings.FAutoIndent;
+    FMemo->Settings.FAutoIndent = false; // replayed line breaks must not indent by themselves
     FIsPerforming = true;
     return autoIndent;
 }
 
 void TAdvUndoList::EndPerforming(bool autoIndent) {
     FIsPerforming = false;
-    FMemo->SetAutoIndent(autoIndent);
+    FMemo->Settings.FAutoIndent = autoIndent;
     TellChange();
 }
 
@@ -67,7 +73,7 @@ void TAdvUndoList::Redo() {
     if (FPos > 0 && Get(FPos - 1).FLinkedUndo)
         Get(--FPos).Redo();
     EndPerforming(autoIndent);
-    FMemo->Changed(); // undo leaves that out, on purpose: its replayed edits have told already
+    FMemo->Lines->OnChange(); // undo leaves that out, on purpose: its replayed edits have told already
 }
 
 void TAdvUndoList::Clear() {

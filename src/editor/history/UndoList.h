@@ -11,6 +11,8 @@ public:
     TAdvUndoList(const TAdvUndoList&) = delete;
     TAdvUndoList& operator=(const TAdvUndoList&) = delete;
 
+    std::function<void(bool canUndo, bool canRedo)> OnChange; ///< may be empty
+
     /// 0: stored as a new entry, and the redo history is gone. -1: swallowed by the newest entry, or
     /// discarded because an undo or redo is running; the entry is destroyed.
     int Add(std::unique_ptr<TUndo> entry);
@@ -34,7 +36,8 @@ public:
     /// Any value but the present one empties the list and leaves the limit at 100, on purpose.
     void SetLimit(int limit);
 
-    void SetMemo(TUndoTarget* memo) { FMemo = memo; }
+    /// The control that is undone on; entries of another go along.
+    void SetMemo(TUndoTarget* memo);
     [[nodiscard]] TUndoTarget* Memo() const { return FMemo; }
 
 private:

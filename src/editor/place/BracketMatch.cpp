@@ -1,6 +1,6 @@
 #include "editor/place/BracketMatch.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 #include <vector>
@@ -25,7 +25,7 @@ int PairOf(QChar c, bool& opens) {
 
 class TBracketSearch {
 public:
-    explicit TBracketSearch(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TBracketSearch(TMemoState& memo) : FMemo(memo) {}
 
     [[nodiscard]] TBracketMatch From(int x, int y) {
         const string line = FMemo.LineText(y);
@@ -111,7 +111,7 @@ private:
         return false;
     }
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
     TBracketMatch FFound;
     int FPair = -1;
     int FDepth = 0;
@@ -121,7 +121,7 @@ private:
 
 } // namespace
 
-TBracketMatch MatchBracket(TAdvCustomMemo& memo) {
+TBracketMatch MatchBracket(TMemoState& memo) {
     const int x = memo.Caret().X();
     const int y = memo.Caret().Y();
     const TBracketMatch before = TBracketSearch(memo).From(x - 1, y);

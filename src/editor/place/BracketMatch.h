@@ -1,6 +1,6 @@
 #pragma once
 // The bracket at the caret and its partner: ()[]{} outside strings and comments.
-class TAdvCustomMemo;
+class TMemoState;
 
 struct TBracketMatch {
     int X = -1, Y = -1;           ///< the bracket at the caret; -1: there is none with a partner
@@ -11,4 +11,4 @@ struct TBracketMatch {
 
 /// The bracket before the caret counts first, then the one behind it. Asked at every keystroke, the search
 /// gives up after 500 rows or 32 K characters, so that a megabyte stays fast.
-[[nodiscard]] TBracketMatch MatchBracket(TAdvCustomMemo& memo);
+[[nodiscard]] TBracketMatch MatchBracket(TMemoState& memo);

@@ -1,6 +1,6 @@
 #include "editor/place/Caret.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 
@@ -31,7 +31,7 @@ void TMemoCaret::LeaveLine(int y) {
     const int length = FMemo.TrimmedLength(y);
     if (trims && length < FMemo.LineLength(y))
         FMemo.Lines().Put(y, FMemo.LineText(y).left(length));
-    FMemo.HideHint();
+    FMemo.Assist().HideHint();
 }
 
 void TMemoCaret::SetColumn(int x) {
@@ -77,8 +77,6 @@ int TMemoCaret::EnsureReachable(int x) {
 }
 
 void TMemoCaret::Placed() {
-    if (!FMemo.CaretUpdates())
-        return;
     FMemo.Scroll().ScrollCaretIntoView();
     FMemo.Scroll().UpdateRange();
     if (FMemo.View)

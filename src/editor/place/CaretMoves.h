@@ -2,11 +2,11 @@
 // What the moving keys do with caret and selection.
 #include "editor/place/MemoView.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
 class TCaretMoves {
 public:
-    explicit TCaretMoves(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TCaretMoves(TMemoState& memo) : FMemo(memo) {}
 
     /// Ctrl moves by words, Shift extends a selection that ends at the caret.
     void MoveCaret(int dx, int dy, TShiftState shift);
@@ -26,5 +26,5 @@ private:
     [[nodiscard]] int EnhancedHome() const;
     void MovePage(int rows);
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
 };

@@ -1,6 +1,6 @@
 #include "editor/place/ErrorMarks.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 // line loses its marks when its text changes.
 #include <vector>
 
-class TAdvCustomMemo;
+class TMemoState;
 
 struct TErrorMark {
     int Column = 0;
@@ -13,7 +13,7 @@ struct TErrorMark {
 
 class TErrorMarks {
 public:
-    explicit TErrorMarks(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TErrorMarks(TMemoState& memo) : FMemo(memo) {}
 
     /// Marks `length` characters. A row out of range is the nearest one, and the mark ends with the line; at
     /// or behind the line's end, as in an empty line, it takes the one cell there. No text, no mark.
@@ -22,5 +22,5 @@ public:
     [[nodiscard]] std::vector<TErrorMark> Of(int row) const;
 
 private:
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
 };

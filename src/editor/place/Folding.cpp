@@ -1,6 +1,6 @@
 #include "editor/place/Folding.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <algorithm>
 
@@ -35,8 +35,12 @@ TBalance BalanceOf(QStringView line, QStringView open, QStringView close) {
 
 } // namespace
 
+bool TMemoFolding::Enabled() const {
+    return FMemo.Settings.FCodeFolding;
+}
+
 void TMemoFolding::SetEnabled(bool enabled) {
-    FEnabled = enabled;
+    FMemo.Settings.FCodeFolding = enabled;
     FStale = true;
     if (enabled)
         AutoCodeFold();
@@ -55,7 +59,7 @@ void TMemoFolding::ClearFolds() {
 
 void TMemoFolding::AutoCodeFold() {
     const TAdvCustomMemoStyler* styler = FMemo.GetStyler();
-    if (!FEnabled || !styler || styler->FBlockStart.isEmpty() || styler->FBlockEnd.isEmpty())
+    if (!Enabled() || !styler || styler->FBlockStart.isEmpty() || styler->FBlockEnd.isEmpty())
         return;
     ClearFolds();
     TAdvMemoStrings& lines = FMemo.Lines();
@@ -141,10 +145,10 @@ bool TMemoFolding::IsExpanded(int line) const {
 
 void TMemoFolding::SetExpanded(int line, bool expanded) {
     TLineProp* prop = FMemo.Lines().GetLineProp(line);
-    if (!FEnabled || !prop || !prop->FHasChildren || prop->FExpanded == expanded)
+    if (!Enabled() || !prop || !prop->FHasChildren || prop->FExpanded == expanded)
         return;
     prop->FExpanded = expanded;
-    FMemo.FoldsChanged();
+    FMemo.Lines().TellFoldsChanged();
     if (!IsVisible(FMemo.Caret().Y()))
         FMemo.Caret().SetLine(line);
 }
@@ -164,7 +168,7 @@ void TMemoFolding::Refresh() const {
     FSeenCount = lines.Count();
     FVisible.clear();
     FAnyClosed = false;
-    for (int row = 0; FEnabled && row < lines.Count() && !FAnyClosed; ++row) {
+    for (int row = 0; Enabled() && row < lines.Count() && !FAnyClosed; ++row) {
         const TLineProp* prop = lines.GetLineProp(row);
         FAnyClosed = prop != nullptr && prop->FHasChildren && !prop->FExpanded;
     }

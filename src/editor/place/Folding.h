@@ -2,13 +2,13 @@
 // Folds: nested ranges of lines that the styler's block markers make, and that can be closed.
 #include <vector>
 
-class TAdvCustomMemo;
+class TMemoState;
 
 class TMemoFolding {
 public:
-    explicit TMemoFolding(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoFolding(TMemoState& memo) : FMemo(memo) {}
 
-    [[nodiscard]] bool Enabled() const { return FEnabled; }
+    [[nodiscard]] bool Enabled() const;
     void SetEnabled(bool enabled);
 
     /// Finds the folds of the whole text anew; closed ones stay closed where a fold still starts. A line
@@ -41,8 +41,7 @@ private:
     void PlaceParents();
     void Refresh() const;
 
-    TAdvCustomMemo& FMemo;
-    bool FEnabled = false;
+    TMemoState& FMemo;
     mutable bool FStale = true;
     mutable int FSeenCount = 0;
     mutable bool FAnyClosed = false;

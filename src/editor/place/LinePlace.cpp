@@ -1,6 +1,6 @@
 #include "editor/place/LinePlace.h"
 
-#include "editor/Memo.h"
+#include "editor/place/MemoState.h"
 
 #include <QRegularExpression>
 
@@ -15,7 +15,7 @@ std::optional<TLinePlace> ReadPlace(const string& text) {
     return TLinePlace{number(match.captured(1)), number(match.captured(2))};
 }
 
-TLinePlace PlaceOfCaret(const TAdvCustomMemo& memo) {
+TLinePlace PlaceOfCaret(const TMemoState& memo) {
     int row = memo.Caret().Y();
     TLinePlace place{row + 1, memo.Caret().X() + 1};
     while (memo.IsContinuation(row))
@@ -28,7 +28,7 @@ TLinePlace PlaceOfCaret(const TAdvCustomMemo& memo) {
     return place;
 }
 
-void GoToPlace(TAdvCustomMemo& memo, const TLinePlace& place) {
+void GoToPlace(TMemoState& memo, const TLinePlace& place) {
     int row = 0; // where the line begins
     int line = 1;
     for (int next = 1; next < memo.Lines().Count() && line < place.Line; ++next) {

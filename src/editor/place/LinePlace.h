@@ -4,7 +4,7 @@
 
 #include <optional>
 
-class TAdvCustomMemo;
+class TMemoState;
 
 struct TLinePlace {
     int Line = 1;
@@ -16,6 +16,6 @@ struct TLinePlace {
 /// else.
 [[nodiscard]] std::optional<TLinePlace> ReadPlace(const string& text);
 
-[[nodiscard]] TLinePlace PlaceOfCaret(const TAdvCustomMemo& memo);
+[[nodiscard]] TLinePlace PlaceOfCaret(const TMemoState& memo);
 /// Puts the caret there, or as near as the text goes, with nothing selected and the folds around it opened.
-void GoToPlace(TAdvCustomMemo& memo, const TLinePlace& place);
+void GoToPlace(TMemoState& memo, const TLinePlace& place);

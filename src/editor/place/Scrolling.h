@@ -2,11 +2,11 @@
 // What part of the text the view shows.
 #include "editor/place/MemoView.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
 class TMemoScroll {
 public:
-    explicit TMemoScroll(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoScroll(TMemoState& memo) : FMemo(memo) {}
 
     [[nodiscard]] int LeftCol() const { return FLeftCol; }
     [[nodiscard]] int TopLine() const { return FTopLine; } ///< a row of the store
@@ -34,7 +34,7 @@ private:
     bool ScrollColumns();
     bool ScrollRows();
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
     TCellSize FCellSize;
     int FClientWidth = 0;
     int FClientHeight = 0;

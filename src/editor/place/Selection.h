@@ -2,11 +2,11 @@
 // The selection: from where it was begun to its moving end, as running text or as a rectangle.
 #include "editor/history/UndoTarget.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
-class TMemoSelection {
+class TMemoSelection final : public TUndoSelection {
 public:
-    explicit TMemoSelection(TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoSelection(TMemoState& memo) : FMemo(memo) {}
 
     [[nodiscard]] bool IsEmpty() const { return FStartX == FEndX && FStartY == FEndY; }
     [[nodiscard]] TSelectionRange Range() const { return {FStartX, FStartY, FEndX, FEndY}; }
@@ -21,17 +21,16 @@ public:
     [[nodiscard]] string Text() const;
 
     /// Nothing is selected, and the next Shift move begins at the caret.
-    void Clear();
+    void Clear() override;
     void Extend();
     void SelectAll();
-    void Take(const TSelectionRange& range, bool block);
+    void Take(const TSelectionRange& range, bool block) override;
     /// Start and end take the caret without a notice.
     void Collapse();
     void SetStart(int x, int y);
 
-    /// Notices wait for the end of the bracket.
-    void BeginUpdate() { ++FUpdates; }
-    void EndUpdate();
+    void BeginUpdate() override { ++FUpdates; }
+    void EndUpdate() override;
 
     /// The caret stands where the selection last ended.
     [[nodiscard]] bool EndsAtCaret() const;
@@ -39,7 +38,7 @@ public:
 private:
     void Tell();
 
-    TAdvCustomMemo& FMemo;
+    TMemoState& FMemo;
     int FStartX = 0, FStartY = 0, FEndX = 0, FEndY = 0;
     int FPrevSelX = 0, FPrevSelY = 0;
     bool FBlock = false;

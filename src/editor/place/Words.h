@@ -2,11 +2,11 @@
 // Words and places of the text.
 #include "base/Text.h"
 
-class TAdvCustomMemo;
+class TMemoState;
 
 class TMemoWords {
 public:
-    explicit TMemoWords(const TAdvCustomMemo& memo) : FMemo(memo) {}
+    explicit TMemoWords(const TMemoState& memo) : FMemo(memo) {}
 
     /// The word at the caret, up to word breaks on both sides; empty if there is none.
     [[nodiscard]] string WordAtCursor() const;
@@ -28,5 +28,5 @@ public:
     void PosFromText(int offset, int& x, int& y) const;
 
 private:
-    const TAdvCustomMemo& FMemo;
+    const TMemoState& FMemo;
 };

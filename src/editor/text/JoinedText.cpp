@@ -1,11 +1,10 @@
 #include "editor/text/JoinedText.h"
 
-#include "editor/Memo.h"
+#include "editor/text/LineStore.h"
 
 #include <algorithm>
 
-bool TJoinedText::Update() {
-    const TAdvMemoStrings& lines = FMemo.Lines();
+bool TJoinedText::Update(const TAdvMemoStrings& lines) {
     if (FTaken == &lines && FRevision == lines.Revision())
         return false;
     FTaken = &lines;
@@ -14,7 +13,7 @@ bool TJoinedText::Update() {
     FStarts.assign(1, 0);
     for (int row = 0; row < lines.Count(); ++row) {
         if (row > 0) {
-            if (!FMemo.IsContinuation(row))
+            if (!lines.IsContinuation(row))
                 FText += u'\n';
             FStarts.push_back(int(FText.size()));
         }

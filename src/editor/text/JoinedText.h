@@ -3,15 +3,12 @@
 // its offsets and the rows of the store. The offsets are those of TMemoWords, found faster.
 #include "base/Text.h"
 
-class TAdvCustomMemo;
 class TAdvMemoStrings;
 
 class TJoinedText {
 public:
-    explicit TJoinedText(const TAdvCustomMemo& memo) : FMemo(memo) {}
-
     /// Takes the text if it isn't the one that was taken last. True: it was another.
-    bool Update();
+    bool Update(const TAdvMemoStrings& lines);
     [[nodiscard]] const string& Text() const { return FText; }
 
     [[nodiscard]] int OffsetOf(int x, int y) const;
@@ -21,7 +18,6 @@ public:
     [[nodiscard]] int RowStart(int row) const;
 
 private:
-    const TAdvCustomMemo& FMemo;
     const TAdvMemoStrings* FTaken = nullptr;
     unsigned FRevision = 0;
     string FText;

@@ -1,5 +1,7 @@
 #include "editor/text/LineStore.h"
 
+#include "editor/text/MemoSettings.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -12,12 +14,22 @@ string TabsToBlanks(const string& text, int tabSize) {
 }
 
 string TAdvMemoStrings::Detabbed(const string& text) const {
-    return Memo ? TabsToBlanks(text, Memo->TabSize()) : text;
+    return Active() ? TabsToBlanks(text, Active()->StoreSettings().FTabSize) : text;
 }
 
 void TAdvMemoStrings::TellRowsTouched(int index) {
-    if (Memo)
-        Memo->RowsTouched(index);
+    for (TLineStoreOwner* owner : Owners)
+        owner->RowsTouched(index);
+}
+
+void TAdvMemoStrings::TellFoldsChanged() {
+    for (TLineStoreOwner* owner : Owners)
+        owner->FoldsChanged();
+}
+
+void TAdvMemoStrings::Refresh() {
+    for (TLineStoreOwner* owner : Owners)
+        owner->RefreshControl();
 }
 
 TLineObject* TAdvMemoStrings::GetObject(int index) const {
@@ -37,7 +49,7 @@ void TAdvMemoStrings::PutObject(int index, TLineObject* object) {
 }
 
 int TAdvMemoStrings::DoAdd(const string& text) {
-    if (!Memo)
+    if (!Active())
         return AddObject(text, nullptr);
     string whole = Detabbed(text);
     whole.remove(u'\n');
@@ -60,7 +72,7 @@ int TAdvMemoStrings::AddObject(const string& text, TLineObject* object) {
 }
 
 void TAdvMemoStrings::AddStrings(const TStringList& list) {
-    if (!Memo)
+    if (!Active())
         return;
     const int count = list.Count(); // a list may be added to itself
     for (int i = 0; i < count; ++i) {
@@ -69,22 +81,22 @@ void TAdvMemoStrings::AddStrings(const TStringList& list) {
     }
     RebuildLengths();
     if (FLockCount == 0)
-        Memo->RefreshControl();
+        Refresh();
 }
 
 void TAdvMemoStrings::Insert(int index, const string& text) {
     CheckIndex(index, Count() + 1);
-    if (!Memo) {
+    if (!Active()) {
         DoInsert(index, text);
         return;
     }
-    Memo->ClearSelection();
+    Active()->ClearSelection();
     qsizetype start = 0;
     for (qsizetype end; (end = text.indexOf(QStringView(u"\r\n"), start)) >= 0; start = end + 2)
         DoInsert(index++, text.mid(start, end - start));
     DoInsert(index, text.mid(start));
-    Memo->MoveCaret(Memo->CaretX(), Memo->CaretY());
-    Memo->Repaint();
+    Active()->ClampCaret();
+    Refresh();
 }
 
 void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
@@ -97,8 +109,8 @@ void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
     }
     TellRowsTouched(index);
     FListLengths.Insert(std::min(index, FListLengths.Count()), lengths);
-    if (Memo)
-        Memo->RowsInserted(index, int(rows.size()));
+    for (TLineStoreOwner* owner : Owners)
+        owner->RowsInserted(index, int(rows.size()));
     RawInsert(index, rows); // their TLineProps are made when first needed
 }
 
@@ -108,36 +120,22 @@ void TAdvMemoStrings::RemoveRows(int index, int count) {
         FListLengths.Delete(index, count);
     for (int i = 0; i < count; ++i)
         (void)TakeLineProp(index + i);
-    if (Memo)
-        Memo->RowsRemoved(index, count);
+    for (TLineStoreOwner* owner : Owners)
+        owner->RowsRemoved(index, count);
     RawDelete(index, count);
 }
 
 void TAdvMemoStrings::Delete(int index) {
     if (!Holds(index))
         return;
-    if (Memo)
-        DeleteThroughMemo(index);
+    if (Active())
+        Active()->DeleteRow(index);
     else
         RemoveRows(index, 1);
 }
 
-void TAdvMemoStrings::DeleteThroughMemo(int index) {
-    if (const TLineProp* prop = Memo->CodeFolding() ? GetLineProp(index) : nullptr) {
-        if (prop->FHasChildren)
-            Memo->RemoveCodeFolding(index);
-        if (prop->FHasParent && prop->FLastChildOfParents > 0)
-            Memo->MoveFoldEnd(index);
-    }
-    const int x = Count() == 1 ? 0 : Memo->CaretX();
-    const int y = Memo->CaretY() - (index < Memo->CaretY() ? 1 : 0);
-    Memo->MoveCaret(Memo->CaretX(), index);
-    Memo->DeleteCaretLine();
-    Memo->WriteCaret(x, y);
-}
-
 void TAdvMemoStrings::Put(int index, const string& text) {
-    if (!Memo) {
+    if (!Active()) {
         RawPut(index, text);
         return;
     }
@@ -154,12 +152,9 @@ void TAdvMemoStrings::Put(int index, const string& text) {
 }
 
 void TAdvMemoStrings::Clear() {
-    if (Memo) {
-        Memo->ClearSelection();
-        Memo->MoveCaret(0, 0);
-        Memo->Repaint();
-        Memo->RowsTouched(0);
-    }
+    if (Active())
+        Active()->GoToStart();
+    TellRowsTouched(0);
     FListLengths.Clear();
     const TLineProps gone = std::move(FLinesProp); // lives until the slots that point to them are gone
     FLinesProp.clear();
@@ -171,7 +166,7 @@ void TAdvMemoStrings::Assign(const TStringList& list) {
         return;
     const TStringsUpdate update(*this);
     Clear();
-    if (Memo) {
+    if (Active()) {
         AddStrings(list);
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 // TAdvMemoStrings: the lines of the editor, each with a TLineProp in its object slot once it needs one.
 //
-// With a control attached (Memo), changes through the list act like edits: the caret is kept in range, marks
+// With a control attached, changes through the list act like edits: the caret is kept in range, marks
 // move, a deletion can be undone, and tabs are stored as blanks. Without one it is a plain string list.
 #include "editor/text/LineStoreOwner.h"
 #include "editor/text/StringList.h"
@@ -10,7 +10,8 @@ class TAdvMemoStrings : public TStringList {
 public:
     using TLineProps = std::vector<std::unique_ptr<TLineProp>>;
 
-    TLineStoreOwner* Memo = nullptr; ///< the owning control; may be absent
+    /// The controls that show the lines, the one that the user works with first; may be empty. Borrowed.
+    std::vector<TLineStoreOwner*> Owners;
 
     /// The caller's object of a line. The TLineProp in the slot never shows. An index out of range: null,
     /// and nothing is written.
@@ -62,6 +63,14 @@ public:
     [[nodiscard]] int LockCount() const { return FLockCount; }
     void RebuildLengths();
 
+    /// A row that word wrap made: it goes on from the one before.
+    [[nodiscard]] bool IsContinuation(int index) const;
+    [[nodiscard]] TLineModifiedState ModifiedState(int index) const;
+    /// True if it was another. Ignores an index out of range.
+    bool SetModifiedState(int index, TLineModifiedState state);
+    /// Folds were opened or closed.
+    void TellFoldsChanged();
+
 protected:
     virtual int DoAdd(const string& text);
     void SetUpdateState(bool updating) override;
@@ -69,8 +78,9 @@ protected:
 private:
     [[nodiscard]] bool Holds(int index) const { return index >= 0 && index < Count(); }
     [[nodiscard]] string Detabbed(const string& text) const;
+    [[nodiscard]] TLineStoreOwner* Active() const { return Owners.empty() ? nullptr : Owners.front(); }
     void TellRowsTouched(int index);
-    void DeleteThroughMemo(int index);
+    void Refresh();
     void PlaceFolds(int index, TLineProp& prop) const;
     enum class ResetStates { No, Yes };
     void LoadThroughMemo(const std::function<void()>& load, ResetStates states);

@@ -1,48 +1,46 @@
 // Loading and saving the line store, with what each does to the control.
 #include "editor/text/LineStore.h"
+#include "editor/text/MemoSettings.h"
+#include "editor/text/WordWrap.h"
 
 #include <algorithm>
 
 void TAdvMemoStrings::LoadThroughMemo(const std::function<void()>& load, ResetStates states) {
-    Memo->ClearSelection();
-    Memo->ClearUndo();
-    Memo->MoveCaret(0, 0);
-    Memo->LoadBegins();
-    int longest = 0;
-    const auto measure = [&] {
-        Memo->RowsTouched(-1);
-        Memo->MoveCaret(0, 0);
-        // Add has replaced the tabs already.
-        for (int i = 0; i < Count(); ++i)
+    Active()->LoadBegins();
+    const auto end = [this] {
+        TellRowsTouched(-1);
+        Active()->GoToStart();
+        int longest = 0;
+        for (int i = 0; i < Count(); ++i) // Add has replaced the tabs already
             longest = std::max(longest, int(Get(i).size()));
+        Active()->LoadEnds();
+        for (TLineStoreOwner* owner : Owners)
+            owner->Loaded(longest);
     };
     try {
         load();
     } catch (...) {
-        measure();
-        Memo->LoadEnds(longest);
+        end();
         throw;
     }
-    measure();
-    Memo->LoadEnds(longest);
-    Memo->UpdateWrap();
-    Memo->AutoCodeFold();
+    end();
+    Active()->ArrangeLines();
     for (int i = 0; states == ResetStates::Yes && i < Count(); ++i) {
         if (TLineProp* prop = GetLineProp(i))
             prop->Modified = lmUnmodified;
     }
-    Memo->RefreshControl();
+    Refresh();
 }
 
 void TAdvMemoStrings::LoadFromFile(const string& name) {
-    if (Memo)
+    if (Active())
         LoadThroughMemo([&] { TStringList::LoadFromFile(name); }, ResetStates::Yes);
     else
         TStringList::LoadFromFile(name);
 }
 
 void TAdvMemoStrings::LoadFromStream(QIODevice& stream) {
-    if (Memo)
+    if (Active())
         LoadThroughMemo([&] { TStringList::LoadFromStream(stream); }, ResetStates::No);
     else
         TStringList::LoadFromStream(stream);
@@ -61,12 +59,13 @@ void TAdvMemoStrings::TrimTrailingBlanks() {
 }
 
 void TAdvMemoStrings::SaveToFile(const string& name) {
-    const bool wrapped = Memo != nullptr && Memo->WordWrapOn();
+    const bool wrapped = Active() != nullptr && Active()->StoreSettings().FWordWrap != wwNone;
+    TWordWrap wrap;
     if (wrapped)
-        Memo->Unwrap();
+        wrap.Unwrap(*this);
     const auto wrapAgain = [&] {
         if (wrapped)
-            Memo->Wrap();
+            wrap.Wrap(*this, Active()->WrapLimit());
     };
     try {
         TrimTrailingBlanks();
@@ -85,7 +84,7 @@ void TAdvMemoStrings::SaveToStream(QIODevice& stream) {
 }
 
 void TAdvMemoStrings::MarkSaved() {
-    if (!Memo)
+    if (!Active())
         return;
     const TStringsUpdate update(*this);
     for (int i = 0; i < Count(); ++i) {
@@ -93,5 +92,5 @@ void TAdvMemoStrings::MarkSaved() {
         if (prop && prop->Modified == lmModified)
             prop->Modified = lmSaved;
     }
-    Memo->Repaint();
+    Refresh();
 }

@@ -1,48 +1,40 @@
 #pragma once
-// What the line store asks of the control that shows it, and tells it.
+// What the line store tells the controls that show it, and asks of the one that the user works with.
+struct TMemoSettings;
 
 class TLineStoreOwner {
 public:
     virtual ~TLineStoreOwner() = default;
 
-    /// Blanks that stand for a tab.
-    [[nodiscard]] virtual int TabSize() const = 0;
-
-    /// The caret's fields as they are; columns and lines count from 0.
-    [[nodiscard]] virtual int CaretX() const = 0;
-    [[nodiscard]] virtual int CaretY() const = 0;
-    /// Writes the fields and does nothing else.
-    virtual void WriteCaret(int x, int y) = 0;
-    /// Moves the caret with everything that follows from it.
-    virtual void MoveCaret(int x, int y) = 0;
-    virtual void ClearSelection() = 0;
-    virtual void ClearUndo() = 0;
-
+    // Told to every control.
     /// The text of row `index` or what precedes it changed: states that were computed for rows from there on
     /// are void, and so is what was remembered of the top row if it lies below.
     virtual void RowsTouched(int index) = 0;
     /// Rows came before row `index`, or from it on went: what is kept by row number moves along.
     virtual void RowsInserted(int index, int count) = 0;
     virtual void RowsRemoved(int index, int count) = 0;
-    /// Deletes the caret's line as the user would, with undo; comes back to the store's RemoveRows.
-    virtual void DeleteCaretLine() = 0;
-
-    [[nodiscard]] virtual bool CodeFolding() const = 0;
-    virtual void RemoveCodeFolding(int line) = 0;
-    /// The line that ends folds is about to go: the ends move to the line before.
-    virtual void MoveFoldEnd(int line) = 0;
-    virtual void AutoCodeFold() = 0;
-
-    /// Loading starts: no repaint per line. It ends with the longest length and one change event.
-    virtual void LoadBegins() = 0;
-    virtual void LoadEnds(int maxLength) = 0;
-
-    [[nodiscard]] virtual bool WordWrapOn() const = 0;
-    virtual void Wrap() = 0;
-    virtual void Unwrap() = 0;
-    virtual void UpdateWrap() = 0;
-
-    /// Repaints rows only / brings ranges and painting up to date.
-    virtual void Repaint() = 0;
+    /// Folds were opened or closed.
+    virtual void FoldsChanged() = 0;
+    /// Other lines are there now, of which the longest has that length.
+    virtual void Loaded(int longest) = 0;
+    /// Brings ranges and painting up to date.
     virtual void RefreshControl() = 0;
+
+    // Asked of the active one.
+    [[nodiscard]] virtual const TMemoSettings& StoreSettings() const = 0;
+    /// The columns that word wrap leaves a line.
+    [[nodiscard]] virtual int WrapLimit() const = 0;
+    virtual void ClearSelection() = 0;
+    /// Brings the caret in range.
+    virtual void ClampCaret() = 0;
+    /// Nothing is selected, and the caret stands before the text.
+    virtual void GoToStart() = 0;
+    /// Deletes a row as the user would, with undo, and keeps the caret's place; comes back to the store's
+    /// RemoveRows.
+    virtual void DeleteRow(int index) = 0;
+    /// Loading starts: the history goes, and nothing repaints per line until it ends.
+    virtual void LoadBegins() = 0;
+    virtual void LoadEnds() = 0;
+    /// Cuts the lines for word wrap and finds the folds.
+    virtual void ArrangeLines() = 0;
 };

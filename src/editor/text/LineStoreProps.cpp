@@ -1,5 +1,6 @@
 // The TLineProp side of the line store.
 #include "editor/text/LineStore.h"
+#include "editor/text/MemoSettings.h"
 
 TLineProp* TAdvMemoStrings::GetLineProp(int index) const {
     TLineObject* object = Holds(index) ? Slot(index) : nullptr;
@@ -34,7 +35,7 @@ TLineProp& TAdvMemoStrings::CreateLineProp(int index) {
     CheckIndex(index, Count());
     auto prop = std::make_unique<TLineProp>();
     prop->FObject = GetObject(index);
-    if (Memo && Memo->CodeFolding() && index > 0)
+    if (Active() && Active()->StoreSettings().FCodeFolding && index > 0)
         PlaceFolds(index, *prop);
     SetLineProp(index, std::move(prop));
     return *GetLineProp(index);
@@ -59,4 +60,18 @@ void TAdvMemoStrings::DestroyLineProps() {
             SetSlot(i, nullptr);
     }
     FLinesProp.clear();
+}
+
+bool TAdvMemoStrings::IsContinuation(int index) const {
+    const TLineProp* prop = GetLineProp(index);
+    return prop != nullptr && prop->Wrapped;
+}
+
+TLineModifiedState TAdvMemoStrings::ModifiedState(int index) const {
+    const TLineProp* prop = GetLineProp(index);
+    return prop ? prop->Modified : lmUnmodified;
+}
+
+bool TAdvMemoStrings::SetModifiedState(int index, TLineModifiedState state) {
+    return Holds(index) && std::exchange(NeedLineProp(index).Modified, state) != state;
 }

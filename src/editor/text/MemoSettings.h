@@ -1,8 +1,8 @@
 #pragma once
 // The switches that the user of the control sets.
 #include "base/Text.h"
-#include "editor/text/WordWrap.h"
 
+enum TWordWrapStyle { wwNone, wwClientWidth, wwRightMargin };
 enum TSelectionMode { smText, smBlock };
 enum TScrollBars { sbNone, sbHorizontal, sbVertical, sbBoth };
 /// smStrict: where there is no bar, the caret stays in the view instead of scrolling it.
@@ -22,6 +22,7 @@ struct TMemoSettings {
     bool FSelectSingleLine = false;
     bool FUndoLineByLine = false; ///< a line break ends the merging of typing into one undo step
     bool FShowActiveLine = true;
+    bool FCodeFolding = false; ///< change through TMemoFolding::SetEnabled
     TSelectionMode FSelectionMode = smText;
     TScrollBars FScrollBars = sbBoth;
     TScrollMode FScrollMode = smAuto;

@@ -3,8 +3,6 @@
 // marked with TLineProp::Wrapped and joined again before a save.
 #include "editor/text/LineStore.h"
 
-enum TWordWrapStyle { wwNone, wwClientWidth, wwRightMargin };
-
 class TWordWrap {
 public:
     /// Cuts every line longer than `limit` characters. Gives up all TLineProp objects, and with them every
