@@ -46,13 +46,27 @@ void TAdvCustomMemo::SetText(const string& text) {
     RefreshControl();
 }
 
+void TAdvCustomMemo::SetWholeText(const string& text) {
+    SetText(text);
+    if (text.isEmpty() || text.endsWith(u'\n') || text.endsWith(u'\r'))
+        Lines().InsertRows(Lines().Count(), {string()});
+    ClearUndoRedo();
+}
+
+string TAdvCustomMemo::WholeText() const {
+    const std::vector<string> lines = WholeLines(Lines());
+    return QStringList(lines.begin(), lines.end()).join(u'\n');
+}
+
 void TAdvCustomMemo::SetWordWrap(TWordWrapStyle style) {
     Activate();
+    UndoList().Flush();
     const int offset = Words().TextFromPos(Caret().X(), Caret().Y());
     if (Settings.FWordWrap != wwNone)
         Unwrap();
     Settings.FWordWrap = style;
     UpdateWrap();
+    UndoList().Restart();
     int x = 0;
     int y = 0;
     Words().PosFromText(offset, x, y);

@@ -22,6 +22,9 @@ public:
 
     [[nodiscard]] string Text() const { return Lines().Text(); }
     void SetText(const string& text);
+    /// As Text and SetText, but a line end is one between lines: behind the last one an empty line shows.
+    [[nodiscard]] string WholeText() const;
+    void SetWholeText(const string& text);
     void ClearUndoRedo() { UndoList().Clear(); }
     [[nodiscard]] int UndoLimit() { return UndoList().Limit(); }
     void SetUndoLimit(int limit) { UndoList().SetLimit(limit); }

@@ -40,6 +40,11 @@ bool TMemoCompletion::IsCompletionStop(QChar /*c*/) const {
 }
 
 void TMemoCompletion::CharTyped(QChar c) {
+    if (FAutoCompletion.Yielding) {
+        FollowTyping(c);
+        if (c != u'.')
+            return;
+    }
     if (IsStartToken(c) && FAutoCompletion.Active) {
         if (FWindow)
             FWindow->StartTimer(FAutoCompletion.Delay);
@@ -61,7 +66,26 @@ void TMemoCompletion::TimerFired() {
     FAutoCompleteDot = true;
     FDotX = FMemo.Caret().X();
     FDotY = FMemo.Caret().Y();
-    ShowCompletionList();
+    if (!FAutoCompletion.Yielding || DotOffers())
+        ShowCompletionList();
+}
+
+/// Whether the dot at the caret is code and has a list of its own.
+bool TMemoCompletion::DotOffers() const {
+    int column = 0;
+    for (const TStyleRun& run : FMemo.RunsOf(FDotY)) {
+        column += int(run.Text.size());
+        if (column < FDotX)
+            continue;
+        if (run.State.isComment || run.State.isBracket)
+            return false;
+        break;
+    }
+    const TCompletionEntry none{string(QChar::Null)};
+    TCompletionList list{none};
+    if (Events.OnGetAutoCompletionList)
+        Events.OnGetAutoCompletionList(CompletionToken(), list);
+    return list.empty() || list.front() != none;
 }
 
 void TMemoCompletion::Ask(bool parameterHint) {
@@ -90,6 +114,8 @@ string TMemoCompletion::CompletionToken() const {
 
 /// What the open list is filtered by.
 string TMemoCompletion::FilterWord() const {
+    if (FAutoCompletion.Yielding)
+        return FMemo.LineText(FDotY).mid(FDotX, std::max(0, FMemo.Caret().X() - FDotX)).toUpper();
     const TMemoWords& words = FMemo.Words();
     return (FAutoCompleteDot ? words.TokenAtXY(FDotX, FDotY) : words.WordAtCursor()).toUpper();
 }
@@ -125,7 +151,8 @@ void TMemoCompletion::ShowCompletionList() {
         Events.OnBeforeAutoCompletion(word, allow);
     if (!allow)
         return;
-    CollectEntries(word);
+    CollectEntries(FAutoCompletion.Yielding ? string() : word);
+    FMoved = false;
     const int index = std::max(0, AskForList(word));
     if (FAutoCompleteList.empty())
         return;
@@ -134,7 +161,8 @@ void TMemoCompletion::ShowCompletionList() {
     if (Events.OnStartAutoCompletion)
         Events.OnStartAutoCompletion();
     OpenWindow();
-    if (const string filter = FilterWord(); FAutoCompleteDot && !filter.isEmpty()) {
+    if (const string filter = FilterWord();
+        (FAutoCompleteDot || FAutoCompletion.Yielding) && !filter.isEmpty()) {
         RefreshCompletionList(filter);
     } else {
         FListCompletion->Select(index);
@@ -168,12 +196,17 @@ void TMemoCompletion::RefreshCompletionList(const string& word) {
     const int index = AskForList(word);
     for (const TCompletionEntry& entry : FAutoCompleteList) {
         string text = entry.Text.mid(KindLength(entry.Text)).toUpper();
-        text = text.mid(text.indexOf(u'.') + 1);
+        if (!FAutoCompletion.Yielding)
+            text = text.mid(text.indexOf(u'.') + 1);
         const qsizetype at = text.indexOf(word);
         if (word.isEmpty() || at == 0 || (at > 0 && !FAutoCompletion.FromFirstChar))
             FListCompletion->Entries.push_back(entry);
     }
     FListCompletion->Select(std::max(0, index));
+    if (FAutoCompletion.Yielding)
+        SelectExact(word);
+    if (FAutoCompletion.Yielding && FListCompletion->Entries.empty())
+        return CloseCompletionList();
     if (FWindow)
         FWindow->UpdateList(*FListCompletion,
                             FAutoCompletion.SizeDropDown ? ListWidth() : FWindow->ListPlace().Width);

@@ -69,6 +69,13 @@ private:
     enum class Path { Key, Mouse };
     [[nodiscard]] string CompletionToken() const;
     [[nodiscard]] string FilterWord() const;
+    [[nodiscard]] bool DotOffers() const;
+    [[nodiscard]] bool MovesInList(int key);
+    [[nodiscard]] bool YieldsKey(int key, TShiftState shift);
+    [[nodiscard]] bool YieldsChar(QChar c);
+    [[nodiscard]] bool IsChosen() const;
+    void FollowTyping(QChar c);
+    void SelectExact(const string& word);
     void CollectEntries(const string& word);
     [[nodiscard]] int AskForList(const string& word);
     void OpenWindow();
@@ -87,4 +94,5 @@ private:
     TCompletionList FAutoCompleteList;                       // the entries before filtering
     bool FAutoCompleteDot = false;                           // opened behind a start token
     int FDotX = 0, FDotY = 0;                                // where the completed word begins then
+    bool FMoved = false;                                     // the user moved the selection in the list
 };

@@ -4,11 +4,22 @@
 
 #include <algorithm>
 
-bool TMemoCompletion::TakesKey(int key, TShiftState /*shift*/) {
+bool TMemoCompletion::TakesKey(int key, TShiftState shift) {
     if (FWindow)
         FWindow->StopTimer();
     if (!FListCompletion)
         return false;
+    if (FAutoCompletion.Yielding)
+        return !YieldsKey(key, shift);
+    if (MovesInList(key))
+        return true;
+    if (key == keyDelete && !FMemo.Settings.FReadOnly)
+        FMemo.Editing().DeleteChar(-1, -1);
+    return true; // its character does the work
+}
+
+/// The keys that move the selection.
+bool TMemoCompletion::MovesInList(int key) {
     TAutoCompletionListBox& list = *FListCompletion;
     const int page = std::max(1, FAutoCompletion.Height / std::max(1, list.ItemHeight()) - 1);
     switch (key) {
@@ -32,13 +43,10 @@ bool TMemoCompletion::TakesKey(int key, TShiftState /*shift*/) {
     case keyEnd:
         list.Select(int(list.Entries.size()) - 1);
         break;
-    case keyDelete:
-        if (!FMemo.Settings.FReadOnly)
-            FMemo.Editing().DeleteChar(-1, -1);
-        return true;
     default:
-        return true; // its character does the work
+        return false;
     }
+    FMoved = true;
     FWindow->UpdateList(list, FWindow->ListPlace().Width);
     return true;
 }
@@ -71,6 +79,8 @@ bool TMemoCompletion::TakesChar(QChar c) {
         FWindow->StopTimer();
     if (!FListCompletion)
         return false;
+    if (FAutoCompletion.Yielding)
+        return !YieldsChar(c);
     switch (c.unicode()) {
     case keyEnterChar:
         AcceptCompletionEntry(AddBrackets::Yes);
@@ -134,13 +144,28 @@ void TMemoCompletion::Accept(Path path, AddBrackets brackets) {
         inside = entry.contains(u'(') && brackets == AddBrackets::Yes;
         text = EntryText(entry, path) + (inside ? "()" : "");
     }
+    const int x0 = FMemo.Caret().X();
+    const int y0 = FMemo.Caret().Y();
+    const bool yields = FAutoCompletion.Yielding;
+    if (yields && FMemo.LineText(y0).mid(x0).startsWith(u'(') && inside) {
+        text.chop(2); // the brackets are there
+        inside = false;
+    }
+    if (yields)
+        FMemo.UndoList().Hold();
     Replace(text, path);
+    if (yields)
+        FMemo.UndoList().Release(x0, y0);
     if (inside) {
         FMemo.Caret().SetColumn(FMemo.Caret().X() - 1);
         FMemo.ClearSelection();
+        if (yields)
+            FMemo.Aids().PairPut();
         FHint.ShowParameterHint();
     }
     CloseCompletionList();
+    if (yields && text.endsWith(u'.'))
+        TimerFired(); // its members
 }
 
 void TMemoCompletion::Replace(const string& text, Path path) {
@@ -149,7 +174,10 @@ void TMemoCompletion::Replace(const string& text, Path path) {
     const string line = FMemo.LineText(y);
     int from = 0;
     int to = 0;
-    if (FAutoCompleteDot && !text.contains(u'.')) {
+    if (FAutoCompletion.Yielding) {
+        from = std::min(FDotX, x);
+        to = x;
+    } else if (FAutoCompleteDot && !text.contains(u'.')) {
         from = std::min(FDotX, x);
         to = path == Path::Key ? x : FDotX + int(FMemo.Words().TokenAtXY(FDotX, FDotY).size());
     } else {

@@ -199,6 +199,12 @@ void TMemoBlocks::PasteFromClipBoard() {
 void TMemoBlocks::BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo record) {
     TAdvMemoStrings& lines = FMemo.Lines();
     rowTo = std::min(rowTo, lines.Count() - 1);
+    auto entry = std::make_unique<TIndentUndo>(rowFrom, rowTo, indent);
+    const bool exact = FMemo.UndoList().IsExact();
+    if (exact) { // otherwise the entry has no places
+        entry->FUndoCurX0 = FMemo.Caret().X();
+        entry->FUndoCurY0 = FMemo.Caret().Y();
+    }
     FMemo.CompoundEdit([&] {
         for (int row = rowFrom; row <= rowTo; ++row) {
             const string line = FMemo.LineText(row);
@@ -215,6 +221,10 @@ void TMemoBlocks::BlockIndent(int rowFrom, int rowTo, int indent, RecordUndo rec
         FMemo.UpdateWrap();
         FMemo.Caret().SetColumn(FMemo.Caret().X()); // its line may be shorter now
     });
+    if (exact) {
+        entry->FUndoCurX = FMemo.Caret().X();
+        entry->FUndoCurY = FMemo.Caret().Y();
+    }
     if (record == RecordUndo::Yes)
-        FMemo.AddUndoStep(std::make_unique<TIndentUndo>(rowFrom, rowTo, indent));
+        FMemo.AddUndoStep(std::move(entry));
 }

@@ -40,8 +40,9 @@ void TMemoEditing::InsertChar(QChar c) {
     if (c != u'\t' && x0 > line.size())
         line += string(x0, u' ');
     const bool overwrite = FMemo.Settings.FOverwrite && c != u'\t' && x < line.size() && !c.isNull();
+    QChar replaced;
     if (overwrite) {
-        FMemo.AddUndoStep(std::make_unique<TOverwriteCharUndo>(x0, y0, x0, y0, string(line[x])));
+        replaced = line[x];
         line[x] = c;
     } else {
         line.insert(x, text);
@@ -51,8 +52,12 @@ void TMemoEditing::InsertChar(QChar c) {
         PlaceBehind(x, y0, int(text.size()));
     });
     FMemo.ClearSelection();
-    if (!overwrite && !text.isEmpty())
+    if (overwrite) {
+        const int end = FMemo.UndoList().IsExact() ? caret.X() : x0; // the rule's entry ends where it begins
+        FMemo.AddUndoStep(std::make_unique<TOverwriteCharUndo>(x0, y0, end, y0, string(replaced)));
+    } else if (!text.isEmpty()) {
         FMemo.AddUndoStep(std::make_unique<TInsertCharUndo>(x0, y0, caret.X(), caret.Y(), text));
+    }
 }
 
 void TMemoEditing::NewLine() {
@@ -199,8 +204,10 @@ void TMemoEditing::DeleteLine() {
 void TMemoEditing::DeleteWordLeft() {
     TMemoCaret& caret = FMemo.Caret();
     const int row = caret.Y();
+    const int x0 = caret.X();
     bool moved = true;
     bool blankLeft = false;
+    FMemo.UndoList().Hold();
     for (int steps = caret.X() + 1; steps > 0 && moved && caret.Y() == row && !blankLeft; --steps) {
         const int x = caret.X();
         const int y = caret.Y();
@@ -211,6 +218,21 @@ void TMemoEditing::DeleteWordLeft() {
         const string line = FMemo.LineText(caret.Y());
         blankLeft = caret.X() > 0 && caret.X() <= line.size() && line[caret.X() - 1] == u' ';
     }
+    FMemo.UndoList().Release(x0, row);
+}
+
+void TMemoEditing::DeleteWordRight() {
+    const string line = FMemo.LineText(FMemo.Caret().Y());
+    const string delimiters = FMemo.Words().Delimiters();
+    const int x = FMemo.Caret().X();
+    int end = x + 1;
+    while (end < line.size() && !(delimiters.contains(line[end - 1]) && line[end] != u' '))
+        ++end;
+    const int y = FMemo.Caret().Y();
+    FMemo.UndoList().Hold();
+    for (int count = end - x; count > 0; --count)
+        DeleteChar(-1, -1);
+    FMemo.UndoList().Release(x, y);
 }
 
 void TMemoEditing::TabKey(bool shift, bool ctrl) {

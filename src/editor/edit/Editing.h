@@ -18,6 +18,8 @@ public:
     void DeleteLine() override;
     /// Deletes back to the start of a word, within the line.
     void DeleteWordLeft();
+    /// Deletes up to the next word, within the line; at its end the line break.
+    void DeleteWordRight();
     /// Tab without a selection of several lines.
     void TabKey(bool shift, bool ctrl);
 

@@ -33,7 +33,10 @@ void TMemoKeys::KeyDown(int key, TShiftState shift) {
 bool TMemoKeys::Shortcut(int key, TShiftState shift) {
     const bool ctrl = Held(shift, ssCtrl);
     const bool alt = Held(shift, ssAlt);
-    if (ctrl && !alt && key == keyZ) {
+    if (FMemo.Settings.FMoreKeys && ctrl && !alt && Held(shift, ssShift) && key == keyZ) {
+        if (!FMemo.Settings.FReadOnly)
+            FMemo.Redo();
+    } else if (ctrl && !alt && key == keyZ) {
         FMemo.Undo(); // also when read-only, on purpose; redo isn't
     } else if (ctrl && key == keyY) {
         if (!FMemo.Settings.FReadOnly)
@@ -80,16 +83,30 @@ void TMemoKeys::Dispatch(int key, TShiftState shift) {
 
 void TMemoKeys::Tab(TShiftState shift) {
     const TMemoSelection& selection = FMemo.Selection();
-    if (!selection.IsMultiLine()) {
+    const bool inLine = FMemo.Settings.FIndentSelection && !selection.IsEmpty();
+    if (!selection.IsMultiLine() && !inLine) {
         ExecuteKey(keyTab, shift);
         return;
     }
     if (FMemo.Settings.FReadOnly)
         return;
     const TSelectionRange range = selection.Ordered();
+    const TSelectionRange before = selection.Range();
+    const int lengths[] = {FMemo.LineLength(before.StartY), FMemo.LineLength(before.EndY)};
     const int size = FMemo.Settings.FTabSize;
-    FMemo.Blocks().BlockIndent(range.StartY, range.EndY - (range.EndX == 0 ? 1 : 0),
+    FMemo.Blocks().BlockIndent(range.StartY,
+                               range.EndY - (range.EndX == 0 && range.EndY > range.StartY ? 1 : 0),
                                Held(shift, ssShift) ? -size : size, RecordUndo::Yes);
+    if (!FMemo.Settings.FIndentSelection || selection.IsBlock())
+        return;
+    // What is selected stays so; from a line's start on all of the line.
+    const auto moved = [this](int x, int y, int length) {
+        return x == 0 ? 0 : std::max(0, x + FMemo.LineLength(y) - length);
+    };
+    const TSelectionRange after{moved(before.StartX, before.StartY, lengths[0]), before.StartY,
+                                moved(before.EndX, before.EndY, lengths[1]), before.EndY};
+    FMemo.Caret().MoveTo(after.EndX, after.EndY);
+    FMemo.Selection().Take(after, /*block=*/false);
 }
 
 void TMemoKeys::ExecuteKey(int key, TShiftState shift) {
@@ -146,7 +163,7 @@ void TMemoKeys::EditKey(int key, TShiftState shift) {
     case keyInsert:
         return Held(shift, ssShift) ? FMemo.Blocks().PasteFromClipBoard() : ToggleOverwrite();
     case keyDelete:
-        return Held(shift, ssShift) ? FMemo.Blocks().CutToClipBoard() : Remove();
+        return Held(shift, ssShift) ? FMemo.Blocks().CutToClipBoard() : Remove(shift);
     default:
         return;
     }
@@ -157,30 +174,56 @@ void TMemoKeys::MarkModified() {
 }
 
 void TMemoKeys::Erase(TShiftState shift) {
-    if (!FMemo.EditingAllowed() || FMemo.Lines().Count() == 0)
+    if (!FMemo.EditingAllowed() || FMemo.Lines().Count() == 0 || OpensFold(-1))
         return;
     if (Held(shift, ssCtrl))
         FMemo.Editing().DeleteWordLeft();
     else if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty())
         FMemo.Blocks().DeleteSelection();
-    else
+    else if (!FMemo.Aids().Erase()) {
         FMemo.Editing().BackSpace();
+        FMemo.Aids().Typed({});
+    }
     MarkModified();
 }
 
 void TMemoKeys::Enter() {
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
+    FMemo.UndoList().Hold();
     FMemo.Blocks().DeleteSelection();
-    FMemo.Editing().NewLine();
+    if (!FMemo.Aids().BreakLine())
+        FMemo.Editing().NewLine();
+    FMemo.UndoList().Release(x, y);
+    FMemo.Aids().Typed(u'\r');
     MarkModified();
 }
 
-void TMemoKeys::Remove() {
-    if (FMemo.Lines().Count() == 0)
+/// Opens a closed fold at the caret, or in the selection, that the key would change otherwise.
+bool TMemoKeys::OpensFold(int direction) {
+    if (!FMemo.Settings.FGuardFolds)
+        return false;
+    TMemoFolding& folding = FMemo.Folding();
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
+    if (!FMemo.Selection().IsEmpty() && FMemo.Settings.FDelErase) {
+        const TSelectionRange range = FMemo.Selection().Ordered();
+        return folding.RevealAll(range.StartY, range.EndY);
+    }
+    if (direction < 0)
+        return x == 0 && y > 0 && folding.RevealAll(y - 1, y - 1);
+    return x >= FMemo.LineLength(y) && folding.RevealAll(y + 1, y + 1);
+}
+
+void TMemoKeys::Remove(TShiftState shift) {
+    if (FMemo.Lines().Count() == 0 || OpensFold(1))
         return;
     if (FMemo.Settings.FDelErase && !FMemo.Selection().IsEmpty()) {
         const bool expands = std::exchange(FMemo.Settings.FAutoExpand, true);
         FMemo.Blocks().DeleteSelection();
         FMemo.Settings.FAutoExpand = expands;
+    } else if (FMemo.Settings.FMoreKeys && Held(shift, ssCtrl)) {
+        FMemo.Editing().DeleteWordRight();
     } else {
         FMemo.Editing().DeleteChar(-1, -1);
     }

@@ -60,7 +60,8 @@ private:
     void EditKey(int key, TShiftState shift);
     void Erase(TShiftState shift);
     void Enter();
-    void Remove();
+    void Remove(TShiftState shift);
+    [[nodiscard]] bool OpensFold(int direction);
     void ToggleOverwrite();
     void MarkModified();
 

@@ -13,11 +13,24 @@ void TMemoEditor::KeyPress(QChar c) {
 void TMemoEditor::Undo() {
     Activate();
     UndoList().Undo();
+    ShowCaretRow();
 }
 
 void TMemoEditor::Redo() {
     Activate();
     UndoList().Redo();
+    ShowCaretRow();
+}
+
+/// What an exact history changes may lie in a closed fold.
+void TMemoEditor::ShowCaretRow() {
+    if (UndoList().IsExact())
+        Folding().Reveal(Caret().Y());
+}
+
+void TMemoEditor::MarkSaved() {
+    Lines().MarkSaved();
+    UndoList().MarkSaved();
 }
 
 TUndoTarget& TMemoEditor::UndoTarget() {

@@ -22,13 +22,24 @@ void TMemoTyping::KeyPress(QChar c) {
 }
 
 void TMemoTyping::Insert(QChar c) {
+    const int x = FMemo.Caret().X();
+    const int y = FMemo.Caret().Y();
+    // Where wrapping cuts anew, the two halves wouldn't meet.
+    const bool holds = FMemo.Settings.FWordWrap != wwNone && !FMemo.Selection().IsEmpty();
+    if (holds)
+        FMemo.UndoList().Hold();
     if (FMemo.Settings.FDelErase)
         FMemo.Blocks().DeleteSelection();
     if (FMemo.Settings.FCharCase == ecUpperCase)
         c = c.toUpper();
     else if (FMemo.Settings.FCharCase == ecLowerCase)
         c = c.toLower();
-    FMemo.Editing().InsertChar(c);
+    if (!FMemo.Aids().Type(c)) {
+        FMemo.Editing().InsertChar(c);
+        FMemo.Aids().Typed(c);
+    }
+    if (holds)
+        FMemo.UndoList().Release(x, y);
     FMemo.SetModifiedState(FMemo.Caret().Y());
     FMemo.RepaintRow(FMemo.Caret().Y());
 }

@@ -19,6 +19,7 @@ public:
     void Redo();
 
     TUndoTarget* Memo = nullptr; ///< set when the entry enters its list
+    unsigned Number = 0;         ///< of the entries of its list, from 1
     int FUndoCurX0, FUndoCurY0;  ///< caret before the edit
     int FUndoCurX, FUndoCurY;    ///< caret after it
     string FUndoText;            ///< a line break is a carriage return

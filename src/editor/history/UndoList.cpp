@@ -3,19 +3,31 @@
 #include "base/Exceptions.h"
 
 int TAdvUndoList::Add(std::unique_ptr<TUndo> entry) {
-    if (FIsPerforming)
+    if (FIsPerforming || (FHeld > 0 && IsExact()))
         return -1;
+    if (IsExact())
+        return AddExactly(*entry);
     // The newest entry is asked even while it is undone, on purpose: typing may go on where it ended.
     if (!FEntries.empty() && FEntries.front()->Append(*entry))
         return -1;
+    return Push(std::move(entry));
+}
+
+int TAdvUndoList::Push(std::unique_ptr<TUndo> entry) {
     entry->Memo = FMemo;
+    entry->Number = ++FLastNumber;
     FEntries.erase(FEntries.begin(), FEntries.begin() + FPos);
     FPos = 0;
     FEntries.insert(FEntries.begin(), std::move(entry));
     if (Count() > FLimit)
-        FEntries.pop_back();
+        ForgetLast();
     TellChange();
     return 0;
+}
+
+void TAdvUndoList::ForgetLast() {
+    FForgotten = FEntries.back()->Number;
+    FEntries.pop_back();
 }
 
 void TAdvUndoList::SetMemo(TUndoTarget* memo) {
@@ -52,6 +64,8 @@ void TAdvUndoList::Perform(TUndo& entry) {
 }
 
 void TAdvUndoList::Undo() {
+    if (IsExact())
+        return StepExactly(TStep::Back);
     if (!CanUndo() || !FMemo)
         return;
     const bool autoIndent = BeginPerforming();
@@ -66,6 +80,8 @@ void TAdvUndoList::Undo() {
 }
 
 void TAdvUndoList::Redo() {
+    if (IsExact())
+        return StepExactly(TStep::Forth);
     if (!CanRedo() || !FMemo)
         return;
     const bool autoIndent = BeginPerforming();
@@ -80,6 +96,9 @@ void TAdvUndoList::Clear() {
     FEntries.clear();
     FPos = 0;
     FIsPerforming = false; // an empty history is whole, whatever broke off before
+    FForgotten = FSaved = FLastNumber;
+    FSavedStates.clear();
+    FJournal.Restart();
     TellChange();
 }
 

@@ -1,6 +1,10 @@
 #pragma once
 // TAdvUndoList: the history of edits, newest first.
-#include "editor/history/UndoEntries.h"
+//
+// As it stands, entries replay editing operations, with all that those do not bring back. An exact history is
+// made of the lines that gave way to others instead: what is undone and redone is the text as it was, steps
+// are forgotten whole, and one step is a line of typing at most.
+#include "editor/history/ChangeUndo.h"
 
 #include <memory>
 #include <vector>
@@ -36,6 +40,25 @@ public:
     /// Any value but the present one empties the list and leaves the limit at 100, on purpose.
     void SetLimit(int limit);
 
+    /// Keeps an exact history of `lines` from here on, of up to `limit` steps. Empties the list.
+    void KeepExactly(TAdvMemoStrings& lines, int limit);
+    [[nodiscard]] bool IsExact() const { return FJournal.Watches(); }
+    /// What was changed without an entry becomes a step; called before what begins anew.
+    void Flush();
+    /// The lines as they are now are where the next step of an exact history begins.
+    void Restart() { FJournal.Restart(); }
+    /// What is changed between the two is one step of an exact history; the caret stood at (x0, y0) before.
+    void Hold() { ++FHeld; }
+    void Release(int x0, int y0);
+    /// See TChangeUndo::GoOn.
+    void GoOn(int x0, int y0, int x, int y);
+    /// The text was saved as it is now, or is that again. In an exact history only.
+    void MarkSaved();
+    /// Tells states of the text apart: the number of the newest entry that isn't undone; of the last one
+    /// forgotten where there is none.
+    [[nodiscard]] unsigned Here() const;
+    [[nodiscard]] bool IsAtSaved() const { return FSaved == Here(); }
+
     /// The control that is undone on; entries of another go along.
     void SetMemo(TUndoTarget* memo);
     [[nodiscard]] TUndoTarget* Memo() const { return FMemo; }
@@ -45,10 +68,24 @@ private:
     [[nodiscard]] bool BeginPerforming();
     void EndPerforming(bool autoIndent);
     void TellChange();
+    int Push(std::unique_ptr<TUndo> entry);
+    int AddExactly(const TUndo& entry);
+    enum class TStep { Back, Forth };
+    void StepExactly(TStep step);
+    [[nodiscard]] TChangeUndo& Change(int index) const;
+    void ForgetLast();
+    void RestoreSavedStates();
 
     std::vector<std::unique_ptr<TUndo>> FEntries; // at most FLimit
     int FPos = 0;
     TUndoTarget* FMemo;
     bool FIsPerforming = false;
     int FLimit = 100;
+    TChangeJournal FJournal;
+    unsigned FLastNumber = 0;
+    unsigned FForgotten = 0;                      // the newest one that the limit pushed out
+    unsigned FSaved = 0;                          // where the text was saved
+    std::vector<TLineModifiedState> FSavedStates; // of the lines then; those behind are unmodified
+    int FHeld = 0;
+    bool FSealed = false; // nothing merges into what was saved
 };

@@ -27,7 +27,9 @@ void TMemoCaret::SetLine(int y) {
 }
 
 void TMemoCaret::LeaveLine(int y) {
-    const bool trims = FMemo.Settings.FTrimTrailingSpaces || FMemo.Settings.FWordWrap != wwNone;
+    // What an undo puts back stays as it was.
+    const bool trims = !FMemo.UndoList().IsPerforming() &&
+                       (FMemo.Settings.FTrimTrailingSpaces || FMemo.Settings.FWordWrap != wwNone);
     const int length = FMemo.TrimmedLength(y);
     if (trims && length < FMemo.LineLength(y))
         FMemo.Lines().Put(y, FMemo.LineText(y).left(length));

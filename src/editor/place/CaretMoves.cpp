@@ -42,13 +42,27 @@ void TCaretMoves::MoveColumn(int dx, int dy, TShiftState shift) {
     const bool free = block || settings.FAutoExpand;
     if (!free && Held(shift, ssShift) && settings.FSelectSingleLine) {
         caret.SetColumn(std::clamp(x, 0, FMemo.LineLength(caret.Y())));
-    } else if (!free && dx >= 0 && dy == 0 && caret.X() >= FMemo.TrimmedLength(caret.Y())) {
+    } else if (!free && dx >= 0 && dy == 0 && caret.X() >= LineEnd(caret.Y())) {
         // Column first, line then, on purpose: at the end of the last line the caret jumps to its start.
         caret.SetColumn(0);
         caret.SetLine(FMemo.Folding().StepVisible(caret.Y(), 1));
     } else {
         caret.SetColumn(x);
     }
+}
+
+/// From where on Right goes to the next line.
+int TCaretMoves::LineEnd(int row) const {
+    return FMemo.Settings.FRightOverBlanks ? FMemo.LineLength(row) : FMemo.TrimmedLength(row);
+}
+
+/// The line's text, or its start for a caret that is there already.
+int TCaretMoves::SmartHome() const {
+    const string line = FMemo.LineText(FMemo.Caret().Y());
+    int text = 0;
+    while (text < line.size() && line[text] == u' ')
+        ++text;
+    return text == line.size() || text == FMemo.Caret().X() ? 0 : text;
 }
 
 void TCaretMoves::WordLeft() {
@@ -95,7 +109,9 @@ void TCaretMoves::Home(TShiftState shift) {
     if (Held(shift, ssCtrl))
         caret.MoveTo(0, 0);
     const bool extends = Extends(shift);
-    if (FMemo.Settings.FEnhancedHomeKey) {
+    if (FMemo.Settings.FSmartHome && !Held(shift, ssCtrl)) {
+        caret.SetColumn(SmartHome());
+    } else if (FMemo.Settings.FEnhancedHomeKey) {
         caret.SetColumn(EnhancedHome());
     } else {
         caret.SetColumn(0);

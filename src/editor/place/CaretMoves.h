@@ -24,6 +24,8 @@ private:
     void EndJump(TShiftState shift, int startX, int startY);
     void MoveColumn(int dx, int dy, TShiftState shift);
     [[nodiscard]] int EnhancedHome() const;
+    [[nodiscard]] int SmartHome() const;
+    [[nodiscard]] int LineEnd(int row) const;
     void MovePage(int rows);
 
     TMemoState& FMemo;

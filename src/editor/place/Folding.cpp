@@ -160,6 +160,25 @@ void TMemoFolding::Reveal(int line) {
     }
 }
 
+bool TMemoFolding::RevealAll(int from, int to) {
+    bool hidden = false;
+    for (int line = from; line <= std::min(to, FMemo.Lines().Count() - 1); ++line) {
+        if (IsVisible(line))
+            continue;
+        hidden = true;
+        Reveal(line);
+    }
+    return hidden;
+}
+
+void TMemoFolding::CollapseAround(int line) {
+    for (int start = line; start >= 0; --start) {
+        const TLineProp* prop = FMemo.Lines().GetLineProp(start);
+        if (prop && prop->FHasChildren && prop->FExpanded && FoldEnd(start) >= line)
+            return CollapseNode(start);
+    }
+}
+
 void TMemoFolding::Refresh() const {
     const TAdvMemoStrings& lines = FMemo.Lines();
     if (!FStale && FSeenCount == lines.Count())

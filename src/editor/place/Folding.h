@@ -21,6 +21,10 @@ public:
     void CollapseNode(int line) { SetExpanded(line, false); }
     /// Opens the closed folds that hide `line`.
     void Reveal(int line);
+    /// Opens what hides any of the lines; false if nothing does.
+    bool RevealAll(int from, int to);
+    /// Closes the innermost open fold that `line` lies in or starts.
+    void CollapseAround(int line);
     [[nodiscard]] bool IsExpanded(int line) const;
     /// The last line of the fold that starts at `line`; `line` itself if none does.
     [[nodiscard]] int FoldEnd(int line) const;

@@ -87,6 +87,11 @@ void TMemoState::LoadBegins() {
     FLetRefresh = false;
 }
 
+void TMemoState::LoadEnds() {
+    UndoList().Restart();
+    FLetRefresh = true;
+}
+
 void TMemoState::Loaded(int longest) {
     FScroll.SetMaxLength(longest);
     LinesChanged();

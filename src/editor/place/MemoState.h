@@ -115,7 +115,7 @@ public:
     void ClampCaret() override { FCaret.MoveTo(FCaret.X(), FCaret.Y()); }
     void GoToStart() override;
     void LoadBegins() override;
-    void LoadEnds() override { FLetRefresh = true; }
+    void LoadEnds() override;
     void ArrangeLines() override;
     void UndoChanged(bool canUndo, bool canRedo) override;
 

@@ -40,6 +40,10 @@ struct TAutoCompletion {
     int MaxWidth = 0;          ///< 0: no limit
     string StartToken = "(.";  ///< characters that open the list
     bool FromFirstChar = true; ///< an entry must begin with the word, not only hold it
+    /// The list never stands in the way of typing. It opens by itself behind a dot only, where that has a
+    /// list of its own, and closes when nothing fits; Enter, Tab and blank choose only what was typed at or
+    /// moved to; every other key goes to the text.
+    bool Yielding = false;
 };
 
 struct TAutoCorrect {

@@ -54,3 +54,36 @@ TAdvJSMemoStyler::TAdvJSMemoStyler(TComponent* owner) : TAdvCustomMemoStyler(own
     FDefaultExtension = ".js";
     FStylerName = "JavaScript";
 }
+
+void TAdvJSMemoStyler::UseTodaysLanguage() {
+    constexpr TColor Grey = 0x666666; // all stand out from white by 4.5:1 at least
+    constexpr TColor Brown = 0x0043A8;
+    FAllStyles.Clear();
+    TElementStyle& words = AddElement(FAllStyles, stKeyword, Blue);
+    words.SetInfo("Keywords");
+    words.SetKeyWords(
+        {"async",    "await",  "break",     "case",   "catch",  "class",      "const", "continue", "debugger",
+         "default",  "delete", "do",        "else",   "export", "extends",    "false", "finally",  "for",
+         "function", "get",    "if",        "import", "in",     "instanceof", "let",   "new",      "null",
+         "of",       "return", "set",       "static", "super",  "switch",     "this",  "throw",    "true",
+         "try",      "typeof", "undefined", "var",    "void",   "while",      "with",  "yield"});
+    TElementStyle& calls = AddElement(FAllStyles, stKeyword, Green, fsBold);
+    calls.SetInfo("Objects");
+    calls.SetKeyWords({"Document"});
+    for (const char16_t quote : {u'\'', u'"', u'`'}) {
+        AddQuotes(FAllStyles, "Text", quote);
+        TElementStyle& text = FAllStyles[FAllStyles.Count() - 1];
+        TMemoFont font = text.Font();
+        font.Color = Brown;
+        text.SetFont(font);
+    }
+    TElementStyle& symbols = AddElement(FAllStyles, stSymbol, Teal);
+    symbols.SetInfo("Symbols");
+    symbols.SetSymbols(" ,;:.()[]{}=-*/^%<>!&|?~#\r\n");
+    FExpressions = FAllStyles.Count();
+    AddElement(FAllStyles, stBracket, Brown).SetInfo("Regular expressions");
+    FCommentStyle.TextColor = Grey;
+    FLiteral = "\\";
+    FBracketsEndWithLine = true;
+    FLongBracket = u'`';
+}

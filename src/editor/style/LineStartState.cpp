@@ -1,5 +1,6 @@
 #include "editor/style/LineStartState.h"
 
+#include "editor/style/Expressions.h"
 #include "editor/style/MarkerFinder.h"
 
 #include <algorithm>
@@ -24,6 +25,8 @@ public:
     /// True when a line comment was seen.
     bool Run() {
         while (!Empty()) {
+            if (SkipExpression())
+                continue;
             if (!FState.isComment && !FState.isBracket)
                 FState.isComment = Cut(FStarts);
             if (FState.isComment && !FState.isBracket)
@@ -51,6 +54,13 @@ private:
             return false;
         FAt += length;
         return true;
+    }
+    bool SkipExpression() {
+        if (FState.isComment || FState.isBracket || FRules.Styler->FExpressions < 0 || FText[FAt] != u'/')
+            return false;
+        const qsizetype length = ExpressionLength(FText, FAt);
+        FAt += length;
+        return length > 0;
     }
     void Brackets();
     [[nodiscard]] bool FlipsBracket();
@@ -104,7 +114,9 @@ void WalkLine(QStringView line, TStyle& state, const TStyleRules& rules) {
         if (TStateWalk(piece, state, rules).Run())
             break;
     }
-    if (state.isBracket && state.EndBracket == u' ')
+    const TAdvCustomMemoStyler& styler = *rules.Styler;
+    const bool ends = styler.FBracketsEndWithLine && QChar(state.EndBracket) != styler.FLongBracket;
+    if (state.isBracket && (ends || state.EndBracket == u' '))
         state.isBracket = false; // such a bracket ends with its line
 }
 

@@ -28,6 +28,12 @@ public:
     /// holds: no escape is in force until a styler sets one.
     string FEscapeChar{QChar(0xF8FB)};
 
+    /// Strings and the like end with their line, but for those between FLongBracket.
+    bool FBracketsEndWithLine = false;
+    QChar FLongBracket;
+    /// The element that a regular expression between slashes looks like; -1: the language has none.
+    int FExpressions = -1;
+
     /// Called once the properties have been read from a form: contents that nobody claimed with
     /// TElementStyles::Init go.
     virtual void Loaded();

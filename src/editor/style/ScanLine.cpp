@@ -1,5 +1,6 @@
 #include "editor/style/ScanLine.h"
 
+#include "editor/style/Expressions.h"
 #include "editor/style/MarkerFinder.h"
 
 void TRunList::AddRun(QStringView text, TStyle& state) {
@@ -67,6 +68,7 @@ private:
     TNext Comments();
     TNext InBracket(QChar c);
     TNext OpenBracket(QChar c);
+    [[nodiscard]] bool Expression();
     void Symbol();
     void Number();
     [[nodiscard]] qsizetype NumberEnd();
@@ -103,6 +105,8 @@ TLineScan::TNext TLineScan::Step() {
             Consume(FText.size() - FAt);
             return TNext::End;
         }
+        if (Expression())
+            return TNext::Loop;
         const bool open = FState.isBracket && FState.StartBracket != 0;
         const TNext next = open ? InBracket(Here()) : FState.isBracket ? TNext::On : OpenBracket(Here());
         if (next != TNext::On)
@@ -182,7 +186,23 @@ TLineScan::TNext TLineScan::OpenBracket(QChar c) {
     if (!FState.isBracket)
         return TNext::On;
     Consume(1);
+    FHandled = false;
     return TNext::Loop;
+}
+
+/// A regular expression is one run.
+bool TLineScan::Expression() {
+    const int element = FRules.Styler->FExpressions;
+    if (FState.isBracket || element < 0 || Here() != u'/')
+        return false;
+    const qsizetype length = ExpressionLength(FText, FAt);
+    if (length == 0)
+        return false;
+    FState.isBracket = true;
+    FState.index = element;
+    Consume(length);
+    FState.isBracket = false;
+    return true;
 }
 
 void TLineScan::Symbol() {

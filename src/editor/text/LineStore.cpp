@@ -60,6 +60,8 @@ int TAdvMemoStrings::DoAdd(const string& text) {
 }
 
 int TAdvMemoStrings::AddObject(const string& text, TLineObject* object) {
+    if (Journal)
+        Journal->Replaces(Count(), 0, {text});
     TellRowsTouched(Count());
     FListLengths.Add(Integer(text.size()));
     if (FNoObjCreate)
@@ -107,6 +109,8 @@ void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
         rows.push_back(Detabbed(line));
         lengths.push_back(Integer(rows.back().size()));
     }
+    if (Journal)
+        Journal->Replaces(index, 0, rows);
     TellRowsTouched(index);
     FListLengths.Insert(std::min(index, FListLengths.Count()), lengths);
     for (TLineStoreOwner* owner : Owners)
@@ -115,6 +119,8 @@ void TAdvMemoStrings::InsertRows(int index, const std::vector<string>& lines) {
 }
 
 void TAdvMemoStrings::RemoveRows(int index, int count) {
+    if (Journal)
+        Journal->Replaces(index, count, {});
     TellRowsTouched(index);
     if (index < FListLengths.Count())
         FListLengths.Delete(index, count);
@@ -147,11 +153,15 @@ void TAdvMemoStrings::Put(int index, const string& text) {
         FListLengths.SetInteger(index, Integer(line.size()));
     if (TLineProp* prop = GetLineProp(index); prop && line != Get(index))
         prop->DropErrorInfo(); // what it pointed at may be elsewhere
+    if (Journal && line != Get(index))
+        Journal->Replaces(index, 1, {line});
     TellRowsTouched(index);
     RawPut(index, line);
 }
 
 void TAdvMemoStrings::Clear() {
+    if (Journal && Count() > 0)
+        Journal->Replaces(0, Count(), {});
     if (Active())
         Active()->GoToStart();
     TellRowsTouched(0);

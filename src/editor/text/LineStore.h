@@ -12,6 +12,7 @@ public:
 
     /// The controls that show the lines, the one that the user works with first; may be empty. Borrowed.
     std::vector<TLineStoreOwner*> Owners;
+    TLineJournal* Journal = nullptr; ///< borrowed; may be absent
 
     /// The caller's object of a line. The TLineProp in the slot never shows. An index out of range: null,
     /// and nothing is written.
@@ -70,6 +71,8 @@ public:
     bool SetModifiedState(int index, TLineModifiedState state);
     /// Folds were opened or closed.
     void TellFoldsChanged();
+    /// The text was saved: changed lines are saved ones now.
+    void MarkSaved();
 
 protected:
     virtual int DoAdd(const string& text);
@@ -85,7 +88,6 @@ private:
     enum class ResetStates { No, Yes };
     void LoadThroughMemo(const std::function<void()>& load, ResetStates states);
     void TrimTrailingBlanks();
-    void MarkSaved();
 
     int FLockCount = 0;
     TLineProps FLinesProp; // every TLineProp of this store

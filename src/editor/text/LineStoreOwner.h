@@ -1,6 +1,18 @@
 #pragma once
 // What the line store tells the controls that show it, and asks of the one that the user works with.
+#include "base/Text.h"
+
+#include <vector>
+
 struct TMemoSettings;
+
+/// Notes changes of lines before they are made.
+class TLineJournal {
+public:
+    virtual ~TLineJournal() = default;
+    /// `count` rows from `row` on give way to the lines of `by`.
+    virtual void Replaces(int row, int count, const std::vector<string>& by) = 0;
+};
 
 class TLineStoreOwner {
 public:

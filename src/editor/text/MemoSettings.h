@@ -22,6 +22,17 @@ struct TMemoSettings {
     bool FSelectSingleLine = false;
     bool FUndoLineByLine = false; ///< a line break ends the merging of typing into one undo step
     bool FShowActiveLine = true;
+
+    // What people expect of an editor today; TurnOnComforts turns all of it on.
+    bool FGuardFolds = false;      ///< Backspace and Delete open a fold before they touch what it hides
+    bool FMoreKeys = false;        ///< Ctrl+Delete, Ctrl+Shift+Z
+    bool FIndentSelection = false; ///< Tab indents also what is selected in one line
+    bool FIndentBlocks = false;    ///< a line behind an opening brace is indented, a closing one goes back
+    bool FCloseBrackets = false;   ///< brackets and quotes come in pairs; with an exact history
+    bool FSmartHome = false;       ///< Home goes to the text of a line first
+    bool FRightOverBlanks = false; ///< Right goes over blanks at a line's end, too
+    void TurnOnComforts();
+
     bool FCodeFolding = false; ///< change through TMemoFolding::SetEnabled
     TSelectionMode FSelectionMode = smText;
     TScrollBars FScrollBars = sbBoth;
@@ -31,3 +42,9 @@ struct TMemoSettings {
     int FRightMargin = 80;             ///< columns
     string FWordBreaks;                ///< what ends words for the caret; empty: the styler's symbols
 };
+
+inline void TMemoSettings::TurnOnComforts() {
+    for (bool* comfort : {&FGuardFolds, &FMoreKeys, &FIndentSelection, &FIndentBlocks, &FCloseBrackets,
+                          &FSmartHome, &FRightOverBlanks})
+        *comfort = true;
+}

@@ -62,3 +62,26 @@ void TWordWrap::Unwrap(TAdvMemoStrings& store) {
         store.PutObject(int(i), objects[i]);
     }
 }
+
+std::vector<string> WholeLines(const TAdvMemoStrings& store) {
+    std::vector<string> lines;
+    lines.reserve(size_t(store.Count()));
+    for (int i = 0; i < store.Count(); ++i) {
+        if (store.IsContinuation(i) && !lines.empty())
+            lines.back() += store.Get(i);
+        else
+            lines.push_back(store.Get(i));
+    }
+    return lines;
+}
+
+int RowOfLine(const TAdvMemoStrings& store, int line) {
+    int row = 0;
+    for (int next = 1; next < store.Count() && line > 0; ++next) {
+        if (store.IsContinuation(next))
+            continue;
+        row = next;
+        --line;
+    }
+    return row;
+}

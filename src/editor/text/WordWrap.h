@@ -19,6 +19,11 @@ private:
     TIntList FWWList;
 };
 
+/// The lines with their continuations joined.
+[[nodiscard]] std::vector<string> WholeLines(const TAdvMemoStrings& store);
+/// Where a line begins, counted without continuations; the last one for a line behind it.
+[[nodiscard]] int RowOfLine(const TAdvMemoStrings& store, int line);
+
 /// Takes the first part of a line longer than `limit` characters and returns where it ends: behind the last
 /// blank that leaves the part shorter than `limit`, or at `limit` where there is none.
 [[nodiscard]] qsizetype WrapCut(QStringView line, int limit);
