@@ -13,7 +13,8 @@ public:
     /// Whether it is started with the display that the test itself has.
     enum class TDisplay { None, OfTest };
 
-    explicit TRealAgent(const string& settings, TDisplay display = TDisplay::None) {
+    explicit TRealAgent(const string& settings, TDisplay display = TDisplay::None,
+                        const string& program = MORVANE_AGENT) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove("WAYLAND_DISPLAY");
         environment.remove("QT_QPA_PLATFORM");
@@ -22,7 +23,7 @@ public:
         environment.insert("XDG_CONFIG_HOME", settings);
         environment.insert("XDG_RUNTIME_DIR", settings);
         FProcess.setProcessEnvironment(environment);
-        FProcess.start(MORVANE_AGENT, QStringList());
+        FProcess.start(program, QStringList());
         EXPECT_TRUE(FProcess.waitForStarted());
     }
     ~TRealAgent() { Kill(); }

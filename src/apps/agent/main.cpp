@@ -2,6 +2,7 @@
 #include "agent/AgentProgram.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
+#include "base/Module.h"
 #include "desktop/Desktop.h"
 #include "platform/AppInstances.h"
 #include "platform/DescriptorLimit.h"
@@ -15,6 +16,7 @@ int main() {
     try {
         IgnoreDisruptiveSignals();
         RaiseDescriptorLimit();
+        HoldModules();
         [[maybe_unused]] const bool service = ServiceNotice().Listening(); // before there are threads
         const TTimerManagerUse timers;
         const auto instances = CheckSingleInstance();
