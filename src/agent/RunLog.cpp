@@ -70,11 +70,8 @@ void TRunLog::Line(const string& text) {
     FWritten = FWritten || written == line.size();
 }
 
-void TRunLog::Framed(QChar frame, const string& text) {
-    const string border(FrameWidth, frame);
-    Line(border);
-    Line(text);
-    Line(border);
+string TRunLog::Border(QChar frame) {
+    return string(FrameWidth, frame);
 }
 
 void TRunLog::Complain(int error) {

@@ -17,8 +17,8 @@ public:
 
     /// Each line has left the program when this returns.
     void Line(const string& text);
-    /// `text` between two lines of 256 times `frame`.
-    void Framed(QChar frame, const string& text);
+    /// The line of 256 times `frame` that stands above and below some others.
+    [[nodiscard]] static string Border(QChar frame);
 
 private:
     void Complain(int error);

@@ -1,5 +1,6 @@
 #include "base/Settings.h"
 
+#include "base/Journal.h"
 #include "base/Paths.h"
 
 #include <QDir>
@@ -23,14 +24,20 @@ int DaysOf(const QSettings& settings, const string& key) {
     return valid ? std::max(days, 0) : 0;
 }
 
+/// The base directory rules tell programs to ignore a relative path.
+string BaseFolder(const char* variable, const char* standard) {
+    const string configured = qEnvironmentVariable(variable);
+    return configured.startsWith(u'/') ? configured : QDir::homePath() + QLatin1String(standard);
+}
+
 } // namespace
 
 string SettingsFile() {
-    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory rules tell programs to ignore a relative path.
-    const string base =
-        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
-    return base + QStringLiteral("/morvane/settings.ini");
+    return BaseFolder("XDG_CONFIG_HOME", "/.config") + QStringLiteral("/morvane/settings.ini");
+}
+
+string StateFolder() {
+    return BaseFolder("XDG_STATE_HOME", "/.local/state") + QStringLiteral("/morvane/");
 }
 
 TEditorSettings GetEditorSettings() {
@@ -47,4 +54,23 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
     result.KeepDays = DaysOf(settings, QStringLiteral("KeepDays"));
     return result;
+}
+
+Cardinal GetScriptMemory() {
+    constexpr Cardinal Standard = 256;
+    constexpr Cardinal Least = 16;
+    constexpr Cardinal Most = 65536;
+    const QSettings settings(SettingsFile(), QSettings::IniFormat);
+    const string text = TextOf(settings, QStringLiteral("ScriptMemory"), QString::number(Standard));
+    bool isNumber = false;
+    const Cardinal value = text.toUInt(&isNumber);
+    if (isNumber && value >= Least && value <= Most)
+        return value;
+    JournalLine(
+        QStringLiteral("\"%1\": ScriptMemory is \"%2\", which is no number from %3 to %4; it is taken as %5")
+            .arg(SettingsFile(), text)
+            .arg(Least)
+            .arg(Most)
+            .arg(Standard));
+    return Standard;
 }

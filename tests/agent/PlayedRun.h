@@ -45,7 +45,7 @@ protected:
         FClock.Restart();
         RegisterActionClasses();
         FThread = std::make_unique<TWatchedFoldersThread>(
-            FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint, FStatus}, FSettings);
+            FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint, FStatus, FState}, FSettings);
     }
     void Play(int ticks = 1) {
         if (FThread == nullptr)
@@ -79,5 +79,6 @@ protected:
     TNotedHint FHint;
     TAgentStatus FStatus;
     TRunSettings FSettings;
+    string FState; ///< folder of the notes on files at work; none by default
     std::unique_ptr<TWatchedFoldersThread> FThread;
 };
