@@ -5,6 +5,8 @@
 
 #include <QRandomGenerator>
 
+#include <sys/resource.h>
+
 TEST(RealAgent, WorksAndStopsOnSigterm) {
     const TConfiguredWorkspace workspace;
     TRealAgent agent(workspace.Path("settings"));
@@ -18,12 +20,27 @@ TEST(RealAgent, WorksAndStopsOnSigterm) {
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }
 
+TEST(RealAgent, MayHaveAsManyFilesOpenAsTheSystemAllows) {
+    const TConfiguredWorkspace workspace;
+    rlimit former{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit low{256, former.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
+    TRealAgent agent(workspace.Path("settings"));
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_TRUE(Eventually([&] {
+        rlimit limit{};
+        return ::prlimit(pid_t(agent.FProcess.processId()), RLIMIT_NOFILE, nullptr, &limit) == 0 &&
+               limit.rlim_cur == former.rlim_max;
+    }));
+}
+
 TEST(RealAgent, MissingConfigurationFolderIsTold) {
     const TConfiguredWorkspace workspace;
     QDir(workspace.Path("c")).removeRecursively();
     TRealAgent agent(workspace.Path("settings"));
     EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
-    EXPECT_EQ(agent.FProcess.exitCode(), 0);
+    EXPECT_EQ(agent.FProcess.exitCode(), 1) << "a service starts again";
     EXPECT_TRUE(agent.FProcess.readAllStandardError().contains("Configuration Path is missing or invalid. "));
 }
 

@@ -1,5 +1,7 @@
 #include "scripting/mozjs/Core.h"
 
+#include "base/Module.h"
+
 #include <js/ArrayBuffer.h>
 #include <js/CompilationAndEvaluation.h>
 #include <js/CompileOptions.h>
@@ -477,6 +479,8 @@ void TMozCore::OnRejection(JSContext* /*cx*/, bool /*muted*/, JS::HandleObject p
         if (rejected[i - 1] == promise)
             rejected.erase(rejected.begin() + (i - 1));
 }
+
+MORVANE_MODULE
 
 extern "C" [[gnu::visibility("default")]] TScriptCore* MorvaneMakeScriptCore(const TScriptCoreHost& host);
 TScriptCore* MorvaneMakeScriptCore(const TScriptCoreHost& host) {
