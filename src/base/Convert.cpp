@@ -1,6 +1,7 @@
 #include "base/Convert.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeNames.h"
 
 #include <QObject>
 
@@ -252,5 +253,5 @@ QVariant ConvertTo(const QVariant& value, QMetaType target, const string& what) 
     const string given = from == Kind::Text ? u'"' + TextOf(value) + u'"' : value.toString();
     throw EConvertError(QStringLiteral("%1: %2 is no %3")
                             .arg(what, given.isEmpty() ? QString::fromLatin1(value.metaType().name()) : given,
-                                 QString::fromLatin1(target.name())));
+                                 TypeNameWithValues(target)));
 }

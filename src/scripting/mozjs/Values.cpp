@@ -2,6 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
+#include "base/TypeNames.h"
 #include "scripting/mozjs/Classes.h"
 
 #include <js/Array.h>
@@ -51,8 +52,7 @@ Shape ShapeOf(QMetaType type) {
 }
 
 [[noreturn]] void Refuse(const string& what, const string& given, QMetaType target) {
-    throw EConvertError(
-        QStringLiteral("%1: %2 is no %3").arg(what, given, QString::fromLatin1(target.name())));
+    throw EConvertError(QStringLiteral("%1: %2 is no %3").arg(what, given, TypeNameWithValues(target)));
 }
 
 /// Numbers and Booleans have one spelling; an object has none that a path or a caption could be meant by, but
