@@ -62,11 +62,11 @@ void Rebind(TDocumentCore& core, const string& path) {
 TPDFDocument::TPDFDocument(TComponent* owner) : TComponent(owner), FCore(std::make_unique<TDocumentCore>()) {}
 TPDFDocument::~TPDFDocument() = default;
 
-bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password) {
+bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password, int descriptor) {
     auto core = std::make_unique<TDocumentCore>();
-    core->Source = TakeTested(fileName, password);
+    core->Source = TakeTested(fileName, password, descriptor);
     if (!core->Source)
-        core->Source = OpenSource(fileName, password);
+        core->Source = OpenSource(fileName, password, descriptor);
     core->FileName = fileName;
     core->Handler = HandlerOf(*core->Source);
     TakePages(*core);
@@ -74,19 +74,29 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
     return true;
 }
 
-bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
-    TPartFile file(fileName);
+void TPDFDocument::WriteTo(TPartFile& file) {
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
         throw;
     } catch (const std::exception& e) {
-        throw Translated(e, QStringLiteral("write"), fileName);
+        throw Translated(e, QStringLiteral("write"), file.FinalPath());
     }
     RequireSoundSources(*FCore->Source);
     FCore->Source->CollectWarnings();
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
+}
+
+void TPDFDocument::SaveToFreeName(const string& fileName) {
+    TPartFile file(fileName);
+    WriteTo(file);
+    PublishFree(file);
+}
+
+bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
+    TPartFile file(fileName);
+    WriteTo(file);
     file.PublishReplacing();
     if (!keepSource)
         Rebind(*FCore, fileName);

@@ -16,9 +16,9 @@ bool Allows(const TDocumentCore& core, quint32 bits) {
 
 } // namespace
 
-bool TPDFDocument::IsPasswordProtected(const string& fileName) {
+bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor) {
     try {
-        KeepTested(OpenSource(fileName, {}));
+        KeepTested(OpenSource(fileName, {}, descriptor));
         return false;
     } catch (const EPDFError& e) {
         if (e.Kind() == TPDFErrorKind::NeedsPassword || e.Kind() == TPDFErrorKind::Unsupported)

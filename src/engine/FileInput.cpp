@@ -17,11 +17,17 @@ constexpr qpdf_offset_t WholeFile = 1 << 20; // files up to this size are read i
 constexpr qpdf_offset_t Window = 1 << 16;
 constexpr qpdf_offset_t Alignment = 1 << 12;
 
+int OpenOrShare(const string& path, int descriptor) {
+    // O_NONBLOCK: a FIFO of that name must not hold us up.
+    return descriptor == TFileInput::NotOpen
+               ? ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)
+               : ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+}
+
 } // namespace
 
-TFileInput::TFileInput(const string& path) : FPath(path), FName(ExtractFileName(path).toStdString()) {
-    // O_NONBLOCK: a FIFO of that name must not hold us up.
-    FDescriptor = ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+TFileInput::TFileInput(const string& path, int descriptor)
+    : FPath(path), FName(ExtractFileName(path).toStdString()), FDescriptor(OpenOrShare(path, descriptor)) {
     if (FDescriptor < 0)
         throw EFileError("open", path, errno);
     if (::fstat(FDescriptor, &FInfo) == 0 && S_ISREG(FInfo.st_mode))
@@ -36,10 +42,10 @@ TFileInput::~TFileInput() {
 
 void TFileInput::RequireSound() const {
     if (FError != 0)
-        throw EFileError("read", FPath, FError);
+        throw EReadError(FPath, FError);
     struct stat now {};
     if (::fstat(FDescriptor, &now) != 0)
-        throw EFileError("read", FPath, errno);
+        throw EReadError(FPath, errno);
     if (now.st_size < FInfo.st_size)
         throw EPDFError(QStringLiteral("\"%1\" was shortened while it was worked on.").arg(FPath));
 }

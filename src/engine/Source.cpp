@@ -105,10 +105,10 @@ void TPDFSource::CollectWarnings() {
         Warnings.append(QString::fromUtf8(warning.what()));
 }
 
-TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
+TPDFSourcePtr OpenSource(const string& path, const NarrowString& password, int descriptor) {
     auto source = std::make_shared<TPDFSource>();
     source->Path = path;
-    source->Input = std::make_shared<TFileInput>(path);
+    source->Input = std::make_shared<TFileInput>(path, descriptor);
     try {
         ReadWithPassword(*source, password);
         source->Walk = WalkPages(*source->Pdf);
@@ -135,12 +135,14 @@ void KeepTested(TPDFSourcePtr source) {
     Tested = std::move(source);
 }
 
-TPDFSourcePtr TakeTested(const string& path, const NarrowString& password) {
+TPDFSourcePtr TakeTested(const string& path, const NarrowString& password, int descriptor) {
     TPDFSourcePtr source = std::move(Tested);
     Tested.reset();
     struct stat now {};
-    if (!source || source->Path != path || source->Password != password ||
-        ::stat(PathBytes(path).constData(), &now) != 0 || !SameFile(now, source->Input->Info()))
+    const int looked = descriptor == TFileInput::NotOpen ? ::stat(PathBytes(path).constData(), &now)
+                                                         : ::fstat(descriptor, &now);
+    if (!source || source->Path != path || source->Password != password || looked != 0 ||
+        !SameFile(now, source->Input->Info()))
         return nullptr;
     return source;
 }

@@ -26,8 +26,10 @@ struct TPDFSource {
 
 using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 
-/// Opens a file. Raises EPDFError, whose kind says what is wrong, or EFileError.
-[[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password);
+/// Opens a file, or takes the one that is open as `descriptor` under the name `path`. Raises EPDFError, whose kind
+/// says what is wrong, or EFileError.
+[[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password,
+                                       int descriptor = TFileInput::NotOpen);
 
 /// A source without file and without pages.
 [[nodiscard]] TPDFSourcePtr NewSource();
@@ -36,7 +38,8 @@ using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 /// for the thread's next TakeTested, which gives it back if path and password are the same and the file has
 /// not changed since, and null otherwise.
 void KeepTested(TPDFSourcePtr source);
-[[nodiscard]] TPDFSourcePtr TakeTested(const string& path, const NarrowString& password);
+[[nodiscard]] TPDFSourcePtr TakeTested(const string& path, const NarrowString& password,
+                                       int descriptor = TFileInput::NotOpen);
 
 /// libqpdf's exception as one of ours; `doing` reads as in "Cannot open".
 [[nodiscard]] EPDFError Translated(const std::exception& e, const string& doing, const string& path);

@@ -1,4 +1,3 @@
-#include "base/UniqueName.h"
 #include "engine/Document.h"
 #include "engine/editor/Editor.h"
 #include "scripting/ScriptDocument.h"
@@ -35,9 +34,12 @@ TJSPDFDocument* TJSPDFDocument::ExtractPages(const string& pageRange, const stri
     TZQPDFDocument& target = extracted->Document();
     target.ImportPagesFrom(Document(), Narrow(pageRange), -1);
     target.DeletePage(0); // the blank page that a new document starts with
-    if (!fileName.isEmpty())
-        target.SaveCopyToFile(OverwriteExisting ? fileName : UniqueFileName(fileName),
-                              /*keepSource=*/true, /*takeName=*/false);
+    if (fileName.isEmpty())
+        return extracted.release();
+    if (OverwriteExisting)
+        target.SaveCopyToFile(fileName, /*keepSource=*/true, /*takeName=*/false);
+    else
+        target.SaveToFreeName(fileName);
     return extracted.release();
 }
 

@@ -155,8 +155,8 @@ TEST_F(ConfigurationTest, LintNamesActionsThatFailOrDoNothing) {
 }
 
 TEST_F(ConfigurationTest, LintNamesFoldersThatCannotBeServed) {
-    QDir().mkpath(FWorkspace.Path("in"));
-    QDir().mkpath(FWorkspace.Path("other"));
+    for (const char* folder : {"in", "other", "more", "last"})
+        QDir().mkpath(FWorkspace.Path(folder));
     FWorkspace.Write("blocked/output", "a file");
     const struct {
         QByteArray Name, More, Fault; ///< the fault without its place
@@ -169,6 +169,10 @@ TEST_F(ConfigurationTest, LintNamesFoldersThatCannotBeServed) {
         {"DIR/other/../in/", "",
          "the folder \"DIR/other/../in/\" stands in line 1 already: each of its files goes "
          "to whichever of the two comes first"},
+        {"DIR/more", "<Policy><QuietSeconds>-5</QuietSeconds></Policy>",
+         "QuietSeconds: -5 is no time to wait"},
+        {"DIR/last", "<Policy><RepeatLine>OnChange</RepeatLine></Policy>",
+         "unknown element \"RepeatLine\" in \"Policy\", did you mean \"RepeatLines\"?"},
         {"DIR/other", "<Action>Wrok</Action>", "there is no action list \"Wrok\", did you mean \"Work\"?"},
     };
     FWorkspace.Write(

@@ -209,8 +209,8 @@ TEST_F(DesktopAgentTest, AnExitInsideTheEventLoopEndsTheRunBeforeWhatItUses) {
 
 TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
     // The run's work takes until the desktop has had its turn.
-    struct TLongWork : TFolderFiles {
-        QStringList ReadyFiles(const string&, qint64) override {
+    struct TLongWork : TPlainFiles {
+        QStringList ReadyFiles(const TFolder&, qint64, const TQuietTime&) override {
             Begun.set_value();
             DesktopTurn = Turn.get_future().wait_for(std::chrono::minutes(1));
             return {};

@@ -20,6 +20,7 @@ public:
         if (display == TDisplay::None)
             environment.remove("DISPLAY");
         environment.insert("XDG_CONFIG_HOME", settings);
+        environment.insert("XDG_STATE_HOME", settings + "/state");
         environment.insert("XDG_RUNTIME_DIR", settings);
         FProcess.setProcessEnvironment(environment);
         FProcess.start(MORVANE_AGENT, QStringList());

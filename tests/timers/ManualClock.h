@@ -37,6 +37,15 @@ public:
         FChanged.wait_for(lock, std::chrono::minutes(1), [&] { return FAsleep; });
     }
     void Advance(Cardinal ms) { Advance(ms, FTime); }
+    /// Time goes by with nobody asleep.
+    void Pass(Cardinal ms) {
+        const std::lock_guard guard(FLock);
+        FTicks += ms;
+    }
+    bool WasAskedToSleep() {
+        const std::lock_guard guard(FLock);
+        return FLastSleep != 0;
+    }
     /// From now on nobody is held.
     void Release() {
         const std::lock_guard guard(FLock);

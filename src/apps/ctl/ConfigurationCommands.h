@@ -5,8 +5,8 @@
 /// Makes the folder with both configuration files, an example list and the folder that it serves (Morvane in
 /// the home folder, or inbox in `folder`), and the settings where there are none. What is there already stays
 /// as it is. An empty `folder` is that of the settings.
-[[nodiscard]] TOutcome Init(const string& folder, int timeoutMs);
+[[nodiscard]] TCommandResult Init(const string& folder, const TCommandOptions& options);
 
 /// Reads both files and names with file and line all that the agent could not use or that would come to
 /// nothing (apps/ctl/lint).
-[[nodiscard]] TOutcome Lint(const string& folder, int timeoutMs);
+[[nodiscard]] TCommandResult Lint(const string& folder, const TCommandOptions& options);

@@ -38,6 +38,9 @@ constexpr char ExampleFolders[] = R"(<?xml version="1.0" encoding="UTF-8"?>
       <OverwriteExistingFiles>false</OverwriteExistingFiles>
       <CheckEvery>1</CheckEvery>
       <Action>Received</Action>
+      <Policy>
+        <RepeatLines>OnChange</RepeatLines>
+      </Policy>
     </Folder>
   </Folders>
 </WatchedFolder>
@@ -68,7 +71,7 @@ string InboxOf(const string& wanted, const string& path) {
 
 } // namespace
 
-TOutcome Init(const string& folder, int /*timeoutMs*/) {
+TCommandResult Init(const string& folder, const TCommandOptions& /*options*/) {
     const string configured = GetEditorSettings().ConfigurationFolder;
     const string wanted = folder.isEmpty() ? configured : QDir(folder).absolutePath();
     const string path = folder.isEmpty() ? ExpandEnvironment(configured) : wanted;

@@ -5,7 +5,7 @@
 #include "base/Paths.h"
 #include "base/Settings.h"
 
-TOutcome Lint(const string& folder, int /*timeoutMs*/) {
+TCommandResult Lint(const string& folder, const TCommandOptions& /*options*/) {
     const string path = IncludeTrailingDelimiter(
         folder.isEmpty() ? ExpandEnvironment(GetEditorSettings().ConfigurationFolder) : folder);
     if (!DirectoryExists(path))

@@ -69,6 +69,10 @@ public:
         if (folder.Enabled && folder.CheckEvery == 0)
             FFile.Fault(LineOf(element, {QStringLiteral("CheckEvery")}),
                         QStringLiteral("\"%1\" is never served, as its CheckEvery is 0").arg(folder.Name));
+        if (folder.Policy.QuietSeconds < 0)
+            FFile.Fault(
+                LineOf(element, {QStringLiteral("Policy"), QStringLiteral("QuietSeconds")}),
+                QStringLiteral("QuietSeconds: %1 is no time to wait").arg(folder.Policy.QuietSeconds));
     }
 
 private:
