@@ -9,8 +9,8 @@
 
 class TFileInput : public InputSource {
 public:
-    /// Opens a regular file for reading. Raises EFileError. With a descriptor, `path` is only the name of a file
-    /// that is open already; it stays the caller's.
+    /// Opens a regular file for reading. Raises EFileError. With a descriptor, `path` is only the name of a
+    /// file that is open already; it stays the caller's.
     explicit TFileInput(const string& path, int descriptor = NotOpen);
     static constexpr int NotOpen = -1;
     ~TFileInput() override;

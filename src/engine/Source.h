@@ -26,8 +26,8 @@ struct TPDFSource {
 
 using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 
-/// Opens a file, or takes the one that is open as `descriptor` under the name `path`. Raises EPDFError, whose kind
-/// says what is wrong, or EFileError.
+/// Opens a file, or takes the one that is open as `descriptor` under the name `path`. Raises EPDFError, whose
+/// kind says what is wrong, or EFileError.
 [[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password,
                                        int descriptor = TFileInput::NotOpen);
 
