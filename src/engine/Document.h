@@ -11,9 +11,8 @@
 #include "engine/Pages.h"
 #include "engine/Security.h"
 #include "engine/Types.h"
+#include "engine/Warnings.h"
 #include "engine/outlines/Objects.h"
-
-#include <QStringList>
 
 struct TDocumentCore;
 class TPartFile;
@@ -60,7 +59,7 @@ public:
     /// Path of the document's file; empty for a new document.
     [[nodiscard]] const string& FileName() const;
     /// What was wrong with the file and could be lived with, and what a save invalidates.
-    [[nodiscard]] QStringList Warnings() const;
+    [[nodiscard]] TPDFWarnings Warnings() const;
     /// Gives back the file and everything read from it. A document so emptied has no pages, takes a few
     /// hundred bytes and can only be freed or used to open another file.
     void ReleaseBulk();

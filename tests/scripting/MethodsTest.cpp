@@ -48,6 +48,7 @@ QList<TMethodCase> DocumentCases() {
          Said, "false,false,true"},
         {"TPDFDocument.Decrypt", "ShowMessage(Document.Decrypt())", Said,
          "false"}, // there is no protection to take off
+        {"TPDFDocument.GetSignaturesCount", "ShowMessage(Document.GetSignaturesCount())", Said, "0"},
         {"TPDFDocument.AddFileAttachment", "Document.AddFileAttachment('DIR/note.txt')", Attached,
          "note.txt"},
         {"TPDFDocument.AddDocumentDescription",
@@ -192,6 +193,11 @@ QList<TMethodCase> DocumentCases() {
          "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0:3:7:0>'};"
          "s.FillBatesStrl(); ShowMessage(s.Numbers.join())",
          Said, "<BN:0:3:7:0>=7"},
+        {"TZQPDFBatesDictionary.ContinueNumbers",
+         "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0,3,7,0> <BN:0:3:7:0>', "
+         "BatesNumbers: '\"<BN:0,3,7,0>=9\",<BN:0:3:7:0>=8'};"
+         "s.ContinueNumbers(); ShowMessage(s.Numbers.join(' '))",
+         Said, "<BN:0,3,7,0>=9 <BN:0:3:7:0>=8"},
         {"TZQPDFBatesDictionary.SetStartToCurNum",
          "const s = new TZQPDFBatesDictionary(); s.Numbers = ['<BN:0:3:7:0>=9'];"
          "s.SetStartToCurNum(); ShowMessage(s.Numbers.join())",
