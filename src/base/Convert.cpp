@@ -1,6 +1,7 @@
 #include "base/Convert.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeNames.h"
 
 #include <QObject>
 
@@ -254,5 +255,5 @@ QVariant ConvertTo(const QVariant& value, QMetaType target, const string& what) 
     given.replace(QChar::Null, QStringLiteral("\\0")); // or messages end there
     throw EConvertError(QStringLiteral("%1: %2 is no %3")
                             .arg(what, given.isEmpty() ? QString::fromLatin1(value.metaType().name()) : given,
-                                 QString::fromLatin1(target.name())));
+                                 TypeNameWithValues(target)));
 }

@@ -47,7 +47,7 @@ TEST(ScriptScenario, HarmfulScriptsLeaveTheAgentAnsweringAndAbleToStop) {
              "for (;;) try { for (;;); } catch (e) {} finally { for (;;); }",
              "(async () => { for (;;) await 0 })()",
              "(async () => { await new Promise(() => {}) })()",
-             "CreateProcess('sleep 3600', 0, true)",
+             "CreateProcess('sh -c \"exec sleep 90 >/dev/null 2>&1\"', 0, true)",
              "for (;;) new TPDFDocument().Load('DIR/locked.pdf', '')",
              "ShowMessage('shown'); MessageBox('asked', 4)",
          }) {

@@ -64,7 +64,7 @@ void UseLibrary() {
 
 /// Scripts get half of what their thread has, so that what they call finds room too.
 size_t StackQuota() {
-    constexpr size_t Most = 2 * 1024 * 1024;
+    constexpr size_t Most = size_t(2) << 20;
     pthread_attr_t attributes;
     void* lowest = nullptr;
     size_t size = 2 * Most;
@@ -252,7 +252,7 @@ bool TMozCore::Ended() const {
 bool TMozCore::RunScript(const string& script, const string& scriptName) {
     JSContext* cx = FContext.get();
     const JS::RootedScript compiled(cx, CompileText(script, scriptName, TUse::Once));
-    const bool ran = compiled && Guarded(cx, [&] {
+    const bool ran = compiled.get() != nullptr && Guarded(cx, [&] {
                          JS::RootedValue result(cx);
                          Must(JS_ExecuteScript(cx, compiled, &result));
                      });

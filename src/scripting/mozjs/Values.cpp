@@ -2,6 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
+#include "base/TypeNames.h"
 #include "scripting/mozjs/Core.h"
 
 #include <js/Array.h>
@@ -52,8 +53,7 @@ Shape ShapeOf(QMetaType type) {
 }
 
 [[noreturn]] void Refuse(const string& what, const string& given, QMetaType target) {
-    throw EConvertError(
-        QStringLiteral("%1: %2 is no %3").arg(what, given, QString::fromLatin1(target.name())));
+    throw EConvertError(QStringLiteral("%1: %2 is no %3").arg(what, given, TypeNameWithValues(target)));
 }
 
 /// A text on its way into a call, which may hold many.
