@@ -6,24 +6,37 @@
 #include <QSettings>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace {
 
-/// A value with a comma comes back as a list.
+/// A value with a comma comes back as a list. An empty one is none: as a folder it would be the root.
 string TextOf(const QSettings& settings, const string& key, const string& standard) {
-    const QVariant value = settings.value(key);
-    if (!value.isValid())
-        return standard;
-    return value.toStringList().join(u',');
+    const string text = settings.value(key).toStringList().join(u',');
+    return text.trimmed().isEmpty() ? standard : text;
+}
+
+/// What is no number of days keeps all: nothing is deleted by mistake.
+int DaysOf(const QSettings& settings, const string& key) {
+    bool valid = false;
+    const int days = settings.value(key).toString().trimmed().toInt(&valid);
+    return valid ? std::max(days, 0) : 0;
+}
+
+/// The base directory rules tell programs to ignore a relative path.
+string BaseFolder(const char* variable, const char* standard) {
+    const string configured = qEnvironmentVariable(variable);
+    return configured.startsWith(u'/') ? configured : QDir::homePath() + QLatin1String(standard);
 }
 
 } // namespace
 
 string SettingsFile() {
-    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory rules tell programs to ignore a relative path.
-    const string base =
-        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
-    return base + QStringLiteral("/morvane/settings.ini");
+    return BaseFolder("XDG_CONFIG_HOME", "/.config") + QStringLiteral("/morvane/settings.ini");
+}
+
+string StateFolder() {
+    return BaseFolder("XDG_STATE_HOME", "/.local/state") + QStringLiteral("/morvane/");
 }
 
 TEditorSettings GetEditorSettings() {
@@ -38,5 +51,6 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("RepositoryFilename"), beside + QStringLiteral("repository.xml"));
     result.WatermarksFolder =
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
+    result.KeepDays = DaysOf(settings, QStringLiteral("KeepDays"));
     return result;
 }

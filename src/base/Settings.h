@@ -11,10 +11,18 @@ struct TEditorSettings {
     /// are `repository.xml` and `watermarks` beside the configuration folder.
     string RepositoryFilename;
     string WatermarksFolder;
+    /// Day logs that are older go; 0 keeps all.
+    int KeepDays = 0;
 };
+
+/// Where programs keep what they must remember from one run to the next: `morvane/` under $XDG_STATE_HOME
+/// (else
+/// ~/.local/state), with a delimiter at its end, whether it is there or not.
+[[nodiscard]] string StateFolder();
 
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 
-/// Reads the file; a missing file or key gives the default `%HOME%/.config/morvane/watched-folders`.
+/// Reads the file; a missing file or key, and an empty value, gives the default
+/// `%HOME%/.config/morvane/watched-folders`.
 [[nodiscard]] TEditorSettings GetEditorSettings();

@@ -6,6 +6,7 @@
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
 #include "engine/GlobalDocument.h"
+#include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/macros/Macros.h"
@@ -33,6 +34,14 @@ void SetLook(TZQPDFBatesText& text, const TZQPDFBatesSetting& scheme) {
         text.SetStrokeColor(0);
     }
     text.CancelUpdate();
+}
+
+void RequireNumbers(const TZQPDFBatesSetting& scheme) {
+    RequireLength("FontSize", scheme.FontSize);
+    RequireLength("MarginLeft", scheme.MarginLeft);
+    RequireLength("MarginRight", scheme.MarginRight);
+    RequireLength("MarginTop", scheme.MarginTop);
+    RequireLength("MarginBottom", scheme.MarginBottom);
 }
 
 /// The time for the macros of a text, taken anew for each text that can show it: asking for the local time
@@ -100,6 +109,7 @@ void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number) {
 }
 
 void TZQPDFBatesDictionary::ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro) {
+    RequireNumbers(CurrScheme);
     GlobalDocument = &ADocument;
     const string range = PageRangeMacro.isEmpty() ? QStringLiteral("1-[numpages]") : PageRangeMacro;
     for (const int page : TZQPDFPagesRangeSelector(range, ADocument.GetPageCount(), /*firstPage*/ 1))

@@ -27,6 +27,13 @@ void RequireSoundSources(const TPDFSource& source) {
         RequireSoundSources(*kept);
 }
 
+void GrantReading(const TPDFSource& source) {
+    if (source.Input)
+        source.Input->GrantReading();
+    for (const auto& kept : source.Kept)
+        GrantReading(*kept);
+}
+
 /// The password with which the file just written opens as this document did.
 NarrowString PasswordForWritten(const TDocumentCore& core) {
     if (core.Protection == TProtection::AsOpened)
@@ -63,11 +70,11 @@ void Rebind(TDocumentCore& core, const string& path) {
 TPDFDocument::TPDFDocument(TComponent* owner) : TComponent(owner), FCore(std::make_unique<TDocumentCore>()) {}
 TPDFDocument::~TPDFDocument() = default;
 
-bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password) {
+bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password, int descriptor) {
     auto core = std::make_unique<TDocumentCore>();
-    core->Source = TakeTested(fileName, password);
+    core->Source = TakeTested(fileName, password, descriptor);
     if (!core->Source)
-        core->Source = OpenSource(fileName, password);
+        core->Source = OpenSource(fileName, password, descriptor);
     core->FileName = fileName;
     core->Handler = HandlerOf(*core->Source);
     TakePages(*core);
@@ -75,22 +82,34 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
     return true;
 }
 
-bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
-    TPartFile file(fileName);
+void TPDFDocument::WriteTo(TPartFile& file) {
     const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
+    if (FCore->Source)
+        GrantReading(*FCore->Source);
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
         throw;
     } catch (const std::exception& e) {
-        throw Translated(e, QStringLiteral("write"), fileName);
+        throw Translated(e, QStringLiteral("write"), file.FinalPath());
     }
     RequireSoundSources(*FCore->Source);
     FCore->Source->CollectWarnings();
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
-    file.PublishReplacing();
     FCore->SignatureBroken |= isSigned;
+}
+
+void TPDFDocument::SaveToFreeName(const string& fileName) {
+    TPartFile file(fileName);
+    WriteTo(file);
+    PublishFree(file);
+}
+
+bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
+    TPartFile file(fileName);
+    WriteTo(file);
+    file.PublishReplacing();
     if (!keepSource)
         Rebind(*FCore, fileName);
     if (takeName) {
@@ -108,14 +127,16 @@ const string& TPDFDocument::FileName() const {
     return FCore->FileName;
 }
 
-QStringList TPDFDocument::Warnings() const {
-    QStringList all = FCore->Warnings;
+TPDFWarnings TPDFDocument::Warnings() const {
+    TPDFWarnings all;
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
-        all = FCore->Source->Warnings + all;
+        all.Add(FCore->Source->Warnings);
     }
+    all.Add(FCore->Warnings);
     if (FCore->SignatureBroken || (GetModified() && GetSignaturesCount() > 0))
-        all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
+        all.Add(TWarningKind::SignatureInvalidated,
+                QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 

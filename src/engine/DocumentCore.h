@@ -65,7 +65,7 @@ struct TDocumentCore {
     bool Modified = false;
     int Locks = 0;
     int LastUsedPage = -1;
-    QStringList Warnings;
+    TPDFWarnings Warnings;
     bool SignatureBroken = false; ///< a signed document was written anew
     int MinorVersion = 0;         ///< of PDF 1, that what was written so far needs
 

@@ -1,13 +1,13 @@
 // Pages: insert, delete, crop, rotate, import.
 #include "engine/Document.h"
 #include "engine/DocumentCore.h"
+#include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/PageTreeWriter.h"
 #include "engine/SourceStore.h"
 #include "engine/content/PageContent.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -88,7 +88,9 @@ void TZQPDFDocument::InsertPages(int index, int count, Single width, Single heig
         return;
     if (count > MaxInserted)
         throw EPDFError(QStringLiteral("%1 pages are too many to insert at once.").arg(count));
-    if (!(width > 0 && height > 0) || !std::isfinite(width) || !std::isfinite(height))
+    RequireLength("Width", Double(width));
+    RequireLength("Height", Double(height));
+    if (!(width > 0 && height > 0))
         throw EPDFError(QStringLiteral("A page needs a width and a height above 0."));
     TItems pages;
     for (int i = 0; i < count; ++i)
@@ -128,6 +130,10 @@ int TZQPDFDocument::DeletePageRange(const string& range) {
 }
 
 void TZQPDFDocument::CropPages(const string& range, TPDFMargins& margins) {
+    RequireLength("Top", margins.Top);
+    RequireLength("Left", margins.Left);
+    RequireLength("Right", margins.Right);
+    RequireLength("Bottom", margins.Bottom);
     std::vector<std::pair<TZQPDFPage*, TPageBox>> cropped;
     for (const int number : PagesOf(range, GetPageCount())) {
         TZQPDFPage& page = Pages().getItem(number - 1);
@@ -139,7 +145,7 @@ void TZQPDFDocument::CropPages(const string& range, TPDFMargins& margins) {
     }
     for (const auto& [page, box] : cropped) {
         page->Object().NewCrop = box;
-        page->Object().Geometry.reset();
+        page->ResetLayout();
     }
     if (!cropped.empty())
         Changed();
@@ -150,9 +156,9 @@ void TZQPDFDocument::RotatePages(const string& range, int angle) {
         throw EPDFError(QStringLiteral("Pages turn by multiples of 90 degrees, not by %1.").arg(angle));
     const std::vector<int> pages = PagesOf(range, GetPageCount());
     for (const int number : pages) {
-        TPageObject& page = Pages().getItem(number - 1).Object();
-        page.NewRotation = NormalRotation(qint64(page.Rotation()) + angle);
-        page.Geometry.reset();
+        TZQPDFPage& page = Pages().getItem(number - 1);
+        page.Object().NewRotation = NormalRotation(qint64(page.Object().Rotation()) + angle);
+        page.ResetLayout();
     }
     if (!pages.empty())
         Changed();

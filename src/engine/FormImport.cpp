@@ -137,7 +137,8 @@ void ImportForms(TDocumentCore& core, const TPDFSource& source, const std::vecto
         for (const auto& round : rounds)
             import.Import(round);
     } catch (const std::exception& e) {
-        core.Warnings.append(
+        core.Warnings.Add(
+            TWarningKind::FieldsLost,
             QStringLiteral("Form fields of \"%1\" were not imported: %2").arg(source.Path, MessageOf(e)));
     }
 }

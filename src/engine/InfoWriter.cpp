@@ -91,7 +91,8 @@ bool KeepXmpInStep(TDocumentCore& core, const QDateTime& now, bool makes) {
     }
     const std::optional<NarrowString> edited = UpdateXmp(packet, core.Changes.Info, now);
     if (!edited)
-        core.Warnings.append(QStringLiteral("The XMP metadata can't be read and was left as it is."));
+        core.Warnings.Add(TWarningKind::MetadataUnreadable,
+                          QStringLiteral("The XMP metadata can't be read and was left as it is."));
     if (edited || given)
         WriteXmp(core, edited.value_or(packet));
     return edited.has_value();

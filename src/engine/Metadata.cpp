@@ -9,7 +9,7 @@ NarrowString ReadXmp(QPDF& pdf) {
     if (!stream.isStream())
         return {};
     try {
-        const auto data = stream.getStreamData(qpdf_dl_all);
+        const auto data = stream.getStreamData(qpdf_dl_specialized);
         return {reinterpret_cast<const char*>(data->getBuffer()), qsizetype(data->getSize())};
     } catch (const std::exception&) {
         return {}; // a packet that can't be decoded is left alone

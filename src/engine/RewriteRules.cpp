@@ -19,7 +19,8 @@ void DropUsageRights(TDocumentCore& core) {
     permissions.removeKey("/UR");
     if (permissions.getKeys().empty())
         core.Root().removeKey("/Perms");
-    core.Warnings.append(
+    core.Warnings.Add(
+        TWarningKind::SignatureInvalidated,
         QStringLiteral("The document's usage rights can't cover the changes and were removed."));
 }
 

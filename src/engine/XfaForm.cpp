@@ -64,6 +64,6 @@ void WarnOfUnseenPages(TDocumentCore& core) {
     const string warning =
         QStringLiteral("The document is a dynamic XFA form: viewers that show such forms make "
                        "its pages by themselves, without what was changed on them.");
-    if (ChangesPages(core) && IsDynamicXfa(core.Root()) && !core.Warnings.contains(warning))
-        core.Warnings.append(warning);
+    if (ChangesPages(core) && IsDynamicXfa(core.Root()))
+        core.Warnings.Add(TWarningKind::ContentNotShown, warning);
 }

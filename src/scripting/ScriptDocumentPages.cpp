@@ -1,5 +1,4 @@
 #include "base/Exceptions.h"
-#include "base/UniqueName.h"
 #include "engine/Document.h"
 #include "engine/editor/Editor.h"
 #include "scripting/ScriptDocument.h"
@@ -39,9 +38,12 @@ TJSPDFDocument* TJSPDFDocument::ExtractPages(const string& pageRange, const stri
                             .arg(pageRange)
                             .arg(Document().GetPageCount()));
     target.DeletePage(0); // the blank page that a new document starts with
-    if (!fileName.isEmpty())
-        target.SaveCopyToFile(OverwriteExisting ? fileName : UniqueFileName(fileName),
-                              /*keepSource=*/true, /*takeName=*/false);
+    if (fileName.isEmpty())
+        return extracted.release();
+    if (OverwriteExisting)
+        target.SaveCopyToFile(fileName, /*keepSource=*/true, /*takeName=*/false);
+    else
+        target.SaveToFreeName(fileName);
     return extracted.release();
 }
 

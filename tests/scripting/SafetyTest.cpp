@@ -1,10 +1,11 @@
 // Safety nets that scripts can't see: whatever one does, the next one runs and the agent can stop.
 #include "actions/JavaScriptAction.h"
 #include "scripting/ScriptFixture.h"
+#include "testing/CpuTime.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 
+#include <atomic>
 #include <chrono>
 #include <thread>
 
@@ -62,11 +63,10 @@ TEST_F(ScriptSafety, HarmfulScriptsFailAndTheNextOneRuns) {
              "var all = []; (function more() { Promise.resolve().then(more); all.push(new "
              "Array(1e4).fill(0)) })()",
          }) {
-        QElapsedTimer timer;
-        timer.start();
+        const double begin = CpuSeconds();
         EXPECT_FALSE(Run(script)) << script;
         EXPECT_TRUE(Failure().startsWith("test:")) << Failure().toStdString();
-        EXPECT_LT(timer.elapsed(), 20'000) << script;
+        EXPECT_LT(CpuSeconds() - begin, 20) << script;
         EXPECT_EQ(Value("Document.GetLastError()"), "0") << script;
         EXPECT_TRUE(Run("var some = []; for (let i = 0; i < 1e5; ++i) some.push({i}); some = null"))
             << script;
@@ -129,21 +129,21 @@ TEST_F(ScriptSafety, StopEndsScripts) {
              "({toString() { for (;;); }}) + ''",
              "throw {toString() { for (;;); }}",
              "IncludeResource('endless.js'); for (;;);",
-             "CreateProcess('sleep 30', 0, true)",
+             "CreateProcess('sleep 3600', 0, true)",
              "for (;;) FindFiles('/usr', '*', false)",
              "for (let i = 0; ; ++i) new Uint8Array(1e6)",
          }) {
         StopSignal().Lower();
-        std::thread stopper([] {
+        std::atomic<double> raised = 0;
+        std::thread stopper([&raised] {
             std::this_thread::sleep_for(std::chrono::milliseconds(150));
+            raised = CpuSeconds();
             StopSignal().Raise();
         });
-        QElapsedTimer timer;
-        timer.start();
         [[maybe_unused]] const bool ran = Run(script);
-        EXPECT_LT(timer.elapsed(), 2000) << script;
-        EXPECT_GE(timer.elapsed(), 100) << script;
+        EXPECT_GT(raised, 0) << "ended by itself: " << script;
         stopper.join();
+        EXPECT_LT(CpuSeconds() - raised, 2) << script;
         EXPECT_FALSE(Run("1")) << script; // nothing runs while the agent stops
         StopSignal().Lower();
         EXPECT_EQ(Value("1 + 1"), "2") << script;
