@@ -1,5 +1,6 @@
 #include "base/Settings.h"
 
+#include "base/Journal.h"
 #include "base/Paths.h"
 
 #include <QDir>
@@ -53,4 +54,23 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
     result.KeepDays = DaysOf(settings, QStringLiteral("KeepDays"));
     return result;
+}
+
+Cardinal GetScriptMemory() {
+    constexpr Cardinal Standard = 256;
+    constexpr Cardinal Least = 16;
+    constexpr Cardinal Most = 65536;
+    const QSettings settings(SettingsFile(), QSettings::IniFormat);
+    const string text = TextOf(settings, QStringLiteral("ScriptMemory"), QString::number(Standard));
+    bool isNumber = false;
+    const Cardinal value = text.toUInt(&isNumber);
+    if (isNumber && value >= Least && value <= Most)
+        return value;
+    JournalLine(
+        QStringLiteral("\"%1\": ScriptMemory is \"%2\", which is no number from %3 to %4; it is taken as %5")
+            .arg(SettingsFile(), text)
+            .arg(Least)
+            .arg(Most)
+            .arg(Standard));
+    return Standard;
 }

@@ -15,9 +15,12 @@ struct TEditorSettings {
     int KeepDays = 0;
 };
 
+/// What a script may hold in memory, in MB: the value `ScriptMemory` of that file, 256 where it is missing.
+/// One that is no whole number from 16 to 65536 leaves a line in the journal and is taken as missing.
+[[nodiscard]] Cardinal GetScriptMemory();
+
 /// Where programs keep what they must remember from one run to the next: `morvane/` under $XDG_STATE_HOME
-/// (else
-/// ~/.local/state), with a delimiter at its end, whether it is there or not.
+/// (else ~/.local/state), with a delimiter at its end, whether it is there or not.
 [[nodiscard]] string StateFolder();
 
 /// The path of that file, whether it is there or not.

@@ -3,7 +3,7 @@
 #include "RealInput.h"
 #include "desktop/Desktop.h"
 #include "desktop/memo/MemoWidget.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QApplication>
 

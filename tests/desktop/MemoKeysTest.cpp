@@ -3,7 +3,7 @@
 
 #include "base/Exceptions.h"
 #include "desktop/memo/input/MemoClipboard.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>

@@ -193,6 +193,11 @@ QList<TMethodCase> DocumentCases() {
          "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0:3:7:0>'};"
          "s.FillBatesStrl(); ShowMessage(s.Numbers.join())",
          Said, "<BN:0:3:7:0>=7"},
+        {"TZQPDFBatesDictionary.ContinueNumbers",
+         "const s = new TZQPDFBatesDictionary(); s.CurrScheme = {HeaderLeft: '<BN:0,3,7,0> <BN:0:3:7:0>', "
+         "BatesNumbers: '\"<BN:0,3,7,0>=9\",<BN:0:3:7:0>=8'};"
+         "s.ContinueNumbers(); ShowMessage(s.Numbers.join(' '))",
+         Said, "<BN:0,3,7,0>=9 <BN:0:3:7:0>=8"},
         {"TZQPDFBatesDictionary.SetStartToCurNum",
          "const s = new TZQPDFBatesDictionary(); s.Numbers = ['<BN:0:3:7:0>=9'];"
          "s.SetStartToCurNum(); ShowMessage(s.Numbers.join())",
