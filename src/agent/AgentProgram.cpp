@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr int StopLimitMs = 5000;
+
 constexpr char Identity[] = "{53F95304-BFF6-4D89-971E-E1366F4F10D5}";
 
 /// A window system that dies makes its library call exit() in the middle of the event loop. The objects of
@@ -74,6 +76,6 @@ int RunFoldersAgent(TAppInstances& instances) {
     thread_local const TStopAtExit stop; // behind the pump, whose queue it needs
     TSystemClock clock;
     TSystemFolderFiles files;
-    const TfrmFoldersAgent form({clock, files});
+    const TfrmFoldersAgent form({clock, files, StopLimitMs});
     return form.Terminated() ? form.ExitCode() : QCoreApplication::exec();
 }

@@ -1,5 +1,6 @@
 #include "agent/FolderPass.h"
 
+#include "agent/AgentStatus.h"
 #include "agent/FolderTurn.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
@@ -60,7 +61,8 @@ void TFolderPass::RunFolder(TPass& pass, const TPDFWatchedFolder& folder) {
     TTurnLog log(pass.Log, LastBlockOf(folder));
     log.Announce(u'*', text, text);
     log.Begin();
-    NoteTrouble(folder, folder.Enabled ? QStringLiteral("there is no such folder") : string());
+    if (folder.Enabled)
+        NoteTrouble(folder, QStringLiteral("there is no such folder"));
 }
 
 void TFolderPass::ServeFolder(TPass& pass, const TPDFWatchedFolder& folder, TRound round) {
@@ -101,6 +103,8 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
 /// Tells when it changes.
 void TFolderPass::NoteTrouble(const TPDFWatchedFolder& folder, const string& trouble) {
     TFolderMemory& memory = MemoryOf(folder);
+    if (!trouble.isEmpty())
+        FHost.Status.SetState(folder.Name, TFolderState::Broken, trouble);
     if (memory.Trouble == trouble)
         return;
     memory.Trouble = trouble;

@@ -1,5 +1,6 @@
 #include "agent/FolderTurn.h"
 
+#include "agent/AgentStatus.h"
 #include "agent/WorkMarks.h"
 #include "base/Journal.h"
 #include "base/NewName.h"
@@ -68,6 +69,7 @@ qint64 TFolderTurn::TimeOfDay() const {
 }
 
 void TFolderTurn::Serve(TRound round) {
+    const auto told = qScopeGuard([this] { TellStatus(); });
     if (!FInput.Memory.Pause.Over(Now()))
         return;
     const QStringList names = List(round);
@@ -84,6 +86,16 @@ void TFolderTurn::Serve(TRound round) {
         FInput.Memory.Pause.Lengthen(Now());
     else
         FInput.Memory.Pause.End();
+}
+
+void TFolderTurn::TellStatus() const {
+    const auto& waiting = FInput.Memory.Waiting;
+    TAgentStatus& status = FInput.Host.Status;
+    status.SetWaiting(FInput.Folder.Name, waiting.size());
+    if (waiting.isEmpty())
+        status.SetState(FInput.Folder.Name, TFolderState::Watching);
+    else
+        status.SetState(FInput.Folder.Name, TFolderState::Waiting, waiting.cbegin()->Reason);
 }
 
 /// The files whose turn it is; says so in the log, unless all that is to be done is to try again in silence.
@@ -165,6 +177,7 @@ TFileWork TFolderTurn::WorkFor(const TSourceFile& source) const {
 TWorked TFolderTurn::Work(const TSourceFile& source) {
     TReporter reporter(FInput);
     string step;
+    FInput.Host.Status.SetWorking(FInput.Folder.Name, source.Name());
     FInput.Marks.Begin(source.Path(), source.Opened());
     const auto ended = qScopeGuard([this] { FInput.Marks.End(); });
     return WorkOnFile(WorkFor(source), reporter, step);
@@ -260,6 +273,10 @@ void TFolderTurn::SettleGroup() {
 void TFolderTurn::SettlePublished(TPublished& file) {
     try {
         (void)file.Source->Settle(FProcess);
+        if (file.Warned)
+            FInput.Host.Status.CountWarned(FInput.Folder.Name);
+        else
+            FInput.Host.Status.CountDone(FInput.Folder.Name);
         FInput.Memory.Waiting.remove(file.Source->Name());
         FInput.Marks.Forget(file.Source->Path());
     } catch (const EFileError& e) {
@@ -283,6 +300,7 @@ void TFolderTurn::Fail(std::unique_ptr<TSourceFile> source, const string& reason
         if (!Claim(*source))
             return;
         (void)source->Settle(FError);
+        FInput.Host.Status.CountFailed(FInput.Folder.Name);
         FTroubles = 0;
         FInput.Memory.Waiting.remove(source->Name());
         FInput.Marks.Forget(source->Path());

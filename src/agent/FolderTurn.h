@@ -53,6 +53,7 @@ private:
         bool Warned;
     };
 
+    void TellStatus() const;
     [[nodiscard]] QStringList List(TRound round);
     [[nodiscard]] bool IsDue(const string& name);
     void ServeFile(const string& name);

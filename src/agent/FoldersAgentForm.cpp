@@ -3,6 +3,7 @@
 #include "agent/AgentPicture.h"
 #include "agent/FoldersThread.h"
 #include "base/Exceptions.h"
+#include "base/Journal.h"
 #include "base/Paths.h"
 #include "base/Printable.h"
 #include "base/Settings.h"
@@ -13,6 +14,9 @@
 #include "watch/FolderWatch.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <cstdlib>
 
 #include <algorithm>
 
@@ -84,7 +88,7 @@ void TfrmFoldersAgent::FormCreate() {
 
 void TfrmFoldersAgent::StartThreads(const string& path, const TRunSettings& settings) {
     FWatchedFoldersThread = std::make_unique<TWatchedFoldersThread>(
-        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus}, settings);
+        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus, StateFolder()}, settings);
     FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); }, FStatus);
 }
 
@@ -129,9 +133,16 @@ void TfrmFoldersAgent::FormDestroy() {
 }
 
 void TfrmFoldersAgent::StopThreads(TWindowSystem windows) {
-    const auto meanwhile = [windows] {
+    QElapsedTimer waited;
+    waited.start();
+    const auto meanwhile = [&] {
         if (windows == TWindowSystem::Alive)
             QCoreApplication::processEvents();
+        if (FHost.StopLimitMs > 0 && waited.hasExpired(FHost.StopLimitMs)) {
+            JournalLine(
+                QStringLiteral("The work at hand doesn't end and is abandoned; its file is served again."));
+            std::_Exit(EXIT_SUCCESS); // nothing of it has been published
+        }
     };
     MessageBoxHost().CloseAll();
     PasswordPrompt().CancelAll();

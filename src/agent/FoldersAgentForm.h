@@ -21,6 +21,7 @@ struct TRunSettings;
 struct TFormHost {
     TRunClock& Clock;
     TFolderFiles& Files;
+    int StopLimitMs = 0; ///< how long a stop waits for the work at hand; 0: until it ends
 };
 
 /// Whether there is still a window system to take events from.

@@ -1,6 +1,7 @@
 #include "agent/FoldersThread.h"
 
 #include "base/Exceptions.h"
+#include "base/Interrupt.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
 #include "platform/StopSignal.h"
@@ -31,6 +32,7 @@ TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost 
       FActionsFile(ConfigPath + "actions.xml", ReadInto(FActionManager)),
       FPass(host, [this] { return Terminated(); }) {
     StopSignal().Lower();
+    SetInterruptTest([] { return StopSignal().IsOverdue(); });
     Start();
 }
 

@@ -24,9 +24,9 @@ string WithoutExtension(const string& path) {
 }
 
 QByteArray PathBytes(const string& path) {
-    if (path.contains(QChar::Null))
-        throw EFileError(QStringLiteral("\"%1\" holds a NUL character, which no path can")
-                             .arg(string(path).replace(QChar::Null, QStringLiteral("\\0"))),
+    if (path.contains(QChar::Null)) // the system would take the part before it
+        throw EFileError(QStringLiteral("The path \"%1\" holds a NUL character.")
+                             .arg(string(path).replace(QChar::Null, QChar(0x2400))),
                          EINVAL);
     return path.toUtf8();
 }

@@ -24,14 +24,20 @@ int DaysOf(const QSettings& settings, const string& key) {
     return valid ? std::max(days, 0) : 0;
 }
 
+/// The base directory rules tell programs to ignore a relative path.
+string BaseFolder(const char* variable, const char* standard) {
+    const string configured = qEnvironmentVariable(variable);
+    return configured.startsWith(u'/') ? configured : QDir::homePath() + QLatin1String(standard);
+}
+
 } // namespace
 
 string SettingsFile() {
-    const string configured = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory rules tell programs to ignore a relative path.
-    const string base =
-        configured.startsWith(u'/') ? configured : QDir::homePath() + QStringLiteral("/.config");
-    return base + QStringLiteral("/morvane/settings.ini");
+    return BaseFolder("XDG_CONFIG_HOME", "/.config") + QStringLiteral("/morvane/settings.ini");
+}
+
+string StateFolder() {
+    return BaseFolder("XDG_STATE_HOME", "/.local/state") + QStringLiteral("/morvane/");
 }
 
 TEditorSettings GetEditorSettings() {

@@ -19,6 +19,10 @@ struct TEditorSettings {
 /// One that is no whole number from 16 to 65536 leaves a line in the journal and is taken as missing.
 [[nodiscard]] Cardinal GetScriptMemory();
 
+/// Where programs keep what they must remember from one run to the next: `morvane/` under $XDG_STATE_HOME
+/// (else ~/.local/state), with a delimiter at its end, whether it is there or not.
+[[nodiscard]] string StateFolder();
+
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 

@@ -7,6 +7,7 @@
 #include "bates/NumberList.h"
 #include "bates/SchemeUpdate.h"
 #include "engine/GlobalDocument.h"
+#include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/macros/Macros.h"
@@ -34,6 +35,14 @@ void SetLook(TZQPDFBatesText& text, const TZQPDFBatesSetting& scheme) {
         text.SetStrokeColor(0);
     }
     text.CancelUpdate();
+}
+
+void RequireNumbers(const TZQPDFBatesSetting& scheme) {
+    RequireLength("FontSize", scheme.FontSize);
+    RequireLength("MarginLeft", scheme.MarginLeft);
+    RequireLength("MarginRight", scheme.MarginRight);
+    RequireLength("MarginTop", scheme.MarginTop);
+    RequireLength("MarginBottom", scheme.MarginBottom);
 }
 
 /// The time for the macros of a text, taken anew for each text that can show it: asking for the local time
@@ -131,6 +140,7 @@ void TZQPDFBatesDictionary::StampFromFile(TZQPDFDocument& document, const TZQPDF
 }
 
 void TZQPDFBatesDictionary::ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro) {
+    RequireNumbers(CurrScheme);
     GlobalDocument = &ADocument;
     const string range = PageRangeMacro.isEmpty() ? QStringLiteral("1-[numpages]") : PageRangeMacro;
     const TZQPDFPagesRangeSelector pages(range, ADocument.GetPageCount(), /*firstPage*/ 1);

@@ -4,6 +4,7 @@
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
 #include "engine/InfoWriter.h"
+#include "engine/Metadata.h"
 #include "engine/Signatures.h"
 #include "engine/Writer.h"
 #include "engine/content/PlacedContent.h"
@@ -24,6 +25,13 @@ void RequireSoundSources(const TPDFSource& source) {
         source.Input->RequireSound();
     for (const auto& kept : source.Kept)
         RequireSoundSources(*kept);
+}
+
+void GrantReading(const TPDFSource& source) {
+    if (source.Input)
+        source.Input->GrantReading();
+    for (const auto& kept : source.Kept)
+        GrantReading(*kept);
 }
 
 /// The password with which the file just written opens as this document did.
@@ -75,6 +83,9 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
 }
 
 void TPDFDocument::WriteTo(TPartFile& file) {
+    const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
+    if (FCore->Source)
+        GrantReading(*FCore->Source);
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
@@ -86,6 +97,7 @@ void TPDFDocument::WriteTo(TPartFile& file) {
     FCore->Source->CollectWarnings();
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
+    FCore->SignatureBroken |= isSigned;
 }
 
 void TPDFDocument::SaveToFreeName(const string& fileName) {
@@ -115,14 +127,16 @@ const string& TPDFDocument::FileName() const {
     return FCore->FileName;
 }
 
-QStringList TPDFDocument::Warnings() const {
-    QStringList all = FCore->Warnings;
+TPDFWarnings TPDFDocument::Warnings() const {
+    TPDFWarnings all;
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
-        all = FCore->Source->Warnings + all;
-        if (GetModified() && GetSignaturesCount() > 0)
-            all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
+        all.Add(FCore->Source->Warnings);
     }
+    all.Add(FCore->Warnings);
+    if (FCore->SignatureBroken || (GetModified() && GetSignaturesCount() > 0))
+        all.Add(TWarningKind::SignatureInvalidated,
+                QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 
@@ -169,7 +183,7 @@ string TPDFDocument::GetInfoString(const NarrowString& key) const {
 NarrowString TPDFDocument::GetXMLMetaData() const {
     if (FCore->Changes.Xmp)
         return *FCore->Changes.Xmp;
-    return FCore->Source ? ReadXmp(*FCore->Source) : NarrowString();
+    return FCore->Source ? ReadXmp(*FCore->Source->Pdf) : NarrowString();
 }
 
 void TPDFDocument::SetXMLMetaData(const NarrowString& xmp) {

@@ -2,6 +2,7 @@
 #include "engine/Document.h"
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
+#include "engine/Numbers.h"
 
 namespace {
 
@@ -87,10 +88,12 @@ void TPDFDocument::SetSecurityHandler(TPDFSecurityHandler* handler) {
 }
 
 void TPDFDocument::SetUserPassword(const NarrowString& password) {
+    RequireNoNul("The open password", Widen(password));
     Core().UserPassword = password;
 }
 
 void TPDFDocument::SetOwnerPassword(const NarrowString& password) {
+    RequireNoNul("The owner password", Widen(password));
     Core().OwnerPassword = password;
 }
 

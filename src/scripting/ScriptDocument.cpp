@@ -25,6 +25,7 @@ void TJSPDFDocument::SetDocument(TZQPDFDocument* Value) {
         delete FDocument.data();
     FDocOwner = Ownership::Borrowed;
     FDocument = Value;
+    FFilename.clear(); // or Save would write this document over another's file
 }
 
 bool TJSPDFDocument::Load(const string& fileName, const string& Password) {

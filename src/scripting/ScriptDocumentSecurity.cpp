@@ -74,3 +74,7 @@ bool TJSPDFDocument::Decrypt() {
         return false;
     return document.Decrypt();
 }
+
+int TJSPDFDocument::GetSignaturesCount() {
+    return Document().GetSignaturesCount();
+}

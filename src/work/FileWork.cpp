@@ -42,10 +42,12 @@ bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& 
     return true;
 }
 
+/// The run log has no words for them.
 void TellWarnings(const TFileWork& work, const TZQPDFDocument& document, TOutcome& outcome) {
-    for (const string& warning : document.Warnings()) {
-        JournalLine(QStringLiteral("\"%1\": %2").arg(work.Source, warning));
-        outcome.Reasons.append({TReasonCode::DamageRepaired, {}, warning});
+    for (const TPDFWarning& warning : document.Warnings()) {
+        JournalLine(QStringLiteral("\"%1\": %2: %3")
+                        .arg(work.Source, QLatin1String(CodeOf(warning.Kind)), warning.Text));
+        outcome.Reasons.append({ReasonOf(warning.Kind), {}, warning.Text});
     }
     if (!outcome.Reasons.isEmpty())
         outcome.State = TOutcomeState::DoneWithWarnings;

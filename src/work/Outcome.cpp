@@ -3,15 +3,23 @@
 string ReasonName(TReasonCode code) {
     switch (code) {
     case TReasonCode::DamageRepaired:
-        return QStringLiteral("damage.repaired");
+        return QLatin1String(CodeOf(TWarningKind::DamageRepaired));
     case TReasonCode::DamagePagesLost:
-        return QStringLiteral("damage.pages-lost");
+        return QLatin1String(CodeOf(TWarningKind::DamagePagesLost));
     case TReasonCode::DamageContent:
-        return QStringLiteral("damage.content-unreadable");
+        return QLatin1String(CodeOf(TWarningKind::DamageContentUnreadable));
     case TReasonCode::SignatureInvalidated:
-        return QStringLiteral("signature.invalidated");
+        return QLatin1String(CodeOf(TWarningKind::SignatureInvalidated));
     case TReasonCode::PermissionRefused:
-        return QStringLiteral("permission.refused");
+        return QLatin1String(CodeOf(TWarningKind::PermissionRefused));
+    case TReasonCode::FieldsLost:
+        return QLatin1String(CodeOf(TWarningKind::FieldsLost));
+    case TReasonCode::MetadataUnreadable:
+        return QLatin1String(CodeOf(TWarningKind::MetadataUnreadable));
+    case TReasonCode::ContentNotShown:
+        return QLatin1String(CodeOf(TWarningKind::ContentNotShown));
+    case TReasonCode::NamesUnreadable:
+        return QLatin1String(CodeOf(TWarningKind::NamesUnreadable));
     case TReasonCode::ActionRaised:
         return QStringLiteral("action.raised");
     case TReasonCode::ListUnknown:
@@ -40,4 +48,28 @@ string ReasonName(TReasonCode code) {
         break;
     }
     return QStringLiteral("other");
+}
+
+TReasonCode ReasonOf(TWarningKind kind) {
+    switch (kind) {
+    case TWarningKind::DamageRepaired:
+        return TReasonCode::DamageRepaired;
+    case TWarningKind::DamagePagesLost:
+        return TReasonCode::DamagePagesLost;
+    case TWarningKind::DamageContentUnreadable:
+        return TReasonCode::DamageContent;
+    case TWarningKind::SignatureInvalidated:
+        return TReasonCode::SignatureInvalidated;
+    case TWarningKind::PermissionRefused:
+        return TReasonCode::PermissionRefused;
+    case TWarningKind::FieldsLost:
+        return TReasonCode::FieldsLost;
+    case TWarningKind::MetadataUnreadable:
+        return TReasonCode::MetadataUnreadable;
+    case TWarningKind::ContentNotShown:
+        return TReasonCode::ContentNotShown;
+    case TWarningKind::NamesUnreadable:
+        return TReasonCode::NamesUnreadable;
+    }
+    return TReasonCode::Other;
 }

@@ -1,6 +1,6 @@
 #pragma once
 // What became of a file: every file that is taken up ends in one of these.
-#include "base/Text.h"
+#include "engine/Warnings.h"
 
 #include <QList>
 
@@ -19,6 +19,10 @@ enum class TReasonCode {
     DamageContent,        ///< damage.content-unreadable
     SignatureInvalidated, ///< signature.invalidated
     PermissionRefused,    ///< permission.refused
+    FieldsLost,           ///< import.fields-lost
+    MetadataUnreadable,   ///< metadata.unreadable
+    ContentNotShown,      ///< content.not-shown
+    NamesUnreadable,      ///< names.unreadable
     ActionRaised,         ///< action.raised
     ListUnknown,          ///< list.unknown
     WorkerCrashed,        ///< worker.crashed
@@ -35,6 +39,8 @@ enum class TReasonCode {
 };
 /// As in "damage.repaired".
 [[nodiscard]] string ReasonName(TReasonCode code);
+
+[[nodiscard]] TReasonCode ReasonOf(TWarningKind kind);
 
 struct TReason {
     TReasonCode Code = TReasonCode::Other;

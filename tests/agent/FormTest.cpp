@@ -82,7 +82,7 @@ protected:
             pipe.OpenPipe();
             pipe.WritePipe(QLatin1String(command));
             pipe.WritePipe(QLatin1String(ControlPipe::Check));
-            return pipe.Read(5000) == QLatin1String(ControlPipe::CheckReply);
+            return pipe.Read(60'000) == QLatin1String(ControlPipe::CheckReply);
         } catch (const EPipeError&) {
             return false;
         }
@@ -207,9 +207,10 @@ TEST_F(FormTest, AWriteInTheConfigurationFolderRaisesTheFlag) {
     EXPECT_TRUE(form.FoldersThread()->FDirChanged); // what came while the form was made is looked for
     FWorkspace.Write("c/actions.xml", "<ActionManager/>");
     FWorkspace.Write("c/watchedfolders.xml", "<WatchedFolder/>");
-    DeliverFor(50);
-    FClock.Play(1);
-    EXPECT_FALSE(form.FoldersThread()->FDirChanged);
+    do { // until the notices of both have come
+        FClock.Play(1);
+        DeliverFor(50);
+    } while (form.FoldersThread()->FDirChanged);
     FWorkspace.Write("c/actions.xml", "<ActionManager/>");
     EXPECT_TRUE(DeliverUntil([&] { return form.FoldersThread()->FDirChanged.load(); }));
 }
@@ -257,6 +258,7 @@ TEST_F(FormTest, HintsOfTheRunAreShownOnTheFormsThreadTheLastOneSurely) {
     EXPECT_EQ(FDesktop.Events, QStringList({"icon", "1000"}));
     form.SetHint("again");
     form.SetHint("again");
+    EXPECT_TRUE(DeliverUntil([&] { return FDesktop.Events.last() == "again"; }));
     DeliverFor(20);
     EXPECT_EQ(FDesktop.Events, QStringList({"icon", "1000", "again"}));
 }

@@ -31,7 +31,7 @@ protected:
     /// What the agent answers to these messages on one connection, the last of them being "check".
     static QString Say(const QStringList& messages) {
         TNamedPipeClient client("morvane_watched_folders");
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        const auto patience = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         while (true) {
             try {
                 client.OpenPipe();
@@ -47,7 +47,7 @@ protected:
         client.WritePipe("check");
         QStringList replies;
         while (replies.size() <= messages.count("check"))
-            replies += client.Read(5000);
+            replies += client.Read(60'000);
         return replies.join(' ') + client.Read(0);
     }
 

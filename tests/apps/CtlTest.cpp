@@ -21,7 +21,7 @@ struct TResult {
 TResult RunProgram(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(30'000))
+    if (!process.waitForFinished(60'000))
         return {};
     return {process.exitCode(), process.readAllStandardOutput().toStdString(),
             process.readAllStandardError().toStdString()};

@@ -44,6 +44,13 @@ protected:
         EXPECT_EQ(QpdfCheck(path), 0);
         return path;
     }
+    /// As content that is placed on the page does: from here on its size is on record.
+    void BuildLayers() {
+        TZQPDFPage& page = FDocument.Pages().getItem(0);
+        page.SetWidth(page.GetWidth());
+        page.SetHeight(page.GetHeight());
+        page.SetRendered(true);
+    }
     /// What stands on each page beside its own "Page n", after stamping the range.
     QStringList Stamped(const string& range) {
         FStore.ApplySchemeToDocument(FDocument, range);
@@ -76,6 +83,8 @@ TEST_F(Stamp, StandsInTheMarginsOfThePageAsDisplayed) {
         QByteArray Entries;
         Double Width; // as displayed
         Double Height;
+        int Turned = 0; // after the page's layers were built
+        TPDFMargins Cut = {};
     } pages[] = {
         {"", 595, 842},
         {"/Rotate 90", 842, 595},
@@ -84,10 +93,18 @@ TEST_F(Stamp, StandsInTheMarginsOfThePageAsDisplayed) {
         {"/CropBox[100 120 500 720]", 400, 600},
         {"/CropBox[100 120 500 720]/Rotate 90", 600, 400},
         {"/CropBox[500 720 100 120]/Rotate -90", 600, 400},
+        {"", 842, 595, 90},
+        {"/Rotate 270", 595, 842, 90},
+        {"", 400, 642, 0, TPDFMargins::Create(150, 95, 100, 50)},
+        {"/CropBox[100 120 500 720]/Rotate 90", 400, 500, 90, TPDFMargins::Create(50, 0, 0, 50)},
     };
     for (const auto& page : pages) {
         SCOPED_TRACE(page.Entries.toStdString());
         Open(1, {.PageEntries = page.Entries});
+        BuildLayers();
+        FDocument.RotatePages({}, page.Turned);
+        TPDFMargins cut = page.Cut;
+        FDocument.CropPages({}, cut);
         FStore.ApplySchemeToDocument(FDocument, {});
         auto words = WordsOf(Save());
         ASSERT_EQ(words.size(), 6 + 2); // and the page's own

@@ -212,7 +212,7 @@ TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
     struct TLongWork : TPlainFiles {
         QStringList ReadyFiles(const TFolder&, qint64, const TQuietTime&) override {
             Begun.set_value();
-            DesktopTurn = Turn.get_future().wait_for(std::chrono::seconds(30));
+            DesktopTurn = Turn.get_future().wait_for(std::chrono::minutes(1));
             return {};
         }
         std::promise<void> Begun, Turn;

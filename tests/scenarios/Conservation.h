@@ -81,7 +81,7 @@ private:
             return false;
         TZQPDFDocument document(nullptr);
         document.OpenFromFile(path, {});
-        return document.Warnings().isEmpty();
+        return document.Warnings().IsEmpty();
     }
 
     string FFolder;

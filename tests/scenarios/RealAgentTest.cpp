@@ -13,7 +13,7 @@ TEST(RealAgent, WorksAndStopsOnSigterm) {
     EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf") && !workspace.Has("in/a.pdf"); }));
     EXPECT_EQ(RunProgram("qpdf", {"--check", workspace.Path("in/output/a.pdf")}).Exit, 0);
     agent.FProcess.terminate();
-    EXPECT_TRUE(agent.FProcess.waitForFinished());
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
     EXPECT_EQ(agent.FProcess.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }
@@ -22,7 +22,7 @@ TEST(RealAgent, MissingConfigurationFolderIsTold) {
     const TConfiguredWorkspace workspace;
     QDir(workspace.Path("c")).removeRecursively();
     TRealAgent agent(workspace.Path("settings"));
-    EXPECT_TRUE(agent.FProcess.waitForFinished());
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
     EXPECT_TRUE(agent.FProcess.readAllStandardError().contains("Configuration Path is missing or invalid. "));
 }

@@ -113,9 +113,10 @@ TEST_P(Writers, LoseNothing) {
     TSystemClock clock;
     TSystemFolderFiles files;
     TNotedHint hint;
+    TAgentStatus status;
     std::vector<QByteArray> contents;
     {
-        TWatchedFoldersThread agent(workspace.Path("c/"), {clock, files, hint});
+        TWatchedFoldersThread agent(workspace.Path("c/"), {clock, files, hint, status});
         ASSERT_TRUE(Eventually([&] { return QDir(workspace.Path("in/output")).exists(); }));
         const TFailing poor("lease", GetParam());
         std::vector<std::thread> writers;

@@ -34,7 +34,7 @@ public:
         FTime = time;
         FAsleep = false;
         FChanged.notify_all();
-        FChanged.wait_for(lock, std::chrono::seconds(5), [&] { return FAsleep; });
+        FChanged.wait_for(lock, std::chrono::minutes(1), [&] { return FAsleep; });
     }
     void Advance(Cardinal ms) { Advance(ms, FTime); }
     /// Time goes by with nobody asleep.

@@ -190,7 +190,7 @@ TEST(TimerManagerUse, TimersMayComeAndGoOnManyThreads) {
     for (int t = 0; t < 3; ++t)
         threads.emplace_back([] {
             Cardinal alerts = 0;
-            for (int i = 0; i < 40; ++i) {
+            for (int i = 0; i < 40 || alerts == 0; ++i) {
                 TumCustomAccurateTimer timer(nullptr);
                 TZQCronJob job(nullptr);
                 timer.SetInterval(1);

@@ -36,11 +36,16 @@ protected:
         change();
         return DeliverUntil([&] { return FChanges > 0; });
     }
-    bool IsSilent(const std::function<void()>& change) {
-        FChanges = 0;
-        change();
-        DeliverFor(60);
-        return FChanges == 0;
+    /// Tried again where notice comes, since that of an earlier change may be late on a busy machine.
+    bool IsSilent(const std::function<void(int attempt)>& change) {
+        for (int attempt = 0; attempt < 20; ++attempt) {
+            FChanges = 0;
+            change(attempt);
+            DeliverFor(60);
+            if (FChanges == 0)
+                return true;
+        }
+        return false;
     }
 
     /// A new watch takes a moment to open, and nothing tells when it has: changes are made until one is seen.
@@ -96,27 +101,27 @@ TEST_F(FolderWatchTest, TheDirectoryChangesUnderTheRunningThread) {
     EXPECT_EQ(FWatch.Directory(), Path("two") + "/");
     EXPECT_EQ(FWatch.Thread(), thread);
     AwaitWatch("two");
-    EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
+    EXPECT_TRUE(IsSilent([&](int) { Write("one/file"); }));
     EXPECT_TRUE(Reports([&] { Write("two/file"); }));
 }
 
 TEST_F(FolderWatchTest, AnotherFilterOrAnotherTreeTakesANewThread) {
     FWatch.SetActive(/*active=*/true);
     AwaitWatch("one");
-    EXPECT_TRUE(IsSilent([&] { Write("one/sub/file"); }));
+    EXPECT_TRUE(IsSilent([&](int) { Write("one/sub/file"); }));
     FWatch.SetWatchSubDirs(/*watchSubDirs=*/true);
     EXPECT_TRUE(FWatch.Active());
     AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { Write("one/sub/file"); }));
     FWatch.SetNotifyFilters(TFolderWatch::nfDirname);
     AwaitWatch("one");
-    EXPECT_TRUE(IsSilent([&] { Write("one/file"); }));
+    EXPECT_TRUE(IsSilent([&](int) { Write("one/file"); }));
     EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("new"); }));
     FWatch.SetActive(/*active=*/false);
     EXPECT_EQ(FWatch.Thread(), nullptr);
     FWatch.SetWatchSubDirs(/*watchSubDirs=*/false); // starts nothing
     EXPECT_FALSE(FWatch.Active());
-    EXPECT_TRUE(IsSilent([&] { QDir(Path("one")).mkdir("newer"); }));
+    EXPECT_TRUE(IsSilent([&](int attempt) { QDir(Path("one")).mkdir(QString("newer%1").arg(attempt)); }));
     FWatch.SetActive(/*active=*/true);
     AwaitWatch("one");
     EXPECT_TRUE(Reports([&] { QDir(Path("one")).mkdir("newest"); }));

@@ -1,5 +1,6 @@
 // morvane-agent: serves the watched folders of its user.
 #include "agent/AgentProgram.h"
+#include "agent/WorkMarks.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "desktop/Desktop.h"
@@ -15,6 +16,7 @@ int main() {
     try {
         IgnoreDisruptiveSignals();
         RaiseDescriptorLimit();
+        MarkFatalSignals();
         [[maybe_unused]] const bool service = ServiceNotice().Listening(); // before there are threads
         const TTimerManagerUse timers;
         const auto instances = CheckSingleInstance();
