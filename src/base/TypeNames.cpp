@@ -24,6 +24,8 @@ string TypeName(QMetaType type) {
     if (type.flags().testFlag(QMetaType::PointerToQObject))
         if (string name = Reflection::OwnClassInfo(*type.metaObject(), "ScriptName"); !name.isEmpty())
             return name;
+    if (type == QMetaType::fromType<PWideChar>())
+        return QStringLiteral("string or null");
     const string full = QString::fromLatin1(type.name()).remove(u'*');
     return full.mid(full.lastIndexOf(u':') + 1);
 }

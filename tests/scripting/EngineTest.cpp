@@ -25,6 +25,7 @@ TEST_F(ScriptEngine, ValuesCross) {
              TCase{"typeof Document.SetXMLMetaData('')", "undefined"},
              TCase{"ExtractFileName('/srv/Grüße 漢字 😀.pdf')", "Grüße 漢字 😀.pdf"},
              TCase{"ChangeFileExt(1.5, '.x')", "1.x"}, // a number has one spelling
+             TCase{"FindFiles('', '*', false).length", "0"},
              TCase{"['/a/b', '/c/d'].map(ExtractFileName).join()", "b,d"},
              TCase{"ENC_ALGORITHM_40_RC4 * 1000 + ENC_ALGORITHM_128_RC4 * 100 + ENC_ALGORITHM_128_AES * 10 + "
                    "ENC_ALGORITHM_256_AES",
@@ -80,6 +81,8 @@ TEST_F(ScriptEngine, RefusalsNameWhatIsWrong) {
              TCase{"Include('a.js')", "Include has no script engine"},
              TCase{"IncludeResource('nothing')", "Resource \"nothing\" not found."},
              TCase{"FindFiles('/nowhere', '*', true)", "/nowhere"},
+             TCase{"FindFiles('/proc/self/stat', '*', true)", "/proc/self/stat"},
+             TCase{"ShellExecute(0, undefined, 'true', '', '', 1)", "undefined is no PWideChar"},
              TCase{"throw new RangeError('mine')", "RangeError: mine"},
              TCase{"throw {toString() { return 'odd' }}", "odd"},
              TCase{"nothing.here", "ReferenceError: nothing is not defined"},

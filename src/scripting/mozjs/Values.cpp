@@ -23,7 +23,8 @@ enum class Shape { None, Boolean, Whole, Float, Text, Color, Enumeration, Record
 
 bool IsText(QMetaType type) {
     return type.id() == QMetaType::QString || type.id() == QMetaType::QByteArray ||
-           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>();
+           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>() ||
+           type == QMetaType::fromType<PWideChar>();
 }
 
 Shape ShapeOf(QMetaType type) {
@@ -206,7 +207,7 @@ QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType targe
     JSContext* cx = classes.Context();
     const Shape shape = ShapeOf(target);
     if (value.isNullOrUndefined()) {
-        if (shape == Shape::Object)
+        if (shape == Shape::Object || (value.isNull() && target == QMetaType::fromType<PWideChar>()))
             return QVariant(target);
         Refuse(what, value.isNull() ? QStringLiteral("null") : QStringLiteral("undefined"), target);
     }
