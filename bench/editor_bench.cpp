@@ -1,8 +1,8 @@
 // How fast the script editor's control is with a megabyte of text. Prints one line a measurement and fails
 // where a promise is broken.
 #include "EditorScript.h"
-#include "editor/JSMemoStyler.h"
 #include "editor/Memo.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QBuffer>
 

@@ -3,7 +3,7 @@
 // QT_SCALE_FACTOR=2 measures a fine screen.
 #include "EditorScript.h"
 #include "desktop/memo/MemoWidget.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,7 +1,7 @@
 #include "desktop/ScriptEditorDialog.h"
 
 #include "desktop/memo/MemoPane.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 #include "scripting/host/Engine.h"
 
 #include <QApplication>

@@ -2,60 +2,36 @@
 
 #include <algorithm>
 
-TAdvCustomMemo::TAdvCustomMemo() {
-    FBridge.FMemos.push_back(this);
-    FLines.Memo = &FBridge;
-    FLines.OnChange = [this] { LinesChanged(); };
-    FUndoList.SetMemo(&FBridge);
-}
-
 TAdvCustomMemo::~TAdvCustomMemo() {
     if (FMemoSource)
-        FMemoSource->Detach(*this);
-    QObject::disconnect(FStylerGone);
-    if (FRules.Styler && FRules.Styler->FAllStyles.FOwner == this)
-        FRules.Styler->FAllStyles.FOwner = nullptr;
+        FMemoSource->Remove(*this);
 }
 
-TAdvMemoStrings& TAdvCustomMemo::Lines() {
-    return FMemoSource ? FMemoSource->Lines : FLines;
+void TAdvCustomMemo::SetStyler(TAdvCustomMemoStyler* styler) {
+    FInternalStyles = styler;
+    if (!FMemoSource)
+        TakeStyler(styler);
 }
 
-const TAdvMemoStrings& TAdvCustomMemo::Lines() const {
-    return FMemoSource ? FMemoSource->Lines : FLines;
-}
-
-TAdvUndoList& TAdvCustomMemo::UndoList() {
-    return FMemoSource ? FMemoSource->UndoList : FUndoList;
+void TAdvCustomMemo::StylerChanged() {
+    TakeStyler(FMemoSource ? FMemoSource->Styler() : FInternalStyles.data());
 }
 
 void TAdvCustomMemo::SetMemoSource(TAdvMemoSource* source) {
     if (source == FMemoSource)
         return;
     if (FMemoSource)
-        FMemoSource->Detach(*this);
+        FMemoSource->Remove(*this);
     FMemoSource = source;
     if (source)
-        source->Attach(*this);
-    FCaret.Write(0, 0);
-    FSelection.Clear();
-    FScroll.SetTopLine(0);
-    FFolding.LinesChanged();
+        source->Add(*this);
+    ShowText(source);
+    Caret().Write(0, 0);
+    ClearSelection();
+    Scroll().SetTopLine(0);
+    Folding().LinesChanged();
     StylerChanged();
     RefreshControl();
-}
-
-void TAdvCustomMemo::Activate() {
-    if (!FMemoSource)
-        return;
-    FMemoSource->Activate(*this);
-    // Another control may have taken away the place of this one's caret.
-    const int y = std::clamp(FCaret.Y(), 0, std::max(0, Lines().Count() - 1));
-    const int x = std::min(FCaret.X(), LineLength(y));
-    if (FCaret.IsAt(x, y))
-        return;
-    FCaret.Write(x, y);
-    FSelection.Clear();
 }
 
 void TAdvCustomMemo::SetText(const string& text) {
@@ -65,107 +41,36 @@ void TAdvCustomMemo::SetText(const string& text) {
     int longest = 0;
     for (int row = 0; row < Lines().Count(); ++row)
         longest = std::max(longest, LineLength(row));
-    FScroll.SetMaxLength(longest);
-    UpdateWrap();
-    FFolding.AutoCodeFold();
+    Scroll().SetMaxLength(longest);
+    ArrangeLines();
     RefreshControl();
 }
 
-void TAdvCustomMemo::KeyDown(int key, TShiftState shift) {
-    Activate();
-    FKeys.KeyDown(key, shift);
+void TAdvCustomMemo::SetWholeText(const string& text) {
+    SetText(text);
+    if (text.isEmpty() || text.endsWith(u'\n') || text.endsWith(u'\r'))
+        Lines().InsertRows(Lines().Count(), {string()});
+    ClearUndoRedo();
 }
 
-void TAdvCustomMemo::KeyPress(QChar c) {
-    Activate();
-    FTyping.KeyPress(c);
-}
-
-void TAdvCustomMemo::Undo() {
-    Activate();
-    UndoList().Undo();
-}
-
-void TAdvCustomMemo::Redo() {
-    Activate();
-    UndoList().Redo();
-}
-
-bool TAdvCustomMemo::IsContinuation(int row) const {
-    const TLineProp* prop = Lines().GetLineProp(row);
-    return prop != nullptr && prop->Wrapped;
-}
-
-TLineModifiedState TAdvCustomMemo::GetModifiedState(int line) const {
-    const TLineProp* prop = Lines().GetLineProp(line);
-    return prop ? prop->Modified : lmUnmodified;
-}
-
-void TAdvCustomMemo::SetModifiedStateInt(int line, TLineModifiedState state) {
-    if (line < 0 || line >= Lines().Count())
-        return;
-    TLineProp& prop = Lines().NeedLineProp(line);
-    if (std::exchange(prop.Modified, state) != state)
-        RepaintRow(line);
-}
-
-string TAdvCustomMemo::LineText(int row) const {
-    return row >= 0 && row < Lines().Count() ? Lines()[row] : string();
-}
-
-int TAdvCustomMemo::LineLength(int row) const {
-    return row >= 0 && row < Lines().Count() ? int(Lines()[row].size()) : 0;
-}
-
-int TAdvCustomMemo::TrimmedLength(int row) const {
-    int length = LineLength(row);
-    if (length == 0 || IsContinuation(row + 1))
-        return length;
-    const string& line = Lines()[row];
-    while (length > 0 && line[length - 1] == u' ')
-        --length;
-    return length;
-}
-
-void TAdvCustomMemo::Wrap() {
-    if (Lines().Count() == 0 || Settings.FWordWrap == wwNone)
-        return;
-    FWrap.Wrap(Lines(), WrapLimit());
-    if (Lines().LockCount() == 0)
-        Repaint();
-}
-
-void TAdvCustomMemo::Unwrap() {
-    if (Lines().Count() > 0)
-        FWrap.Unwrap(Lines());
-}
-
-int TAdvCustomMemo::WrapLimit() const {
-    return Settings.FWordWrap == wwRightMargin ? Settings.FRightMargin : FScroll.ColumnsInView() - 1;
-}
-
-void TAdvCustomMemo::UpdateWrap() {
-    if (Settings.FWordWrap == wwNone)
-        return;
-    {
-        const TStringsUpdate update(Lines());
-        Unwrap();
-        Wrap();
-    }
-    FScroll.UpdateRange();
+string TAdvCustomMemo::WholeText() const {
+    const std::vector<string> lines = WholeLines(Lines());
+    return QStringList(lines.begin(), lines.end()).join(u'\n');
 }
 
 void TAdvCustomMemo::SetWordWrap(TWordWrapStyle style) {
     Activate();
-    const int offset = FWords.TextFromPos(FCaret.X(), FCaret.Y());
+    UndoList().Flush();
+    const int offset = Words().TextFromPos(Caret().X(), Caret().Y());
     if (Settings.FWordWrap != wwNone)
         Unwrap();
     Settings.FWordWrap = style;
     UpdateWrap();
+    UndoList().Restart();
     int x = 0;
     int y = 0;
-    FWords.PosFromText(offset, x, y);
-    FCaret.Write(x, y);
-    FSelection.Clear();
+    Words().PosFromText(offset, x, y);
+    Caret().Write(x, y);
+    ClearSelection();
     RefreshControl();
 }

@@ -1,35 +1,27 @@
 #pragma once
 // TAdvMemoSource: text, history and styler that several controls share.
-#include "editor/LineStore.h"
-#include "editor/MemoBridge.h"
-#include "editor/MemoStyler.h"
-#include "editor/UndoList.h"
+#include "editor/history/EditedText.h"
+#include "editor/style/MemoStyler.h"
 
 #include <QPointer>
 
-class TAdvMemoSource {
+class TAdvCustomMemo;
+
+class TAdvMemoSource : public TEditedText {
 public:
-    TAdvMemoSource();
+    TAdvMemoSource() = default;
     ~TAdvMemoSource();
     TAdvMemoSource(const TAdvMemoSource&) = delete;
     TAdvMemoSource& operator=(const TAdvMemoSource&) = delete;
 
-    TAdvMemoStrings Lines;
-    TAdvUndoList UndoList;
     [[nodiscard]] TAdvCustomMemoStyler* Styler() const { return FStyler; }
     void SetStyler(TAdvCustomMemoStyler* styler);
 
     /// Called by TAdvCustomMemo::SetMemoSource.
-    void Attach(TAdvCustomMemo& memo);
-    void Detach(TAdvCustomMemo& memo);
-    /// `memo` is the one that edits, undoes and selects from now on.
-    void Activate(TAdvCustomMemo& memo);
-    /// Folds were opened or closed.
-    void FoldsChanged();
+    void Add(TAdvCustomMemo& memo) { FMemos.push_back(&memo); }
+    void Remove(TAdvCustomMemo& memo) { std::erase(FMemos, &memo); }
 
 private:
-    void Connect();
-
-    TMemoBridge FBridge;
+    std::vector<TAdvCustomMemo*> FMemos;
     QPointer<TAdvCustomMemoStyler> FStyler;
 };

@@ -4,6 +4,7 @@
 #include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/PageTreeWriter.h"
+#include "engine/SourceStore.h"
 #include "engine/content/PageContent.h"
 
 #include <algorithm>
@@ -41,6 +42,16 @@ void NoteDeleted(TDocumentCore& core, const TPageObject& page) {
     core.StructureChanged = true;
     if (page.Origin == TPageOrigin::Own)
         core.DeletedPages.push_back(page.Dict);
+}
+
+/// The data of imported pages is read when they are saved. Of the first few files that is from themselves.
+void LimitOpenFiles(TDocumentCore& core, const TPDFSource& imported) {
+    constexpr int MostOpen = 64;
+    if (++core.OpenedImports <= MostOpen)
+        return;
+    if (!core.Store)
+        core.Store = std::make_shared<TSourceStore>();
+    imported.Input->MoveTo(core.Store);
 }
 
 /// The crop box that leaves the page without the margins, which are widths on the page as displayed.
@@ -198,6 +209,7 @@ bool TZQPDFDocument::ImportPagesFromDocument(const string& fileName, const strin
     static_cast<void>(after); // on purpose: `index` is already the place behind the page meant
     TZQPDFDocument source(nullptr);
     source.OpenFromFile(fileName, Narrow(password));
+    LimitOpenFiles(Core(), *source.Core().Source);
     return ImportPagesFrom(source, Narrow(range), index) > 0;
 }
 

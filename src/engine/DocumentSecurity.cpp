@@ -23,9 +23,9 @@ bool Allows(TDocumentCore& core, quint32 bits, const char* what) {
 
 } // namespace
 
-bool TPDFDocument::IsPasswordProtected(const string& fileName) {
+bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor) {
     try {
-        KeepTested(OpenSource(fileName, {}));
+        KeepTested(OpenSource(fileName, {}, descriptor));
         return false;
     } catch (const EPDFError& e) {
         if (e.Kind() == TPDFErrorKind::NeedsPassword || e.Kind() == TPDFErrorKind::Unsupported)

@@ -4,6 +4,7 @@
 #include "base/Interrupt.h"
 #include "base/Paths.h"
 #include "engine/Errors.h"
+#include "engine/SourceStore.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -30,11 +31,17 @@ qint64 StoredOf(const struct stat& info) {
     return std::min<qint64>(info.st_size, info.st_blocks * BlockUnit + SmallestBlock);
 }
 
+int OpenOrShare(const string& path, int descriptor) {
+    // O_NONBLOCK: a FIFO of that name must not hold us up.
+    return descriptor == TFileInput::NotOpen
+               ? ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)
+               : ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+}
+
 } // namespace
 
-TFileInput::TFileInput(const string& path) : FPath(path), FName(ExtractFileName(path).toStdString()) {
-    // O_NONBLOCK: a FIFO of that name must not hold us up.
-    FDescriptor = ::open(PathBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+TFileInput::TFileInput(const string& path, int descriptor)
+    : FPath(path), FName(ExtractFileName(path).toStdString()), FDescriptor(OpenOrShare(path, descriptor)) {
     if (FDescriptor < 0)
         throw EFileError("open", path, errno);
     if (::fstat(FDescriptor, &FInfo) == 0 && S_ISREG(FInfo.st_mode)) {
@@ -47,7 +54,18 @@ TFileInput::TFileInput(const string& path) : FPath(path), FName(ExtractFileName(
 }
 
 TFileInput::~TFileInput() {
+    if (!FStore)
+        ::close(FDescriptor);
+}
+
+void TFileInput::MoveTo(std::shared_ptr<TSourceStore> store) {
+    if (FStore)
+        return;
+    FStart = store->Take(FDescriptor, FInfo.st_size, FPath);
     ::close(FDescriptor);
+    FDescriptor = store->Descriptor();
+    FStore = std::move(store);
+    FWindow = {}; // of thousands of files, these add up, too
 }
 
 void TFileInput::GrantReading() {
@@ -66,10 +84,12 @@ void TFileInput::RequireSound() const {
         throw EPDFError(QStringLiteral("\"%1\" is damaged, and its repair would take reading it without end.")
                             .arg(FPath));
     if (FError != 0)
-        throw EFileError("read", FPath, FError);
+        throw EReadError(FPath, FError);
+    if (FStore)
+        return; // what lies there is ours
     struct stat now {};
     if (::fstat(FDescriptor, &now) != 0)
-        throw EFileError("read", FPath, errno);
+        throw EReadError(FPath, errno);
     if (now.st_size < FInfo.st_size)
         throw EPDFError(QStringLiteral("\"%1\" was shortened while it was worked on.").arg(FPath));
 }
@@ -155,9 +175,11 @@ bool TFileInput::FillWindow() {
 }
 
 size_t TFileInput::ReadAt(char* to, size_t length, qpdf_offset_t offset) {
+    length = size_t(std::clamp<qpdf_offset_t>(FInfo.st_size - offset, 0, qpdf_offset_t(length)));
     size_t done = 0;
     while (done < length) {
-        const ssize_t got = ::pread(FDescriptor, to + done, length - done, offset + qpdf_offset_t(done));
+        const qpdf_offset_t at = FStart + offset + qpdf_offset_t(done);
+        const ssize_t got = ::pread(FDescriptor, to + done, length - done, at);
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)

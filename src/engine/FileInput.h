@@ -8,12 +8,17 @@
 
 #include <qpdf/InputSource.hh>
 
+#include <memory>
 #include <sys/stat.h>
+
+class TSourceStore;
 
 class TFileInput : public InputSource {
 public:
-    /// Opens a regular file for reading. Raises EFileError.
-    explicit TFileInput(const string& path);
+    /// Opens a regular file for reading. Raises EFileError. With a descriptor, `path` is only the name of a
+    /// file that is open already; it stays the caller's.
+    explicit TFileInput(const string& path, int descriptor = NotOpen);
+    static constexpr int NotOpen = -1;
     ~TFileInput() override;
 
     /// The file as it was when it was opened.
@@ -28,6 +33,9 @@ public:
     /// shorter meanwhile, or EPDFError if the allowance was used up; what was made from it must not be
     /// published then.
     void RequireSound() const;
+    /// Goes on reading from a copy in the store, and lets go of the file. Raises EFileError; then nothing has
+    /// changed.
+    void MoveTo(std::shared_ptr<TSourceStore> store);
 
     qpdf_offset_t findAndSkipNextEOL() override;
     [[nodiscard]] std::string const& getName() const override { return FName; }
@@ -49,6 +57,8 @@ private:
     string FPath;
     std::string FName; // base name, for warnings
     int FDescriptor = -1;
+    std::shared_ptr<TSourceStore> FStore; // that the descriptor belongs to; null where it is the file's
+    qpdf_offset_t FStart = 0;             // of the file behind the descriptor
     struct stat FInfo {};
     qint64 FStored = 0;
     qint64 FAllowance = 0; // bytes that may still be read

@@ -4,11 +4,11 @@
 #include "base/Paths.h"
 #include "engine/CrossReferences.h"
 #include "engine/Numbers.h"
+#include "engine/Passwords.h"
 #include "engine/Teardown.h"
 #include "engine/decode/DecodeBudget.h"
 
 #include <qpdf/QPDFLogger.hh>
-#include <qpdf/QUtil.hh>
 
 #include <mutex>
 
@@ -25,15 +25,6 @@ bool HasHeader(TFileInput& input) {
     input.seek(0, SEEK_SET);
     const size_t size = input.read(head, sizeof head);
     return QByteArrayView(head, qsizetype(size)).contains("%PDF-");
-}
-
-/// Up to version 4 passwords are PDFDocEncoding, from 5 on UTF-8; what we get is UTF-8.
-std::vector<std::string> Spellings(const NarrowString& password) {
-    std::vector<std::string> spellings{password.toStdString()};
-    std::string encoded;
-    if (QUtil::utf8_to_pdf_doc(spellings[0], encoded) && encoded != spellings[0])
-        spellings.push_back(encoded);
-    return spellings;
 }
 
 /// What the library has to say of objects that belong to no document goes to standard error, without a name.
@@ -60,7 +51,7 @@ void Read(TPDFSource& source, const std::string& password) {
 
 /// Tries each spelling of the password.
 void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
-    const auto spellings = Spellings(password);
+    const auto spellings = PasswordSpellings(password);
     for (size_t i = 0;; ++i) {
         try {
             return Read(source, spellings[i]);
@@ -130,11 +121,11 @@ void TPDFSource::CollectWarnings() {
         Warnings.Add(TWarningKind::DamageRepaired, QString::fromUtf8(warning.what()));
 }
 
-TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
+TPDFSourcePtr OpenSource(const string& path, const NarrowString& password, int descriptor) {
     RequireNoNul("The password", Widen(password)); // the library takes what stands before it
     auto source = std::make_shared<TPDFSource>();
     source->Path = path;
-    source->Input = std::make_shared<TFileInput>(path);
+    source->Input = std::make_shared<TFileInput>(path, descriptor);
     RequireModestTable(*source->Input, path);
     TDecodeBudget budget = StructureBudget(*source);
     try {
@@ -171,12 +162,14 @@ void KeepTested(TPDFSourcePtr source) {
     Tested = std::move(source);
 }
 
-TPDFSourcePtr TakeTested(const string& path, const NarrowString& password) {
+TPDFSourcePtr TakeTested(const string& path, const NarrowString& password, int descriptor) {
     TPDFSourcePtr source = std::move(Tested);
     Tested.reset();
     struct stat now {};
-    if (!source || source->Path != path || source->Password != password ||
-        ::stat(PathBytes(path).constData(), &now) != 0 || !SameFile(now, source->Input->Info()))
+    const int looked = descriptor == TFileInput::NotOpen ? ::stat(PathBytes(path).constData(), &now)
+                                                         : ::fstat(descriptor, &now);
+    if (!source || source->Path != path || source->Password != password || looked != 0 ||
+        !SameFile(now, source->Input->Info()))
         return nullptr;
     return source;
 }

@@ -32,6 +32,8 @@ const char* CodeOf(TWarningKind kind) {
         return "import.fields-lost";
     case TWarningKind::MetadataUnreadable:
         return "metadata.unreadable";
+    case TWarningKind::ContentNotShown:
+        return "content.not-shown";
     case TWarningKind::NamesUnreadable:
         return "names.unreadable";
     }

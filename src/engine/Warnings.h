@@ -13,6 +13,7 @@ enum class TWarningKind : quint8 {
     PermissionRefused,       ///< the document's permissions denied an operation, which did nothing
     FieldsLost,              ///< form fields didn't come along with imported pages
     MetadataUnreadable,      ///< an XMP packet was left as it is
+    ContentNotShown,         ///< some viewers don't show what was put on pages
     NamesUnreadable,         ///< named destinations were left as they are
 };
 

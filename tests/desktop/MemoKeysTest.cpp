@@ -3,7 +3,7 @@
 
 #include "base/Exceptions.h"
 #include "desktop/memo/input/MemoClipboard.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -202,7 +202,7 @@ TEST_F(MemoKeysTest, NoKeyPressesADialogsButtons) {
     dialog.show();
     dialog.activateWindow();
     memo->setFocus();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, RealInput::Patience));
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Tab}) {
         QTest::keyClick(memo, key);
         EXPECT_TRUE(dialog.isVisible() && memo->hasFocus()) << key;

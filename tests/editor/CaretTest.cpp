@@ -1,6 +1,6 @@
 // Moves of caret and selection.
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 namespace {
 

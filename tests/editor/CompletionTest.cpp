@@ -1,7 +1,7 @@
 // Completion and parameter hints, with the test in the place of windows and timer.
-#include "editor/Completion.h"
+#include "editor/assist/Completion.h"
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <gmock/gmock.h>
 
@@ -371,6 +371,97 @@ TEST(AutoCorrect, ReplacesFinishedWords) {
     editor.Completion.FAutoCorrect.Active = false;
     editor.Type("fuction ");
     EXPECT_EQ(editor.Shown(), "function lone fuction |");
+}
+
+struct TYieldingEditor : TCompletingEditor {
+    explicit TYieldingEditor(const char* text = "|") : TCompletingEditor(text) {
+        Styler.UseTodaysLanguage();
+        Completion.FAutoCompletion.Yielding = true;
+        Memo.KeepExactHistory(100);
+    }
+};
+
+TEST(YieldingCompletion, NoKeyIsLostWhereverTheListOpens) {
+    for (const QString script :
+         {"for (var i = 0; i < 3; i++) { f(\"a, b\"); }", "Document.Save \nx = Document.Close ;",
+          "a.b = 1.5; // Document. and\nDocument.SaveAs('x. y', 2)\n  s.SaveAs "}) {
+        for (int pause = 1; pause <= script.size(); ++pause) {
+            TYieldingEditor editor;
+            editor.Memo.Settings.FAutoIndent = false;
+            editor.Type(script.left(pause).toUtf8());
+            if (editor.Window.Delay >= 0)
+                editor.Completion.TimerFired();
+            editor.Type(script.mid(pause).toUtf8());
+            ASSERT_EQ(editor.Lines(), script.toStdString()) << "pause behind " << pause;
+        }
+    }
+}
+
+TEST(YieldingCompletion, KeysChooseWhatWasTypedAtOrMovedTo) {
+    struct {
+        const char* Typed; // behind "Document.", with the list open
+        std::vector<int> Keys;
+        const char* Text;
+        bool Open;
+    } const cases[] = {
+        {"", {keyReturn}, "Document.\n|", false},
+        {"", {keyDown, keyReturn}, "Document.SaveAs(|)", false},
+        {"", {keyDown, keySpace}, "Document.SaveAs(|)", false},
+        {"Cl", {keyReturn}, "Document.Close|", false},
+        {"Cl", {keySpace}, "Document.Close |", false},
+        {"Cl", {keyTab}, "Document.Close|", false},
+        {"Save", {keyReturn}, "Document.Save\n|", false}, // it is there in full
+        {"Sx", {}, "Document.Sx|", false},                // nothing fits
+        {"Sx", {keyBackspace}, "Document.S|", false},
+        {"Save", {keyBackspace}, "Document.Sav|", true},
+        {"", {keyBackspace}, "Document|", false},
+        {"S", {keyLeft}, "Document.|S", false},
+        {"S(", {}, "Document.S(|", false},
+        {"", {keyEscape}, "Document.|", false},
+    };
+    for (const auto& test : cases) {
+        TYieldingEditor editor;
+        editor.Type("Document.");
+        editor.Fire();
+        ASSERT_TRUE(editor.Completion.IsOpen());
+        editor.Type(test.Typed);
+        for (const int key : test.Keys) {
+            editor.Memo.KeyDown(key, 0);
+            const char16_t c = key == keyReturn      ? keyEnterChar
+                               : key == keySpace     ? u' '
+                               : key == keyTab       ? keyTabChar
+                               : key == keyBackspace ? keyBackspaceChar
+                               : key == keyEscape    ? keyEscapeChar
+                                                     : 0;
+            if (c)
+                editor.Memo.KeyPress(c);
+        }
+        EXPECT_EQ(editor.Shown(), test.Text) << test.Typed;
+        EXPECT_EQ(editor.Completion.IsOpen(), test.Open) << test.Text;
+    }
+}
+
+TEST(YieldingCompletion, OpensBehindDotsThatHaveMembersAndOnRequest) {
+    struct {
+        const char* Typed;
+        bool Opens;
+    } const cases[] = {{"Document.", true},   {"f(", false},     {"// Document.", false},
+                       {"'Document.", false}, {"other.", false}, {"x = Document.", true}};
+    for (const auto& test : cases) {
+        TYieldingEditor editor;
+        editor.Type(test.Typed);
+        editor.Completion.TimerFired();
+        EXPECT_EQ(editor.Completion.IsOpen(), test.Opens) << test.Typed;
+    }
+    TYieldingEditor editor("x = Doc|");
+    editor.Key(keySpace, ssCtrl);
+    EXPECT_THAT(editor.Offered(), ElementsAre("Document."));
+    editor.Type("\n"); // chosen: its members follow
+    EXPECT_EQ(editor.Shown(), "x = Document.|");
+    EXPECT_THAT(editor.Offered(), ElementsAre("Save", "SaveAs", "Close"));
+    editor.Key(keyZ, ssCtrl);
+    EXPECT_EQ(editor.Shown(), "x = Doc|"); // one step
+    EXPECT_FALSE(editor.Completion.IsOpen());
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // Edits by keys and calls, with their undo; and the line store under a control.
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -316,6 +316,28 @@ TEST(Lines, WrappedTextSavesJoinedAndComesBackCut) {
     EXPECT_EQ(editor.Shown(), "axx| \nbbb \nccc\nd");
     editor.Memo.SetWordWrap(wwNone);
     EXPECT_EQ(editor.Shown(), "axx| bbb ccc\nd");
+}
+
+TEST(Source, ActivationBringsTheCaretIntoTheTextThatIsLeft) {
+    struct {
+        int X, Y;
+        const char* Left;
+        const char* Shown;
+    } const cases[] = {{3, 3, "ab", "ab|"}, {4, 0, "ab\ncd", "ab|\ncd"}, {1, 1, "a\nbcd", "a\nb|cd"}};
+    for (const auto& test : cases) {
+        TAdvMemoSource source;
+        TEditor left, right;
+        left.Memo.SetMemoSource(&source);
+        right.Memo.SetMemoSource(&source);
+        left.Given("long\nlong\nlong\nlong");
+        left.At(test.X, test.Y);
+        left.Memo.Selection().Take({0, 0, test.X, test.Y}, /*block=*/false);
+        right.Given(test.Left);
+        left.Memo.Activate();
+        EXPECT_EQ(left.Shown(), test.Shown);
+        const bool stayed = left.Memo.Caret().IsAt(test.X, test.Y);
+        EXPECT_EQ(left.Memo.Selection().IsEmpty(), !stayed); // places that went select nothing
+    }
 }
 
 TEST(Source, SharesTextHistoryAndStyler) {

@@ -1,8 +1,8 @@
 // Commands for whole lines, and places by line and column.
-#include "editor/LineCommands.h"
+#include "editor/edit/LineCommands.h"
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
-#include "editor/LinePlace.h"
+#include "editor/place/LinePlace.h"
+#include "editor/style/JSMemoStyler.h"
 
 namespace {
 

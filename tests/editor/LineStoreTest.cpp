@@ -1,6 +1,6 @@
 // The line store without a control, and the cutting of wrapped lines.
 #include "base/Exceptions.h"
-#include "editor/WordWrap.h"
+#include "editor/text/WordWrap.h"
 
 #include <QBuffer>
 #include <QFile>

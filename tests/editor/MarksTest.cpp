@@ -1,7 +1,7 @@
 // What is marked in the text: matching brackets and errors.
 #include "EditorFixture.h"
-#include "editor/BracketMatch.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/place/BracketMatch.h"
+#include "editor/style/JSMemoStyler.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 //
 // MORVANE_EDITOR_STEPS sets the number of steps of each test, MORVANE_EDITOR_SEED the first seed.
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <QBuffer>
 

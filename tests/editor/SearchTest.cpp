@@ -1,7 +1,7 @@
 // Search and replacement.
 #include "EditorFixture.h"
-#include "editor/JSMemoStyler.h"
-#include "editor/TextSearch.h"
+#include "editor/edit/TextSearch.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <gmock/gmock.h>
 

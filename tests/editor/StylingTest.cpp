@@ -1,8 +1,9 @@
 // Runs, line-start states and colours, judged on small languages.
-#include "editor/JSMemoStyler.h"
-#include "editor/LineStartState.h"
-#include "editor/MarkerFinder.h"
-#include "editor/ScanLine.h"
+#include "EditorFixture.h"
+#include "editor/style/JSMemoStyler.h"
+#include "editor/style/LineStartState.h"
+#include "editor/style/MarkerFinder.h"
+#include "editor/style/ScanLine.h"
 
 #include <gtest/gtest.h>
 
@@ -292,6 +293,51 @@ TEST(Styler, LoadedDropsContentsThatNobodyClaimed) {
     TAdvJSMemoStyler js;
     js.Loaded();
     EXPECT_EQ(js.FAllStyles.Count(), 5);
+}
+
+TEST(TodaysLanguage, EscapesExpressionsAndTextOfSeveralLines) {
+    struct {
+        const char* Text;
+        std::vector<const char*> Texts; // what is coloured as text or as an expression
+    } const cases[] = {
+        {"f('a\\'b', \"\\\\\")", {"'a\\'b'", "\"\\\\\""}},
+        {"x = /[\"/*]\\/'/gi; y", {"/[\"/*]\\/'/gi"}},
+        {"a = b / c / d", {}},
+        {"return /a/.test(b) / 2", {"/a/"}},
+        {"(a) / 2 / 'x'", {"'x'"}},
+        {"f(/ab", {"/ab"}},
+        {"/x/.y", {"/x/"}},
+        {"// /a/", {}},
+        {"x = `a\nb` + c", {"`a", "b`"}},
+        {"x = 'a\nb", {"'a"}}, // such text ends with its line
+        {"x = /'/; /*\n'a'*/ 'b'", {"/'/", "'b'"}},
+    };
+    for (const auto& test : cases) {
+        TAdvJSMemoStyler styler;
+        styler.UseTodaysLanguage();
+        TEditor editor(test.Text);
+        editor.Memo.Rules().FCaseSensitive = true;
+        editor.Styled(styler);
+        std::vector<std::string> texts;
+        for (int row = 0; row < editor.Memo.Lines().Count(); ++row) {
+            bool goesOn = false;
+            for (const TStyleRun& run : editor.Memo.RunsOf(row)) {
+                const bool text = run.State.isBracket && !run.State.isComment;
+                if (text && goesOn)
+                    texts.back() += run.Text.toStdString();
+                else if (text)
+                    texts.push_back(run.Text.toStdString());
+                goesOn = text;
+            }
+        }
+        // A closing quote is a run of its own.
+        std::string all, wanted;
+        for (const std::string& text : texts)
+            all += text;
+        for (const char* text : test.Texts)
+            wanted += text;
+        EXPECT_EQ(all, wanted) << test.Text;
+    }
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // in ModelTest.cpp.
 #include "EditorFixture.h"
 #include "base/Exceptions.h"
-#include "editor/JSMemoStyler.h"
+#include "editor/style/JSMemoStyler.h"
 
 #include <random>
 

@@ -29,6 +29,10 @@ class CheckLayers(unittest.TestCase):
             ("base/A.cpp", '#include "A.moc"'),
             ("desktop/A.h", "#include <QWidget>"),
             ("apps/agent/main.cpp", '#include "desktop/Tray.h"'),
+            ("editor/edit/A.cpp", '#include "editor/edit/B.h"'),
+            ("editor/assist/A.cpp", '#include "editor/text/B.h"'),  # several floors down
+            ("editor/A.cpp", '#include "editor/assist/B.h"'),
+            ("xml/parts/A.cpp", '#include "xml/B.h"'),  # no walls there
         ]:
             with self.subTest(path=path, line=line):
                 self.assertEqual(run(path, line), (0, ""))
@@ -39,6 +43,9 @@ class CheckLayers(unittest.TestCase):
             ("xml/A.h", '  #  include "engine/B.h"', "engine is not below it"),
             ("editor/A.h", '#include "platform/B.h"', "platform is not below it"),
             ("bates/A.h", '#include "scripting/B.h"', "scripting is not below it"),
+            ("editor/text/A.cpp", '#include "editor/place/B.h"', "editor/place is not below it"),
+            ("editor/style/A.cpp", '#include "editor/B.h"', "beside the folders of editor is not below it"),
+            ("editor/extra/A.cpp", '#include "editor/text/B.h"', "editor/extra is not a folder of the table"),
             ("engine/A.cpp", '#include "B.h"', "not written from src/"),
             ("engine/A.cpp", '#include "../base/Text.h"', "not written from src/"),
             ("actions/A.cpp", "#include <qpdf/QPDF.hh>", "for engine only"),

@@ -3,8 +3,8 @@
 #include "base/Exceptions.h"
 #include "base/PartFile.h"
 #include "base/Paths.h"
-#include "editor/LineStore.h"
-#include "editor/MemoSettings.h"
+#include "editor/text/LineStore.h"
+#include "editor/text/MemoSettings.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>

@@ -1,7 +1,7 @@
 #pragma once
 // The editor's fonts by style, and the cells that they are brought to.
-#include "editor/MemoFont.h"
-#include "editor/MemoView.h"
+#include "editor/place/MemoView.h"
+#include "editor/style/MemoFont.h"
 
 #include <QFont>
 

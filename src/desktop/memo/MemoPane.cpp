@@ -2,7 +2,7 @@
 
 #include "desktop/memo/bars/FindBar.h"
 #include "desktop/memo/bars/GoToLine.h"
-#include "editor/LinePlace.h"
+#include "editor/place/LinePlace.h"
 
 #include <QShortcut>
 #include <QVBoxLayout>

@@ -3,8 +3,8 @@
 // status line, and the keys that lead to them.
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/bars/StatusLine.h"
-#include "editor/LineCommands.h"
-#include "editor/TextSearch.h"
+#include "editor/edit/LineCommands.h"
+#include "editor/edit/TextSearch.h"
 
 class TFindBar;
 class TGoToLine;

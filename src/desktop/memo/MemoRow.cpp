@@ -5,12 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-int WholeColumn(QStringView text, int column) {
-    const bool inside = column > 0 && column < text.size() && text[column].isLowSurrogate() &&
-                        text[column - 1].isHighSurrogate();
-    return inside ? column - 1 : column;
-}
-
 int TMemoPiece::PlaceOf(int column) const {
     const int place = column - From;
     return place > PreeditAt ? place + PreeditLength : place;

@@ -2,7 +2,8 @@
 // A row as it shows: its runs, and pieces that lie on the grid of cells or are laid out by Qt. Only very long
 // rows have several pieces, so that one odd character in a line of half a megabyte doesn't have all of it
 // laid out and painted. Columns are the row's, places are a layout's, which counts preedit text.
-#include "editor/ScanLine.h"
+#include "editor/style/ScanLine.h"
+#include "editor/text/Characters.h"
 
 #include <QTextLayout>
 
@@ -48,6 +49,3 @@ struct TMemoRow {
     [[nodiscard]] std::vector<TMemoSpan> SpansOf(int from, int to) const;
     [[nodiscard]] int Width() const;
 };
-
-/// The nearest column at or before `column` that isn't inside a surrogate pair.
-[[nodiscard]] int WholeColumn(QStringView text, int column);

@@ -6,8 +6,8 @@
 #include "desktop/memo/input/MemoInput.h"
 #include "desktop/memo/input/MemoKeyboard.h"
 #include "desktop/memo/input/MemoMouse.h"
-#include "desktop/memo/input/SurrogatePairs.h"
 #include "desktop/memo/paint/MemoPainter.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QApplication>
 #include <QPaintEvent>
@@ -15,7 +15,7 @@
 #include <QStyleHints>
 
 TMemoWidget::TMemoWidget(QWidget* parent)
-    : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo, FCompletion)),
+    : QAbstractScrollArea(parent), FPairs(std::make_unique<TSurrogatePairs>(FMemo)),
       FAssist(std::make_unique<TAssistWindows>(*this)), FPainter(std::make_unique<TMemoPainter>(*this)),
       FKeyboard(std::make_unique<TMemoKeyboard>(*this)), FInput(std::make_unique<TMemoInput>(*this)),
       FAccessibility(std::make_unique<TMemoAccessibility>(*this)),

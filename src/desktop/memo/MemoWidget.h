@@ -2,8 +2,8 @@
 // The editor's window: a TAdvMemo on the desktop. It routes events to the parts that know what to do with
 // them, and what the control tells it to the next painting.
 #include "desktop/memo/MemoGeometry.h"
-#include "editor/ColumnRange.h"
-#include "editor/Completion.h"
+#include "editor/assist/Completion.h"
+#include "editor/text/ColumnRange.h"
 
 #include <QAbstractScrollArea>
 #include <QBasicTimer>

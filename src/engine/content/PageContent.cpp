@@ -1,6 +1,7 @@
 #include "engine/content/PageContent.h"
 
 #include "engine/content/ContentReader.h"
+#include "engine/content/EarlierForms.h"
 #include "engine/content/PlacedContent.h"
 #include "engine/layers/Drawing.h"
 
@@ -198,7 +199,7 @@ private:
         for (const QPDFObjectHandle& form : forms) {
             std::string name;
             do
-                name = "/Mv" + std::to_string(number++);
+                name = FormName(number++);
             while (xobjects.hasKey(name));
             xobjects.replaceKey(name, form);
             operators += name + " Do\n";
@@ -238,6 +239,10 @@ private:
 
 } // namespace
 
+std::string FormName(int number) {
+    return "/Mv" + std::to_string(number);
+}
+
 bool HasPendingContent(const TZQPDFPage& page) {
     return page.Content() != nullptr && page.Content()->IsPending();
 }
@@ -250,8 +255,10 @@ void ApplyContent(TDocumentCore& core) {
         ++number;
         if (!HasPendingContent(*item))
             continue;
-        if (!core.Drawing)
+        if (!core.Drawing) {
             core.Drawing = std::make_unique<TDocumentDrawing>(*core.Source->Pdf);
+            core.Drawing->Fonts.SetEarlierFonts([&core] { return FontsOfEarlierForms(core); });
+        }
         if (!writer)
             writer.emplace(*core.Drawing, reader.emplace(*core.Source->Pdf, StoredBytes(*core.Source)));
         writer->Write(item->Object(), *item->Content(), number);

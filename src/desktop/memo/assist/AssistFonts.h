@@ -1,6 +1,6 @@
 #pragma once
 // Fonts of the completion list and the hint, on the desktop.
-#include "editor/MemoFont.h"
+#include "editor/style/MemoFont.h"
 
 #include <QFont>
 

@@ -1,7 +1,7 @@
 #pragma once
 // The windows and timers of completion and hints, over one editor's window. They go whenever their place no
 // longer holds: when the editor loses the focus, its window moves, or the mouse works on the text.
-#include "editor/AssistWindow.h"
+#include "editor/assist/AssistWindow.h"
 
 #include <QBasicTimer>
 #include <QFont>

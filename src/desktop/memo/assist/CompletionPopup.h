@@ -2,7 +2,7 @@
 // The window of the completion list. It never takes the keyboard: keys go to the editor, whose control moves
 // the selection.
 #include "desktop/memo/paint/MemoColors.h"
-#include "editor/CompletionBox.h"
+#include "editor/assist/CompletionBox.h"
 
 #include <QFrame>
 

@@ -1,6 +1,6 @@
 #pragma once
 // The window of the parameter hint: three texts in a frame, one of them in bold.
-#include "editor/ParameterHint.h"
+#include "editor/assist/ParameterHint.h"
 
 #include <QWidget>
 

@@ -3,7 +3,7 @@
 // Shift+Return the one before.
 #include "desktop/memo/bars/MemoBar.h"
 #include "desktop/memo/bars/StatusLine.h"
-#include "editor/TextSearch.h"
+#include "editor/edit/TextSearch.h"
 
 class QLabel;
 class QLineEdit;

@@ -2,7 +2,7 @@
 
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/bars/StatusLine.h"
-#include "editor/LinePlace.h"
+#include "editor/place/LinePlace.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "desktop/memo/bars/StatusLine.h"
 
-#include "editor/LinePlace.h"
 #include "editor/Memo.h"
+#include "editor/place/LinePlace.h"
 
 #include <QAccessible>
 #include <QHBoxLayout>

@@ -1,9 +1,9 @@
 #include "desktop/memo/input/MemoAccessible.h"
 
 #include "desktop/memo/MemoWidget.h"
-#include "desktop/memo/input/Characters.h"
 #include "desktop/memo/input/MemoClipboard.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
+#include "editor/text/Characters.h"
 
 #include <QAccessibleWidget>
 

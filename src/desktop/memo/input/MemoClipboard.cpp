@@ -1,6 +1,6 @@
 #include "desktop/memo/input/MemoClipboard.h"
 
-#include "desktop/memo/input/Characters.h"
+#include "editor/text/Characters.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

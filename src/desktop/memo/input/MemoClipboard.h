@@ -1,6 +1,6 @@
 #pragma once
 // The desktop's clipboard, and the primary selection where the platform has one.
-#include "editor/MemoView.h"
+#include "editor/place/MemoView.h"
 
 class TQtMemoClipboard : public TMemoClipboard {
 public:

@@ -1,8 +1,8 @@
 #include "desktop/memo/input/MemoInput.h"
 
 #include "desktop/memo/MemoWidget.h"
-#include "desktop/memo/input/Characters.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
+#include "editor/text/Characters.h"
 
 #include <QGuiApplication>
 #include <QInputMethodEvent>

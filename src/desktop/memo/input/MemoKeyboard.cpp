@@ -2,7 +2,7 @@
 
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/input/MemoMouse.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QKeyEvent>
 

@@ -4,7 +4,7 @@
 // What a platform puts into an event's text differs for control characters, so those are made from the key;
 // only characters to be typed are taken from the text. Keys that the editor has no use for go on to the
 // windows above.
-#include "editor/MemoView.h"
+#include "editor/place/MemoView.h"
 
 class QKeyEvent;
 class TMemoWidget;

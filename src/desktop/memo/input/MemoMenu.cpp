@@ -2,7 +2,7 @@
 
 #include "desktop/memo/MemoWidget.h"
 #include "desktop/memo/input/MemoClipboard.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
 
 #include <QContextMenuEvent>
 #include <QMenu>

@@ -1,10 +1,10 @@
 #include "desktop/memo/input/MemoMouse.h"
 
 #include "desktop/memo/MemoWidget.h"
-#include "desktop/memo/input/Characters.h"
 #include "desktop/memo/input/MemoClipboard.h"
 #include "desktop/memo/input/MemoMenu.h"
-#include "desktop/memo/input/SurrogatePairs.h"
+#include "editor/edit/SurrogatePairs.h"
+#include "editor/text/Characters.h"
 
 #include <QApplication>
 #include <QMouseEvent>

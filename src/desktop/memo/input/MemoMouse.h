@@ -4,7 +4,7 @@
 #include "desktop/memo/input/AutoScroll.h"
 #include "desktop/memo/input/MemoDrag.h"
 #include "desktop/memo/input/MemoWheel.h"
-#include "editor/UndoTarget.h"
+#include "editor/history/UndoTarget.h"
 
 #include <QElapsedTimer>
 

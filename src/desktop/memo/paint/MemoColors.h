@@ -6,7 +6,7 @@
 // by 4.5:1 at least (WCAG 2, success criterion 1.4.3), and what was faint on white stays fainter than the
 // rest.
 #include "base/Text.h"
-#include "editor/ElementStyle.h"
+#include "editor/style/ElementStyle.h"
 
 #include <QColor>
 #include <QHash>

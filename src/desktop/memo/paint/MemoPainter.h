@@ -3,7 +3,7 @@
 #include "desktop/memo/paint/MemoColors.h"
 #include "desktop/memo/paint/MemoGutter.h"
 #include "desktop/memo/paint/MemoText.h"
-#include "editor/BracketMatch.h"
+#include "editor/place/BracketMatch.h"
 
 class TMemoPainter {
 public:
