@@ -19,6 +19,7 @@
 namespace {
 
 const string DefaultKey = QStringLiteral("{DEFAULT}");
+const string Caption = QStringLiteral("Javascript editor");
 
 TCompletionEntry EntryOf(const string& source) {
     string method;
@@ -37,7 +38,7 @@ string RemoveFirst(string text, const string& part) {
 TfrmJavaScriptEditor::TfrmJavaScriptEditor(QWidget* owner, TManners manners)
     : QDialog(owner), FManners(manners), FPane(new TMemoPane(this)), jsScript(&FPane->Editor().Memo()),
       AdvJSMemoStyler1(std::make_unique<TAdvJSMemoStyler>()) {
-    setWindowTitle(QStringLiteral("Javascript editor"));
+    setWindowTitle(Caption);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     setSizeGripEnabled(/*enabled=*/true);
     auto* rows = new QVBoxLayout(this);
@@ -259,10 +260,9 @@ bool TfrmJavaScriptEditor::Save() {
     jsScript->UndoList().Flush();
     if (!IsRight()) {
         ShowError();
-        const auto answer =
-            QMessageBox::question(this, windowTitle().remove(QStringLiteral("[*]")),
-                                  QStringLiteral("The script has an error. Save it all the same?"),
-                                  QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+        const auto answer = QMessageBox::question(
+            this, Caption, QStringLiteral("The script has an error. Save it all the same?"),
+            QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
         if (answer != QMessageBox::Save)
             return false;
     }
@@ -278,8 +278,7 @@ bool TfrmJavaScriptEditor::MayClose() {
     if (FManners == TManners::Rule || FScript.ReadOnly || jsScript->UndoList().IsAtSaved())
         return true;
     const auto answer = QMessageBox::question(
-        this, windowTitle().remove(QStringLiteral("[*]")),
-        QStringLiteral("The script has been changed. Save the changes?"),
+        this, Caption, QStringLiteral("The script has been changed. Save the changes?"),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save());
 }
