@@ -1,6 +1,7 @@
 // How long clients of the control pipe wait for their answer: many "check" calls from parallel clients, each
 // call a connection of its own, as a script would make it.
 //   bench_pipe [CALLS [CLIENTS [agent]]]    with "agent" the agent that runs is asked, whatever it is doing
+#include "agent/AgentStatus.h"
 #include "agent/ControlPipe.h"
 #include "agent/NamedPipeThread.h"
 #include "platform/NamedPipe.h"
@@ -66,10 +67,11 @@ int main(int argc, char** argv) {
     const int clients = argc > 2 ? std::max(1, std::atoi(argv[2])) : 20;
     const bool askAgent = argc > 3 && QLatin1String(argv[3]) == QLatin1String("agent");
     const QTemporaryDir folder;
+    const TAgentStatus status;
     std::optional<TNamedPipeThread> server;
     if (!askAgent) {
         qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
-        server.emplace(nullptr);
+        server.emplace(nullptr, status);
     }
     if (!WaitForServer())
         return EXIT_FAILURE;

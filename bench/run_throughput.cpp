@@ -43,7 +43,8 @@ void RunPass(const QString& root, FileSync sync) {
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
-    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint});
+    TAgentStatus status;
+    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint, status});
     clock.Play(1);
 }
 

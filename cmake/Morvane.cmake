@@ -90,7 +90,7 @@ function(morvane_test name)
         set(ARG_TIMEOUT 120)
     endif()
     morvane_program(test_${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS}
-        PRIVATE ${ARG_PRIVATE} GTest::gmock_main morvane_testing)
+        PRIVATE ${ARG_PRIVATE} morvane_test_main morvane_testing)
     gtest_discover_tests(test_${name} TEST_PREFIX "${name}." DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()

@@ -19,6 +19,9 @@ public:
     /// answers false does not stop a list. Not for two threads at once.
     virtual Cardinal Execute(TZQPDFDocument& Document);
 
+    /// Whether a stop of the agent may end the action before its work is done.
+    [[nodiscard]] virtual bool IsInterruptible() const { return false; }
+
     /// Shows the action's settings dialog: the known class named like the action with TFrmPDF for
     /// TPDFAction, made with a null owner and the action. True if the user confirmed. Raises Exception where
     /// no such dialog is known, as in the agent, which has none.

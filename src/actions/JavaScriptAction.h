@@ -16,4 +16,5 @@ public:
     /// Opens the script in the editor, which checks it with the engine of all scripts. Raises what
     /// GetDocumentScripting() raises, and nothing of its own.
     bool Config() override;
+    [[nodiscard]] bool IsInterruptible() const override { return true; }
 };

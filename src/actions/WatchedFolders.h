@@ -4,6 +4,24 @@
 
 #include <QList>
 
+/// What a folder may say beyond the rules that hold for all. A file without the element, or without one of its
+/// members, means the defaults, and only what differs from them is written.
+struct TPDFFolderPolicy {
+    Q_GADGET
+    XML_SPARSE
+public:
+    /// Which blocks of the run log are written: each, or only one that differs, but for its times, from the
+    /// folder's last one.
+    enum class TRepeatLines { Every, OnChange };
+    Q_ENUM(TRepeatLines)
+
+    /// How many seconds a file must have been quiet before it is taken up; 0: 1, or 3 where the file system
+    /// doesn't say whether somebody still holds a file open for writing.
+    FIELD(Integer, QuietSeconds) = 0;
+    FIELD(TRepeatLines, RepeatLines) = TRepeatLines::Every;
+    bool operator==(const TPDFFolderPolicy&) const = default;
+};
+
 /// One configured folder.
 struct TPDFWatchedFolder {
     Q_GADGET
@@ -14,6 +32,7 @@ public:
     FIELD(bool, OverwriteExistingFiles) = false;
     FIELD(Int64, CheckEvery) = 0; ///< in ticks of one second; 0 means never
     FIELD(string, Action);        ///< name of the action list to run
+    FIELD(TPDFFolderPolicy, Policy) = {};
     bool operator==(const TPDFWatchedFolder&) const = default;
 };
 using TPDFWatchedFolderList = QList<TPDFWatchedFolder>;

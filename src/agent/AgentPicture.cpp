@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -23,25 +24,37 @@ constexpr quint32 Sheet = 0xFFFFFF;
 constexpr quint32 Writing = 0xC62828;
 constexpr quint32 Front = 0xF6A623;
 
-/// From back to front; `rise` is how far the sheet stands above its place.
-std::array<TShape, 6> Drawing(double rise) {
-    return {{{0.04, 0.20, 0.46, 0.60, 0.06, Back},
-             {0.04, 0.28, 0.96, 0.90, 0.06, Back},
-             {0.20, 0.12 - rise, 0.80, 0.80 - rise, 0.04, Sheet},
-             {0.28, 0.22 - rise, 0.72, 0.28 - rise, 0.0, Writing},
-             {0.28, 0.36 - rise, 0.72, 0.42 - rise, 0.0, Writing},
-             {0.04, 0.52, 0.96, 0.94, 0.08, Front}}};
+using TDrawing = std::vector<TShape>; // from back to front
+
+/// `rise` is how far the sheet stands above its place.
+TDrawing Drawing(double rise) {
+    return {{0.04, 0.20, 0.46, 0.60, 0.06, Back},
+            {0.04, 0.28, 0.96, 0.90, 0.06, Back},
+            {0.20, 0.12 - rise, 0.80, 0.80 - rise, 0.04, Sheet},
+            {0.28, 0.22 - rise, 0.72, 0.28 - rise, 0.0, Writing},
+            {0.28, 0.36 - rise, 0.72, 0.42 - rise, 0.0, Writing},
+            {0.04, 0.52, 0.96, 0.94, 0.08, Front}};
+}
+
+/// The same with a badge that holds an exclamation mark, large enough for 16 pixels.
+TDrawing DrawingWithBadge() {
+    TDrawing drawing = Drawing(0);
+    drawing.insert(drawing.end(), {{0.38, 0.38, 1.00, 1.00, 0.31, Sheet},
+                                   {0.43, 0.43, 0.95, 0.95, 0.26, Writing},
+                                   {0.63, 0.50, 0.75, 0.73, 0.03, Sheet},
+                                   {0.63, 0.78, 0.75, 0.89, 0.05, Sheet}});
+    return drawing;
 }
 
 /// The colour at a point, with full alpha; 0 where nothing is.
-quint32 ColourAt(const std::array<TShape, 6>& shapes, double x, double y) {
+quint32 ColourAt(const TDrawing& shapes, double x, double y) {
     const auto top =
         std::find_if(shapes.rbegin(), shapes.rend(), [&](const TShape& shape) { return shape.Holds(x, y); });
     return top == shapes.rend() ? 0 : 0xFF000000 | top->Colour;
 }
 
 /// The mean of a pixel's sample points: transparent ones thin the colour out, they don't darken it.
-ARGB Mean(const std::array<TShape, 6>& shapes, int column, int row, int size) {
+ARGB Mean(const TDrawing& shapes, int column, int row, int size) {
     constexpr int Samples = 4;
     std::array<quint32, 4> sums{}; // blue, green, red, points that have a colour
     for (int i = 0; i < Samples * Samples; ++i) {
@@ -62,10 +75,9 @@ ARGB Mean(const std::array<TShape, 6>& shapes, int column, int row, int size) {
     return alpha << 24 | sums[2] / sums[3] << 16 | sums[1] / sums[3] << 8 | sums[0] / sums[3];
 }
 
-TPicture Draw(int size, double rise) {
+TPicture Draw(int size, const TDrawing& shapes) {
     TPicture picture{size, size, {}};
     picture.Pixels.reserve(size_t(size) * size_t(size));
-    const auto shapes = Drawing(rise);
     for (int row = 0; row < size; ++row)
         for (int column = 0; column < size; ++column)
             picture.Pixels.push_back(Mean(shapes, column, row, size));
@@ -75,10 +87,14 @@ TPicture Draw(int size, double rise) {
 } // namespace
 
 TPicture AgentPicture(int size) {
-    return Draw(size, 0);
+    return Draw(size, Drawing(0));
+}
+
+TPicture AttentionPicture(int size) {
+    return Draw(size, DrawingWithBadge());
 }
 
 TPicture AgentFrame(int size, int frame) {
     constexpr double Highest = 0.6;
-    return Draw(size, Highest * (AgentFrames - 1 - frame) / (AgentFrames - 1));
+    return Draw(size, Drawing(Highest * (AgentFrames - 1 - frame) / (AgentFrames - 1)));
 }

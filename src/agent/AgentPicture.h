@@ -5,6 +5,9 @@
 /// The picture that stands in the tray, `size` pixels wide and high.
 [[nodiscard]] TPicture AgentPicture(int size);
 
+/// The same while something needs attention.
+[[nodiscard]] TPicture AttentionPicture(int size);
+
 inline constexpr int AgentFrames = 6;
 
 /// One frame of the sheet on its way into the folder; frame 0 is highest, the last one stands in it.

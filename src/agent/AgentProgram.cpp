@@ -5,6 +5,7 @@
 #include "agent/SystemRunHost.h"
 #include "platform/AppInstances.h"
 #include "platform/MessagePump.h"
+#include "platform/ServiceNotice.h"
 #include "platform/Signals.h"
 
 #include <QCoreApplication>
@@ -13,6 +14,8 @@
 #include <cstdlib>
 
 namespace {
+
+constexpr int StopLimitMs = 5000;
 
 constexpr char Identity[] = "{53F95304-BFF6-4D89-971E-E1366F4F10D5}";
 
@@ -52,6 +55,9 @@ std::unique_ptr<TAppInstances> CheckSingleInstance() {
     [[maybe_unused]] const int reached =
         instances->SendCmdLineParams(QLatin1String(TfrmFoldersAgent::WindowClass), 0);
     instances->SwitchTo(0);
+    // The service that this was to be is served; a start without this word would be a failed one, and tried
+    // again and again.
+    ServiceNotice().Ready(QStringLiteral("Another agent of this user serves the folders."));
     TAppInstances::KillInstance();
 }
 
@@ -70,6 +76,6 @@ int RunFoldersAgent(TAppInstances& instances) {
     thread_local const TStopAtExit stop; // behind the pump, whose queue it needs
     TSystemClock clock;
     TSystemFolderFiles files;
-    const TfrmFoldersAgent form({clock, files});
-    return form.Terminated() ? EXIT_SUCCESS : QCoreApplication::exec();
+    const TfrmFoldersAgent form({clock, files, StopLimitMs});
+    return form.Terminated() ? form.ExitCode() : QCoreApplication::exec();
 }

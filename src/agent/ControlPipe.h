@@ -7,6 +7,7 @@ inline constexpr char Name[] = "morvane_watched_folders";
 
 inline constexpr char Check[] = "check"; ///< answered with CheckReply while the agent's pipe lives
 inline constexpr char CheckReply[] = "OK";
+inline constexpr char Status[] = "status"; ///< answered with one line of JSON: TAgentStatus::ToJson
 inline constexpr char RefreshFolders[] = "refresh.folders"; ///< no reply, as the next
 inline constexpr char RefreshActions[] = "refresh.actions";
 

@@ -1,42 +1,21 @@
 #include "agent/FolderPass.h"
 
-#include "agent/FileJob.h"
+#include "agent/AgentStatus.h"
+#include "agent/FolderTurn.h"
 #include "base/Exceptions.h"
-#include "base/FileCopy.h"
 #include "base/Journal.h"
-#include "base/PartFile.h"
 #include "base/Paths.h"
-#include "base/UniqueName.h"
 
-#include <cerrno>
-
-/// One due folder while it is served.
-struct TFolderPass::TFolderTurn {
+struct TFolderPass::TPass {
     const TPassInput& Input;
     TRunLog& Log;
-    TPDFWatchedFolder Folder;
-    string Path; // these four with a delimiter at their end
-    string OutputFolder;
-    string ProcessFolder;
-    string ErrorFolder;
-    QStringList Files; // of this turn, or of the one before until this folder is listed
-};
-
-class TFolderPass::TReporter : public TJobReporter {
-public:
-    TReporter(TRunLog& log, TTrayHint& hint, const std::function<bool()>& terminated)
-        : FLog(log), FHint(hint), FTerminated(terminated) {}
-    void Log(const string& line) override { FLog.Line(line); }
-    void Hint(const string& text) override { FHint.SetHint(text); }
-    [[nodiscard]] bool Terminated() const override { return FTerminated(); }
-
-private:
-    TRunLog& FLog;
-    TTrayHint& FHint;
-    const std::function<bool()>& FTerminated;
+    bool Listed = false;                           // the folder that was listed last held files
+    QList<const TPDFWatchedFolder*> Suspects = {}; // folders that hold files over which a run died
 };
 
 namespace {
+
+constexpr qint64 SweepEvery = 600'000; // another agent over the same folder may die at any time
 
 bool IsDue(const TPDFWatchedFolder& folder, qint32 tick) {
     return folder.CheckEvery != 0 && qint64(tick) % folder.CheckEvery == 0;
@@ -45,96 +24,91 @@ bool IsDue(const TPDFWatchedFolder& folder, qint32 tick) {
 } // namespace
 
 TFolderPass::TFolderPass(TRunHost host, std::function<bool()> terminated)
-    : FHost(host), FTerminated(std::move(terminated)) {}
+    : FHost(host), FTerminated(std::move(terminated)), FMarks(host.StateFolder) {}
 
 void TFolderPass::Run(const TPassInput& input) {
     TRunLog log(input.LogFile);
-    TFolderTurn turn{input, log, {}, {}, {}, {}, {}, {}};
+    TPass pass{input, log};
     for (const TPDFWatchedFolder& folder : input.Folders.FFolders) {
+        if (MemoryOf(folder).SweptAt < 0)
+            Sweep(folder); // also where it is disabled: what a dead run took is given back
         if (!IsDue(folder, input.TickCounter))
             continue;
-        if (!folder.Enabled) {
-            log.Framed(u'*', QStringLiteral("Folder \"%1\" is disabled.").arg(folder.Name));
-            continue;
-        }
-        if (!DirectoryExists(folder.Name)) {
-            log.Framed(u'*', QStringLiteral("Watched folder path \"%1\" is invalid.").arg(folder.Name));
-            continue;
-        }
-        if (FTerminated())
+        if (folder.Enabled && DirectoryExists(folder.Name) && FTerminated())
             break;
-        turn.Folder = folder;
-        RunFolder(turn);
+        RunFolder(pass, folder);
     }
+    for (const TPDFWatchedFolder* folder : std::as_const(pass.Suspects))
+        ServeFolder(pass, *folder, TRound::Suspects);
     // One line a pass at most, and none where the last folder listed was empty: the list read last decides.
-    if (!turn.Files.isEmpty())
+    if (pass.Listed)
         log.Line(QStringLiteral("Done at %1").arg(CurrentTime()));
 }
 
-void TFolderPass::RunFolder(TFolderTurn& turn) {
-    turn.Path = IncludeTrailingDelimiter(turn.Folder.Name);
-    turn.OutputFolder = turn.Path + QStringLiteral("output/");
-    turn.ProcessFolder = turn.Path + QStringLiteral("process/");
-    turn.ErrorFolder = turn.Path + QStringLiteral("Error/");
-    for (const string& folder : {turn.OutputFolder, turn.ProcessFolder, turn.ErrorFolder})
-        ForceDirectories(folder);
-    SweepOnce(turn);
-    turn.Files = FHost.Files.ReadyFiles(turn.Folder.Name, FHost.Clock.Now().toMSecsSinceEpoch() * 1'000'000);
-    if (!turn.Files.isEmpty())
-        turn.Log.Framed(u'-',
-                        QStringLiteral("Started at %1, Folder=\"%2\"").arg(CurrentTime(), turn.Folder.Name));
-    for (const string& name : std::as_const(turn.Files)) {
-        if (FTerminated())
-            break;
-        ServeFile(turn, name);
-    }
+QStringList* TFolderPass::LastBlockOf(const TPDFWatchedFolder& folder) {
+    const bool all = folder.Policy.RepeatLines == TPDFFolderPolicy::TRepeatLines::Every;
+    return all ? nullptr : &MemoryOf(folder).LastBlock;
 }
 
-void TFolderPass::SweepOnce(const TFolderTurn& turn) {
-    if (FSwept.contains(turn.Path))
+void TFolderPass::RunFolder(TPass& pass, const TPDFWatchedFolder& folder) {
+    if (folder.Enabled && DirectoryExists(folder.Name)) {
+        ServeFolder(pass, folder, TRound::Others);
         return;
-    FSwept.insert(turn.Path);
-    for (const string& folder : {turn.Path, turn.OutputFolder, turn.ProcessFolder, turn.ErrorFolder})
-        SweepPartFiles(folder);
+    }
+    const string text = folder.Enabled
+                            ? QStringLiteral("Watched folder path \"%1\" is invalid.").arg(folder.Name)
+                            : QStringLiteral("Folder \"%1\" is disabled.").arg(folder.Name);
+    TTurnLog log(pass.Log, LastBlockOf(folder));
+    log.Announce(u'*', text, text);
+    log.Begin();
+    if (folder.Enabled)
+        NoteTrouble(folder, QStringLiteral("there is no such folder"));
 }
 
-void TFolderPass::ServeFile(TFolderTurn& turn, const string& name) {
-    std::optional<TSourceFile> source;
+void TFolderPass::ServeFolder(TPass& pass, const TPDFWatchedFolder& folder, TRound round) {
+    TTurnLog log(pass.Log, LastBlockOf(folder));
+    const string started = QStringLiteral("Started at %1, Folder=\"%2\"");
+    log.Announce(u'-', started.arg(CurrentTime(), folder.Name), started.arg(QString(), folder.Name));
     try {
-        source.emplace(turn.Path + name);
-    } catch (const EFileError& e) {
-        if (e.Error() != ENOENT)
-            JournalLine(e.Message());
-        return; // somebody took it away, or it can be read no more: nothing was begun
-    }
-    try {
-        WorkAndMove(turn, name, *source);
+        TFolderMemory& memory = MemoryOf(folder);
+        if (FHost.Clock.Steady() - memory.SweptAt >= SweepEvery)
+            Sweep(folder);
+        TFolderTurn turn({folder, pass.Input.Manager, log, memory, FMarks, FHost, FTerminated});
+        turn.Serve(round);
+        log.End();
+        pass.Listed = turn.Listed() && log.Written();
+        if (turn.LeftSuspects())
+            pass.Suspects.append(&folder);
+        NoteTrouble(folder, {});
     } catch (const std::exception& e) {
-        turn.Log.Line(QStringLiteral("Excution failed. Unhandled exception %1.").arg(MessageOf(e)));
-        MoveToError(turn, name, *source);
+        NoteTrouble(folder, MessageOf(e));
     }
 }
 
-void TFolderPass::WorkAndMove(TFolderTurn& turn, const string& name, TSourceFile& source) {
-    TFileJob job;
-    job.Source = turn.Path + name;
-    job.Dest = turn.OutputFolder + name;
-    if (!turn.Folder.OverwriteExistingFiles)
-        job.Dest = TPDFActionManager::UniqueFileName(job.Dest);
-    job.ActionName = turn.Folder.Action;
-    if (const Integer index = turn.Input.Manager.IndexOf(job.ActionName); index >= 0)
-        job.Actions = turn.Input.Manager[index].FActions;
-
-    TReporter reporter(turn.Log, FHost.Hint, FTerminated);
-    if (WorkOnFile(job, source, reporter) == TJobOutcome::Worked)
-        source.MoveTo(TPDFActionManager::UniqueFileName(turn.ProcessFolder + name));
-}
-
-void TFolderPass::MoveToError(TFolderTurn& turn, const string& name, TSourceFile& source) {
+void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
+    TFolderMemory& memory = MemoryOf(folder);
+    memory.SweptAt = FHost.Clock.Steady();
+    if (!DirectoryExists(folder.Name))
+        return;
     try {
-        source.MoveTo(TPDFActionManager::UniqueFileName(turn.ErrorFolder + name));
-    } catch (const ENameError& e) {
-        // The name alone is at fault: the file stays, and the files and folders behind it are served.
-        JournalLine(QStringLiteral("\"%1\" stays in its folder: %2").arg(turn.Path + name, e.Message()));
+        for (const string& name : SweepFolder(folder.Name))
+            JournalLine(QStringLiteral("\"%1\" was taken by a run that died; it is served again.")
+                            .arg(IncludeTrailingDelimiter(folder.Name) + name));
+    } catch (const std::exception& e) {
+        JournalLine(QStringLiteral("What dead runs may have left in \"%1\" stays: %2")
+                        .arg(folder.Name, MessageOf(e)));
     }
+}
+
+/// Tells when it changes.
+void TFolderPass::NoteTrouble(const TPDFWatchedFolder& folder, const string& trouble) {
+    TFolderMemory& memory = MemoryOf(folder);
+    if (!trouble.isEmpty())
+        FHost.Status.SetState(folder.Name, TFolderState::Broken, trouble);
+    if (memory.Trouble == trouble)
+        return;
+    memory.Trouble = trouble;
+    JournalLine(trouble.isEmpty()
+                    ? QStringLiteral("The folder \"%1\" is served again.").arg(folder.Name)
+                    : QStringLiteral("The folder \"%1\" can't be served: %2").arg(folder.Name, trouble));
 }

@@ -1,13 +1,17 @@
 #pragma once
-// One pass over the watched folders: which are due, which files they hold, and where each file ends up.
+// One pass over the watched folders: which are due, which can be served, and what the log says of the others.
+// What happens in a folder is agent/FolderTurn's.
 #include "actions/ActionManager.h"
 #include "actions/WatchedFolders.h"
+#include "agent/FolderMemory.h"
 #include "agent/RunHost.h"
 #include "agent/RunLog.h"
-
-#include <QSet>
+#include "agent/WorkMarks.h"
 
 #include <functional>
+
+class TTurnLog;
+enum class TRound;
 
 /// What a pass works with. The lists don't change while it runs.
 struct TPassInput {
@@ -21,22 +25,22 @@ class TFolderPass {
 public:
     TFolderPass(TRunHost host, std::function<bool()> terminated);
 
-    /// Serves every folder whose turn it is. What escapes (a subfolder that can't be made, a folder that
-    /// can't be listed, a failed file that can't be moved to `Error/` either) ends the pass.
+    /// Serves every folder whose turn it is. One that can't be served is noted, and the others go on.
     void Run(const TPassInput& input);
 
 private:
-    struct TFolderTurn;
-    class TReporter;
+    struct TPass;
 
-    void RunFolder(TFolderTurn& turn);
-    void ServeFile(TFolderTurn& turn, const string& name);
-    void WorkAndMove(TFolderTurn& turn, const string& name, class TSourceFile& source);
-    void MoveToError(TFolderTurn& turn, const string& name, class TSourceFile& source);
-    void SweepOnce(const TFolderTurn& turn);
+    void Sweep(const TPDFWatchedFolder& folder);
+    void RunFolder(TPass& pass, const TPDFWatchedFolder& folder);
+    void ServeFolder(TPass& pass, const TPDFWatchedFolder& folder, TRound round);
+    void NoteTrouble(const TPDFWatchedFolder& folder, const string& trouble);
+    [[nodiscard]] TFolderMemory& MemoryOf(const TPDFWatchedFolder& folder) { return FMemory[folder.Name]; }
+    [[nodiscard]] QStringList* LastBlockOf(const TPDFWatchedFolder& folder);
     [[nodiscard]] string CurrentTime() { return LogTime(FHost.Clock.Now()); }
 
     TRunHost FHost;
     std::function<bool()> FTerminated;
-    QSet<string> FSwept; // folders freed of the leftovers of dead runs
+    QHash<string, TFolderMemory> FMemory; // by the folder's name
+    TWorkMarks FMarks;
 };

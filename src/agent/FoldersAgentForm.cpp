@@ -3,14 +3,22 @@
 #include "agent/AgentPicture.h"
 #include "agent/FoldersThread.h"
 #include "base/Exceptions.h"
+#include "base/Journal.h"
 #include "base/Paths.h"
+#include "base/Printable.h"
 #include "base/Settings.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
+#include "platform/ServiceNotice.h"
 #include "scripting/AskForPassword.h"
 #include "watch/FolderWatch.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <cstdlib>
+
+#include <algorithm>
 
 std::atomic<TfrmFoldersAgent*> frmFoldersAgent = nullptr;
 
@@ -18,10 +26,11 @@ namespace {
 
 constexpr int FrameSize = 16;
 
-/// With a delimiter at its end; empty if there is no such folder.
-string ConfigurationPath() {
-    const string path = ExpandEnvironment(IncludeTrailingDelimiter(GetEditorSettings().ConfigurationFolder));
-    return DirectoryExists(path) ? path : string();
+/// With a delimiter at its end; empty if there is no such folder. The root is none: it is what is left of a
+/// reference to an empty variable.
+string ConfigurationPath(const string& configured) {
+    const string path = ExpandEnvironment(IncludeTrailingDelimiter(configured));
+    return path != u'/' && DirectoryExists(path) ? path : string();
 }
 
 void ShowError(const string& text) {
@@ -50,8 +59,10 @@ TfrmFoldersAgent::~TfrmFoldersAgent() {
 }
 
 void TfrmFoldersAgent::FillTrayIcon() {
-    for (const int size : {16, 22, 24, 32, 48, 64})
+    for (const int size : {16, 22, 24, 32, 48, 64}) {
         TrayIcon1.Icon.push_back(AgentPicture(size));
+        TrayIcon1.AttentionIcon.push_back(AttentionPicture(size));
+    }
     for (int frame = 0; frame < AgentFrames; ++frame)
         ImageList1.Add(AgentFrame(FrameSize, frame));
     TrayIcon1.Icons = &ImageList1;
@@ -63,20 +74,48 @@ void TfrmFoldersAgent::FillTrayIcon() {
 void TfrmFoldersAgent::FormCreate() {
     FCronJobs = std::make_unique<TObjectList<TZQCronJob>>();
     TrayIcon1.SetVisible(/*visible=*/true);
-    const string path = ConfigurationPath();
+    const TEditorSettings settings = GetEditorSettings();
+    const string path = ConfigurationPath(settings.ConfigurationFolder);
     if (path.isEmpty() || !DirectoryExists(path)) {
         ShowError(QStringLiteral("Configuration Path is missing or invalid. "));
-        Terminate();
+        Terminate(EXIT_FAILURE); // a service starts again, and may find it by then
         return;
     }
-    StartThreads(path);
+    StartThreads(path, {.KeepDays = settings.KeepDays, .FirstTick = 0});
+    ServiceNotice().Ready(FStatus.Summary());
     StartWatch(path);
 }
 
-void TfrmFoldersAgent::StartThreads(const string& path) {
-    FWatchedFoldersThread =
-        std::make_unique<TWatchedFoldersThread>(path, TRunHost{FHost.Clock, FHost.Files, *this});
-    FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); });
+void TfrmFoldersAgent::StartThreads(const string& path, const TRunSettings& settings) {
+    FWatchedFoldersThread = std::make_unique<TWatchedFoldersThread>(
+        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus, StateFolder()}, settings);
+    FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); }, FStatus);
+}
+
+void TfrmFoldersAgent::SetHint(const string& text) {
+    TrayIcon1.SetHint(text);
+    if (text != ApplicationTitle())
+        ServiceNotice().SetStatus(text);
+}
+
+/// A trouble is notified once, when it comes; its text may change without another word.
+void TfrmFoldersAgent::StatusTold() {
+    if (ServiceNotice().Listening())
+        ServiceNotice().SetStatus(FStatus.Summary());
+    const auto troubles = FStatus.Troubles();
+    if (troubles == FTroubles)
+        return;
+    QStringList all;
+    QStringList fresh;
+    for (const auto& trouble : troubles) {
+        all += Printable(trouble.Text);
+        const bool known = std::any_of(FTroubles.begin(), FTroubles.end(),
+                                       [&](const auto& told) { return told.Subject == trouble.Subject; });
+        if (!known)
+            fresh += all.last();
+    }
+    FTroubles = troubles;
+    TrayIcon1.SetTrouble(all.join(u'\n'), fresh.join(u'\n'));
 }
 
 void TfrmFoldersAgent::StartWatch(const string& path) {
@@ -94,12 +133,21 @@ void TfrmFoldersAgent::FormDestroy() {
 }
 
 void TfrmFoldersAgent::StopThreads(TWindowSystem windows) {
-    const auto meanwhile = [windows] {
+    QElapsedTimer waited;
+    waited.start();
+    const auto meanwhile = [&] {
         if (windows == TWindowSystem::Alive)
             QCoreApplication::processEvents();
+        if (FHost.StopLimitMs > 0 && waited.hasExpired(FHost.StopLimitMs)) {
+            JournalLine(
+                QStringLiteral("The work at hand doesn't end and is abandoned; its file is served again."));
+            std::_Exit(EXIT_SUCCESS); // nothing of it has been published
+        }
     };
     MessageBoxHost().CloseAll();
     PasswordPrompt().CancelAll();
+    FStatus.SetAgent(TAgentState::Stopping);
+    ServiceNotice().Stopping();
     if (FWatchedFoldersThread) {
         FWatchedFoldersThread->Terminate();
         FWatchedFoldersThread->WaitForDelivering(meanwhile);
@@ -137,10 +185,11 @@ void TfrmFoldersAgent::RefreshActions() {
         throw Exception(QStringLiteral("The agent is stopping."));
 }
 
-void TfrmFoldersAgent::Terminate() {
+void TfrmFoldersAgent::Terminate(int exitCode) {
     FTerminated = true; // before the event loop runs, the next call is lost
+    FExitCode = exitCode;
     // Not quit(), which asks the open windows first, and any of them may refuse.
-    QCoreApplication::exit();
+    QCoreApplication::exit(exitCode);
 }
 
 void TfrmFoldersAgent::WndProc(TMessage& message) {

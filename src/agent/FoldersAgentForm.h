@@ -2,6 +2,7 @@
 // TfrmFoldersAgent: the application's main form. It is never shown; it stands for the agent in the tray,
 // starts the folders thread, the control pipe and the watch of the configuration folder, and stops them in
 // order.
+#include "agent/AgentStatus.h"
 #include "agent/NamedPipeThread.h"
 #include "agent/RunHost.h"
 #include "base/ObjectList.h"
@@ -10,14 +11,17 @@
 #include "timers/CronJob.h"
 
 #include <atomic>
+#include <cstdlib>
 
 class TFolderWatch;
 class TWatchedFoldersThread;
+struct TRunSettings;
 
 /// What a form's run needs from outside; both outlive the form.
 struct TFormHost {
     TRunClock& Clock;
     TFolderFiles& Files;
+    int StopLimitMs = 0; ///< how long a stop waits for the work at hand; 0: until it ends
 };
 
 /// Whether there is still a window system to take events from.
@@ -45,10 +49,11 @@ public:
     TImageList ImageList1;
     TTrayIcon TrayIcon1;
 
-    /// Tells the application to end, whatever boxes are open.
-    void Terminate();
+    /// Tells the application to end with this exit code, whatever boxes are open.
+    void Terminate(int exitCode = EXIT_SUCCESS);
     /// It has been told; the event loop need not be begun.
     [[nodiscard]] bool Terminated() const { return FTerminated; }
+    [[nodiscard]] int ExitCode() const { return FExitCode; }
 
     /// Null where no configuration folder was found, and after the stop.
     [[nodiscard]] const TWatchedFoldersThread* FoldersThread() const { return FWatchedFoldersThread.get(); }
@@ -59,7 +64,8 @@ public:
     /// stays and is painted. A second call does nothing.
     void StopThreads(TWindowSystem windows = TWindowSystem::Alive);
 
-    void SetHint(const string& text) override { TrayIcon1.SetHint(text); }
+    void SetHint(const string& text) override;
+    void StatusTold() override;
     void RefreshFolders() override;
     void RefreshActions() override;
 
@@ -69,7 +75,7 @@ private:
     void FormCreate();
     void FormDestroy();
     void FillTrayIcon();
-    void StartThreads(const string& path);
+    void StartThreads(const string& path, const TRunSettings& settings);
     void StartWatch(const string& path);
     void FolderChanged(TFolderWatch& sender);
     void Exit1Click() { Terminate(); }
@@ -77,7 +83,10 @@ private:
     [[nodiscard]] bool Raise(TFlag flag);
 
     TFormHost FHost;
+    TAgentStatus FStatus;
+    std::vector<TAgentStatus::TTrouble> FTroubles; ///< those that were told; of the folders thread alone
     bool FTerminated = false;
+    int FExitCode = EXIT_SUCCESS;
     THiddenWindow FWindow;
     /// The list of jobs that cron masks would start. Always empty: the folders' schedule is their CheckEvery.
     std::unique_ptr<TObjectList<TZQCronJob>> FCronJobs;

@@ -3,17 +3,25 @@
 // each due folder's action list over its files.
 #include "actions/ActionManager.h"
 #include "actions/WatchedFolders.h"
+#include "agent/AgentStatus.h"
 #include "agent/ConfigurationFile.h"
 #include "agent/FolderPass.h"
 #include "agent/RunHost.h"
 #include "platform/WorkerThread.h"
 
 #include <atomic>
+#include <memory>
+
+/// What is set for a run outside the two configuration files.
+struct TRunSettings {
+    int KeepDays = 0;     ///< day logs that are older go; 0 keeps all
+    qint32 FirstTick = 0; ///< where the tick counter starts
+};
 
 class TWatchedFoldersThread final : public TWorkerThread {
 public:
     /// Runs from here on. `ConfigPath` ends with a delimiter; `host` must outlive the thread.
-    TWatchedFoldersThread(const string& ConfigPath, TRunHost host);
+    TWatchedFoldersThread(const string& ConfigPath, TRunHost host, TRunSettings settings = {});
     /// Terminates and waits.
     ~TWatchedFoldersThread() override;
 
@@ -27,20 +35,27 @@ public:
     std::atomic<bool> FRefreshActions = false; ///< the same for `actions.xml`
 
 private:
+    using TFlag = std::atomic<bool>;
+
     void Execute() override;
-    void Prepare();
+    void Serve();
     void Tick();
     void LookForChanges();
-    void Refresh();
+    [[nodiscard]] bool Look(TConfigurationFile& file, TListKind kind, TConfigurationFile::TLook look);
+    void ShowFolders();
+    void TellState();
+    void RunPass();
     void NameLogFile();
 
     TRunHost FHost;
     string FconfigPath;
+    TRunSettings FSettings;
     string FLogFileName;
     QDate FLogDate;
-    qint32 FTickCounter = 0;
-    TPDFWatchedFolders FWatchedFolders;
-    TPDFActionManager FActionManager;
+    qint32 FTickCounter;
+    // What is in force; another version takes the place of the whole.
+    std::shared_ptr<TPDFWatchedFolders> FWatchedFolders;
+    std::shared_ptr<TPDFActionManager> FActionManager;
     TConfigurationFile FFoldersFile;
     TConfigurationFile FActionsFile;
     TFolderPass FPass;

@@ -1,10 +1,11 @@
 #include "agent/NamedPipeThread.h"
 
+#include "agent/AgentStatus.h"
 #include "agent/ControlPipe.h"
 #include "platform/NamedPipeServer.h"
 
-TNamedPipeThread::TNamedPipeThread(TFindTarget findTarget)
-    : TWorkerThread("control pipe"), FFindTarget(std::move(findTarget)) {
+TNamedPipeThread::TNamedPipeThread(TFindTarget findTarget, const TAgentStatus& status)
+    : TWorkerThread("control pipe"), FFindTarget(std::move(findTarget)), FStatus(status) {
     Start();
 }
 
@@ -19,6 +20,8 @@ void TNamedPipeThread::Execute() {
         const string text = pipe.Read(ReadMs);
         if (text == QLatin1String(ControlPipe::Check))
             pipe.WritePipe(QLatin1String(ControlPipe::CheckReply));
+        else if (text == QLatin1String(ControlPipe::Status))
+            pipe.WritePipe(Widen(FStatus.ToJson()));
         else if (!text.isEmpty())
             HandleRefresh(text);
     }

@@ -2,11 +2,14 @@
 // TNamedPipeThread: the control pipe. Other programs of this user ask whether the agent runs, or tell it that
 // they have written its configuration.
 //
-// Commands are compared exactly: "check" is answered "OK", "refresh.folders" and "refresh.actions" have no
-// answer, and anything else is ignored. "check" proves only that this thread lives.
+// Commands are compared exactly: "check" is answered "OK", "status" with the agent's status,
+// "refresh.folders" and "refresh.actions" have no answer, and anything else is ignored. "check" proves only
+// that this thread lives; "status" tells what the others do.
 #include "platform/WorkerThread.h"
 
 #include <functional>
+
+class TAgentStatus;
 
 /// Where refresh commands go. Called on the pipe's thread.
 class TRefreshTarget {
@@ -25,7 +28,8 @@ public:
     /// dropped. What it returns must live until this thread has ended.
     using TFindTarget = std::function<TRefreshTarget*()>;
 
-    explicit TNamedPipeThread(TFindTarget findTarget);
+    /// `status` outlives the thread.
+    TNamedPipeThread(TFindTarget findTarget, const TAgentStatus& status);
     ~TNamedPipeThread() override;
 
 private:
@@ -33,4 +37,5 @@ private:
     void HandleRefresh(const string& command);
 
     TFindTarget FFindTarget;
+    const TAgentStatus& FStatus;
 };

@@ -1,7 +1,6 @@
 #pragma once
 // The run's view of the real system.
 #include "agent/RunHost.h"
-#include "base/BusyFile.h"
 
 #include <QSet>
 
@@ -11,6 +10,7 @@
 class TSystemClock : public TRunClock {
 public:
     [[nodiscard]] QDateTime Now() override { return QDateTime::currentDateTime(); }
+    [[nodiscard]] qint64 Steady() override;
     void WaitTick() override;
     void Wake() override;
 
@@ -22,9 +22,18 @@ private:
 
 class TSystemFolderFiles : public TFolderFiles {
 public:
-    [[nodiscard]] QStringList ReadyFiles(const string& folder, qint64 now) override;
+    [[nodiscard]] QStringList ReadyFiles(const TFolder& folder, qint64 now, const TQuietTime& quiet) override;
+    [[nodiscard]] bool IsStillReady(const TFolder& folder, const TSourceFile& file, qint64 now,
+                                    const TQuietTime& quiet) override;
+    [[nodiscard]] bool IsHeld(const TFolder& folder, const TSourceFile& file) override;
 
 private:
+    /// Files that aren't ready, by name, and since when in nanoseconds since 1970.
+    using TBusySince = QHash<string, qint64>;
+    void NoteBusy(const TFolder& folder, const string& name, qint64 now, TBusySince& busy);
+    void NoteNameless(const TFolder& folder, int count);
+
     TBusyFileTest FBusy;
-    QSet<string> FWarned; // folders with names that can't be read as text
+    QSet<string> FWarned;               // folders with names that can't be read as text
+    QHash<string, TBusySince> FWaiting; // by folder
 };

@@ -1,6 +1,8 @@
 #include "base/BusyFile.h"
 
+#include "base/FaultPoint.h"
 #include "base/Paths.h"
+#include "base/RunToken.h"
 
 #include <cerrno>
 #include <csignal>
@@ -12,23 +14,37 @@ namespace {
 
 constexpr qint64 Second = 1'000'000'000;
 
-enum class Lease { Free, Busy, NoAnswer };
-
-/// A read lease is refused while anybody has the file open for writing.
-Lease TakeLease(int descriptor) {
+/// A read lease is refused, with EAGAIN, while anybody has the file open for writing. 0 or an errno value.
+int TakeLease(int descriptor) {
     // The default signal of a broken lease would end the process; this one is ignored by default.
-    if (::fcntl(descriptor, F_SETSIG, SIGURG) != 0)
-        return Lease::NoAnswer;
-    if (::fcntl(descriptor, F_SETLEASE, F_RDLCK) != 0)
-        return errno == EAGAIN ? Lease::Busy : Lease::NoAnswer;
-    return Lease::Free;
+    const int taken = WithFaultPoint("lease", [&] {
+        return ::fcntl(descriptor, F_SETSIG, SIGURG) != 0 ? -1 : ::fcntl(descriptor, F_SETLEASE, F_RDLCK);
+    });
+    return taken == 0 ? 0 : errno;
 }
 
-Lease AskLease(int descriptor) {
-    const Lease lease = TakeLease(descriptor);
-    if (lease == Lease::Free)
+int TryLease(int descriptor) {
+    const int error = TakeLease(descriptor);
+    if (error == 0)
         (void)::fcntl(descriptor, F_SETLEASE, F_UNLCK);
-    return lease;
+    return error;
+}
+
+/// Whether a file of our own in the folder, which nobody writes, gets a lease. Nothing where none can be
+/// made.
+std::optional<bool> ProbeLease(const TFolder& folder) {
+    const QByteArray name = ".morvane-lease0-" + RunToken() + ".part"; // swept as a part file is
+    const int made = ::openat(folder.Descriptor(), name.constData(),
+                              O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (made < 0)
+        return std::nullopt;
+    ::close(made);
+    const int descriptor = ::openat(folder.Descriptor(), name.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    const bool granted = descriptor >= 0 && TryLease(descriptor) == 0;
+    if (descriptor >= 0)
+        ::close(descriptor);
+    (void)::unlinkat(folder.Descriptor(), name.constData(), 0);
+    return granted;
 }
 
 } // namespace
@@ -40,7 +56,7 @@ bool HeldForWriting(const string& path) {
 TReadLease::TReadLease(const string& path)
     : FDescriptor(::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
     if (FDescriptor >= 0)
-        FRefused = TakeLease(FDescriptor) == Lease::Busy;
+        FRefused = TakeLease(FDescriptor) == EAGAIN;
 }
 
 TReadLease::~TReadLease() {
@@ -48,20 +64,53 @@ TReadLease::~TReadLease() {
         ::close(FDescriptor); // which gives the lease back
 }
 
-bool TBusyFileTest::IsReady(const string& path, qint64 now) {
-    const int descriptor =
-        ::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+bool TBusyFileTest::GrantsLeases(const TFolder& folder, quint64 device) {
+    const auto known = FProbed.constFind(folder.Path());
+    if (known != FProbed.constEnd() && known->Device == device)
+        return known->Grants;
+    const std::optional<bool> grants = ProbeLease(folder);
+    if (grants)
+        FProbed.insert(folder.Path(), {device, *grants});
+    return grants.value_or(false);
+}
+
+TBusyFileTest::TLease TBusyFileTest::AskLease(const TFolder& folder, int descriptor) {
+    const int error = TryLease(descriptor);
+    if (error == 0)
+        return TLease::Free;
+    struct stat info {};
+    return error == EAGAIN && ::fstat(descriptor, &info) == 0 && GrantsLeases(folder, info.st_dev)
+               ? TLease::Busy
+               : TLease::NoAnswer;
+}
+
+bool TBusyFileTest::IsHeld(const TFolder& folder, int descriptor) {
+    return AskLease(folder, descriptor) == TLease::Busy;
+}
+
+bool TBusyFileTest::IsReady(const TFolder& folder, const string& name, qint64 now, const TQuietTime& quiet) {
+    const int descriptor = ::openat(folder.Descriptor(), PathBytes(name).constData(),
+                                    O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY | O_CLOEXEC);
     if (descriptor < 0)
         return false;
-    struct stat info {};
-    const bool regular = ::fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode);
-    const Lease lease = regular ? AskLease(descriptor) : Lease::Busy;
+    const bool ready = IsReady(folder, name, descriptor, now, quiet);
     ::close(descriptor);
-    if (lease == Lease::Busy)
+    return ready;
+}
+
+bool TBusyFileTest::IsReady(const TFolder& folder, const string& name, int descriptor, qint64 now,
+                            const TQuietTime& quiet) {
+    struct stat info {};
+    if (::fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode))
+        return false;
+    const TLease lease = AskLease(folder, descriptor);
+    if (lease == TLease::Busy)
         return false;
     const qint64 changed = qint64(info.st_ctim.tv_sec) * Second + info.st_ctim.tv_nsec;
-    const qint64 quiet = info.st_size == 0 ? 5 * Second : lease == Lease::Free ? Second : 3 * Second;
-    return IsQuiet(path, changed, quiet, now);
+    const int seconds = info.st_size == 0       ? quiet.Empty
+                        : lease == TLease::Free ? quiet.Leased
+                                                : quiet.Unanswered;
+    return IsQuiet(folder.Path() + name, changed, seconds * Second, now);
 }
 
 bool TBusyFileTest::IsQuiet(const string& path, qint64 changed, qint64 quiet, qint64 now) {

@@ -152,7 +152,8 @@ std::optional<QVariant> ToText(const QVariant& value, Kind from, QMetaType targe
         return std::nullopt;
     const string text = TextOf(value);
     if (target == QMetaType::fromType<TFileName>())
-        return QVariant::fromValue(TFileName(text));
+        return text.contains(QChar::Null) ? std::nullopt
+                                          : std::optional(QVariant::fromValue(TFileName(text)));
     if (target == QMetaType::fromType<TFontName>())
         return QVariant::fromValue(TFontName(text));
     if (target == QMetaType::fromType<QByteArray>())
@@ -249,7 +250,8 @@ QVariant ConvertTo(const QVariant& value, QMetaType target, const string& what) 
     }
     if (result)
         return *result;
-    const string given = from == Kind::Text ? u'"' + TextOf(value) + u'"' : value.toString();
+    string given = from == Kind::Text ? u'"' + TextOf(value) + u'"' : value.toString();
+    given.replace(QChar::Null, QStringLiteral("\\0")); // or messages end there
     throw EConvertError(QStringLiteral("%1: %2 is no %3")
                             .arg(what, given.isEmpty() ? QString::fromLatin1(value.metaType().name()) : given,
                                  QString::fromLatin1(target.name())));

@@ -34,5 +34,11 @@ private:
     int FError;
 };
 
+/// Reading what a file holds failed: its disk or its share, not its contents, is at fault.
+class EReadError : public EFileError {
+public:
+    EReadError(const string& path, int error) : EFileError(QStringLiteral("read"), path, error) {}
+};
+
 /// The text of any exception, also of those that aren't ours.
 [[nodiscard]] string MessageOf(const std::exception& e);

@@ -1,6 +1,7 @@
 #include "base/FolderListing.h"
 
 #include "base/Exceptions.h"
+#include "base/Folder.h"
 #include "base/Paths.h"
 
 #include <QStringDecoder>
@@ -93,14 +94,39 @@ bool NaturalLess(const string& a, const string& b) {
     return a < b;
 }
 
-QStringList ListFiles(const string& folder, const string& mask, int* unreadable) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(PathBytes(folder).constData()), ::closedir);
+namespace {
+
+using TDirectory = std::unique_ptr<DIR, int (*)(DIR*)>;
+
+/// A stream of its own: the folder's descriptor has one position for all who read it.
+TDirectory OpenListing(const TFolder& folder) {
+    const int descriptor = ::openat(folder.Descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* dir = descriptor < 0 ? nullptr : ::fdopendir(descriptor);
     if (dir == nullptr)
-        throw EFileError("list the folder", folder, errno);
-    QStringList names;
+        throw EFileError("list the folder", folder.Path(), errno);
+    return {dir, ::closedir};
+}
+
+/// Null at the end. Raises EFileError.
+const dirent* NextEntry(const TDirectory& dir, const TFolder& folder) {
     errno = 0;
-    while (const dirent* entry = ::readdir(dir.get())) {
-        if (entry->d_name[0] == '.' || !IsRegularFile(::dirfd(dir.get()), *entry))
+    const dirent* entry = ::readdir(dir.get());
+    if (entry == nullptr && errno != 0)
+        throw EFileError("list the folder", folder.Path(), errno);
+    return entry;
+}
+
+} // namespace
+
+QStringList ListFiles(const string& folder, const string& mask, int* unreadable) {
+    return ListFiles(*TFolder::Open(folder), mask, unreadable);
+}
+
+QStringList ListFiles(const TFolder& folder, const string& mask, int* unreadable) {
+    const TDirectory dir = OpenListing(folder);
+    QStringList names;
+    while (const dirent* entry = NextEntry(dir, folder)) {
+        if (entry->d_name[0] == '.' || !IsRegularFile(folder.Descriptor(), *entry))
             continue;
         QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
         const string name = decoder(QByteArrayView(entry->d_name));
@@ -110,10 +136,16 @@ QStringList ListFiles(const string& folder, const string& mask, int* unreadable)
         } else if (MatchesMask(name, mask)) {
             names.append(name);
         }
-        errno = 0;
     }
-    if (errno != 0)
-        throw EFileError("list the folder", folder, errno);
     std::sort(names.begin(), names.end(), NaturalLess);
+    return names;
+}
+
+QList<QByteArray> ListAll(const TFolder& folder) {
+    const TDirectory dir = OpenListing(folder);
+    QList<QByteArray> names;
+    while (const dirent* entry = NextEntry(dir, folder))
+        if (const QByteArray name(entry->d_name); name != "." && name != "..")
+            names.append(name);
     return names;
 }

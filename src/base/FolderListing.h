@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+class TFolder;
+
 /// A mask knows "*" and "?" only and is matched without regard to case.
 [[nodiscard]] bool MatchesMask(QStringView name, QStringView mask);
 
@@ -15,3 +17,7 @@
 /// everything else that is no file are left out, and so are names that begin with a dot. Names that are no
 /// valid UTF-8 can't be text: `unreadable`, if given, counts them. Raises EFileError.
 [[nodiscard]] QStringList ListFiles(const string& folder, const string& mask, int* unreadable = nullptr);
+[[nodiscard]] QStringList ListFiles(const TFolder& folder, const string& mask, int* unreadable = nullptr);
+/// Names of everything in the folder but "." and "..", hidden things too, as the file system's bytes, in no
+/// order. Raises EFileError.
+[[nodiscard]] QList<QByteArray> ListAll(const TFolder& folder);

@@ -2,14 +2,18 @@
 
 #include "base/Exceptions.h"
 #include "base/FaultPoint.h"
+#include "base/FolderListing.h"
+#include "base/NewName.h"
 #include "base/Paths.h"
+#include "base/RunToken.h"
+#include "base/UniqueName.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 
-#include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <dirent.h>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/sendfile.h>
@@ -18,81 +22,112 @@
 
 namespace {
 
-std::atomic<bool> SyncFiles = true;
-
 constexpr char Prefix[] = ".morvane-";
 constexpr char Suffix[] = ".part";
 constexpr int RandomLength = 6;
+constexpr time_t Day = 24 * 3600;
 
 QByteArray TemporaryName() {
     static constexpr char Letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
     QByteArray name(Prefix);
     for (int i = 0; i < RandomLength; ++i)
         name.append(Letters[QRandomGenerator::global()->bounded(int(sizeof Letters) - 1)]);
-    return name.append(Suffix);
+    return name + '-' + RunToken() + Suffix;
 }
 
-bool IsTemporaryName(const QByteArray& name) {
-    return name.size() == int(sizeof Prefix) - 1 + RandomLength + int(sizeof Suffix) - 1 &&
-           name.startsWith(Prefix) && name.endsWith(Suffix);
+/// What stands between the ends of a temporary's name: random letters, and the run that made it, which
+/// earlier versions left out. Empty for other names.
+QByteArray MiddleOf(const QByteArray& name) {
+    if (!name.startsWith(Prefix) || !name.endsWith(Suffix))
+        return {};
+    const QByteArray middle = name.mid(int(sizeof Prefix) - 1).chopped(int(sizeof Suffix) - 1);
+    return middle.size() == RandomLength || middle.indexOf('-') == RandomLength ? middle : QByteArray();
 }
 
-QByteArray FolderOf(const string& path) {
-    const QByteArray folder = PathBytes(ExtractFilePath(path));
-    return folder.isEmpty() ? QByteArray("./") : folder;
+TFolderPtr FolderOf(const string& path) {
+    const string folder = ExtractFilePath(path);
+    try {
+        return TFolder::Open(folder.isEmpty() ? QStringLiteral(".") : folder);
+    } catch (const EFileError& e) {
+        throw EFileError(QStringLiteral("write"), path, e.Error());
+    }
 }
 
-void SyncFolder(const string& path) {
-    if (!SyncFiles.load(std::memory_order_relaxed))
-        return;
-    const int folder = ::open(FolderOf(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0)
-        return; // a folder that may be written but not read cannot be synced by anybody
-    const int synced = WithFaultPoint("fsync folder", [&] { return ::fsync(folder); });
-    const int error = errno;
-    ::close(folder);
-    // Some file systems know no fsync on folders; their rename is as durable as they can make it.
-    if (synced != 0 && error != EINVAL && error != ENOTSUP)
-        throw EFileError("write the folder of", path, error);
+/// The process's mask, which can't be asked without changing it for other threads, too.
+mode_t Mask() {
+    static const mode_t mask = [] {
+        QFile status(QStringLiteral("/proc/self/status"));
+        if (status.open(QIODevice::ReadOnly))
+            for (const QByteArray& line : status.readAll().split('\n'))
+                if (line.startsWith("Umask:"))
+                    return mode_t(line.mid(6).trimmed().toUInt(nullptr, 8));
+        return mode_t(022);
+    }();
+    return mask;
+}
+
+/// Whether somebody who lives may still write to the temporary.
+bool InUse(int descriptor, const QByteArray& middle) {
+    const TRunState run = StateOfRun(middle.mid(RandomLength + 1));
+    if (run == TRunState::Dead)
+        return false;
+    struct stat info {};
+    const bool foreign = run == TRunState::Unknown && middle.size() > RandomLength;
+    if (foreign && ::fstat(descriptor, &info) == 0)
+        return ::time(nullptr) - info.st_mtime < Day;
+    const int locked = WithFaultPoint("flock", [&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); });
+    return locked != 0 && (errno == EWOULDBLOCK || run == TRunState::Alive);
 }
 
 } // namespace
 
-void SetFileSync(FileSync mode) {
-    SyncFiles.store(mode == FileSync::On, std::memory_order_relaxed);
-}
+TPartFile::TPartFile(const string& finalPath) : TPartFile(FolderOf(finalPath), ExtractFileName(finalPath)) {}
 
-TPartFile::TPartFile(const string& finalPath) : FFinalPath(finalPath) {
+TPartFile::TPartFile(TFolderPtr folder, const string& name) : FFolder(std::move(folder)), FFinalName(name) {
     Create();
 }
 
 TPartFile::~TPartFile() {
     if (!FTemporary.isEmpty())
-        (void)WithFaultPoint("unlink part", [&] { return ::unlink(FTemporary.constData()); });
+        (void)WithFaultPoint("unlink part",
+                             [&] { return ::unlinkat(FFolder->Descriptor(), FTemporary.constData(), 0); });
     if (FDescriptor >= 0)
         ::close(FDescriptor);
 }
 
+string TPartFile::FinalPath() const {
+    return FFolder->Path() + FFinalName;
+}
+
+EFileError TPartFile::Failure(int error) const {
+    return EFileError(QStringLiteral("write"), FinalPath(), error);
+}
+
 void TPartFile::Create() {
-    for (;;) {
-        const QByteArray path = FolderOf(FFinalPath) + TemporaryName();
+    do {
+        FTemporary = TemporaryName();
         FDescriptor = WithFaultPoint("create part", [&] {
-            return ::open(path.constData(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+            return ::openat(FFolder->Descriptor(), FTemporary.constData(),
+                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
         });
-        if (FDescriptor < 0 && errno == EEXIST)
-            continue;
-        if (FDescriptor < 0)
-            throw EFileError("write", FFinalPath, errno);
-        // A sweep may have seen the file before the lock stood; it has then unlinked it.
-        struct stat info {};
-        if (::flock(FDescriptor, LOCK_EX | LOCK_NB) == 0 && ::fstat(FDescriptor, &info) == 0 &&
-            info.st_nlink > 0) {
-            FTemporary = path;
-            return;
+        if (FDescriptor < 0 && errno != EEXIST) {
+            const int error = errno;
+            FTemporary.clear();
+            throw Failure(error);
         }
-        ::close(FDescriptor);
-        FDescriptor = -1;
-    }
+    } while (FDescriptor < 0 || !Lock());
+}
+
+/// False where a sweep was faster: it saw the file before the lock stood and has taken it away.
+bool TPartFile::Lock() {
+    const int locked = WithFaultPoint("flock", [&] { return ::flock(FDescriptor, LOCK_EX | LOCK_NB); });
+    struct stat info {};
+    // A file system without locks has only the name to tell by; a sweep goes by that, too.
+    if ((locked == 0 || errno != EWOULDBLOCK) && ::fstat(FDescriptor, &info) == 0 && info.st_nlink > 0)
+        return true;
+    ::close(FDescriptor);
+    FDescriptor = -1;
+    return false;
 }
 
 void TPartFile::Write(const void* data, size_t size) {
@@ -102,7 +137,7 @@ void TPartFile::Write(const void* data, size_t size) {
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0)
-            throw EFileError("write", FFinalPath, errno);
+            throw Failure(errno);
         at += written;
         size -= size_t(written);
     }
@@ -119,7 +154,7 @@ qint64 TPartFile::WriteAllOf(int source) {
         if (copied < 0 && (errno == EINVAL || errno == ENOSYS)) // not every file system can do that
             return WriteByReading(source, offset);
         if (copied < 0)
-            throw EFileError("write", FFinalPath, errno);
+            throw Failure(errno);
         if (copied == 0)
             return offset;
     }
@@ -133,7 +168,7 @@ qint64 TPartFile::WriteByReading(int source, qint64 offset) {
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
-            throw EFileError("read what becomes", FFinalPath, errno);
+            throw EFileError(QStringLiteral("read what becomes"), FinalPath(), errno);
         if (got == 0)
             return offset;
         Write(buffer.data(), size_t(got));
@@ -144,20 +179,20 @@ qint64 TPartFile::WriteByReading(int source, qint64 offset) {
 void TPartFile::TakeModeOf(int source) {
     struct stat info {};
     if (::fstat(source, &info) == 0)
-        (void)::fchmod(FDescriptor, info.st_mode & 0777);
+        FMode = int(info.st_mode & 0777);
 }
 
 void TPartFile::TakeModeOf(const string& path) {
     struct stat info {};
     if (::stat(PathBytes(path).constData(), &info) == 0)
-        (void)::fchmod(FDescriptor, info.st_mode & 0777);
+        FMode = int(info.st_mode & 0777);
 }
 
 void TPartFile::Flush() {
-    if (FFlushed || !SyncFiles.load(std::memory_order_relaxed))
+    if (FFlushed || !FilesAreSynced())
         return;
     if (WithFaultPoint("fsync", [&] { return ::fsync(FDescriptor); }) != 0)
-        throw EFileError("write", FFinalPath, errno);
+        throw Failure(errno);
     FFlushed = true;
 }
 
@@ -165,50 +200,57 @@ void TPartFile::Published() {
     FTemporary.clear();
     ::close(FDescriptor);
     FDescriptor = -1;
-    SyncFolder(FFinalPath);
+    if (FSyncFolder)
+        FFolder->Sync();
 }
 
 void TPartFile::PublishReplacing() {
     Flush();
-    const QByteArray final = PathBytes(FFinalPath);
-    if (WithFaultPoint("rename", [&] { return ::rename(FTemporary.constData(), final.constData()); }) != 0)
-        throw EFileError("write", FFinalPath, errno);
+    const QByteArray name = PathBytes(FFinalName);
+    struct stat there {};
+    if (FFolder->Look(name, there) && !S_ISREG(there.st_mode) && !S_ISLNK(there.st_mode))
+        throw EFileError(
+            QStringLiteral("Cannot write \"%1\": what has this name is no file.").arg(FinalPath()),
+            S_ISDIR(there.st_mode) ? EISDIR : EINVAL);
+    (void)::fchmod(FDescriptor, FMode < 0 ? 0666 & ~Mask() : mode_t(FMode));
+    const int done = WithFaultPoint("publish over", [&] {
+        return ::renameat(FFolder->Descriptor(), FTemporary.constData(), FFolder->Descriptor(),
+                          name.constData());
+    });
+    if (done != 0)
+        throw Failure(errno);
     Published();
 }
 
 bool TPartFile::PublishNew() {
     Flush();
-    const QByteArray final = PathBytes(FFinalPath);
-    int done = WithFaultPoint("rename new", [&] {
-        return ::renameat2(AT_FDCWD, FTemporary.constData(), AT_FDCWD, final.constData(), RENAME_NOREPLACE);
-    });
-    if (done != 0 && (errno == EINVAL || errno == ENOSYS)) { // not every file system knows the flag
-        done = WithFaultPoint("link", [&] { return ::link(FTemporary.constData(), final.constData()); });
-        if (done == 0)
-            (void)WithFaultPoint("unlink part", [&] { return ::unlink(FTemporary.constData()); });
-    }
-    if (done != 0 && errno == EEXIST)
+    (void)::fchmod(FDescriptor, FMode < 0 ? 0666 & ~Mask() : mode_t(FMode));
+    const int error = MoveToNewName("publish", *FFolder, FTemporary, *FFolder, PathBytes(FFinalName));
+    if (error == EEXIST)
         return false;
-    if (done != 0)
-        throw EFileError("write", FFinalPath, errno);
+    if (error != 0)
+        throw Failure(error);
     Published();
     return true;
 }
 
-void SweepPartFiles(const string& folder) {
-    const QByteArray path = PathBytes(IncludeTrailingDelimiter(folder));
-    const std::unique_ptr<DIR, int (*)(DIR*)> dir(::opendir(path.constData()), ::closedir);
-    if (dir == nullptr)
-        return;
-    while (const dirent* entry = ::readdir(dir.get())) {
-        if (!IsTemporaryName(entry->d_name))
+void PublishFree(TPartFile& file) {
+    while (!file.PublishNew())
+        file.SetFinalName(ExtractFileName(UniqueFileName(file.FinalPath(), file.Folder())));
+}
+
+void SweepPartFiles(const TFolder& folder) {
+    for (const QByteArray& name : ListAll(folder)) {
+        const QByteArray middle = MiddleOf(name);
+        if (middle.isEmpty())
             continue;
-        const QByteArray part = path + entry->d_name;
-        const int descriptor = ::open(part.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+        const int descriptor =
+            ::openat(folder.Descriptor(), name.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
         if (descriptor < 0)
             continue;
-        if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
-            (void)WithFaultPoint("unlink part", [&] { return ::unlink(part.constData()); });
+        if (!InUse(descriptor, middle))
+            (void)WithFaultPoint("unlink part",
+                                 [&] { return ::unlinkat(folder.Descriptor(), name.constData(), 0); });
         ::close(descriptor);
     }
 }

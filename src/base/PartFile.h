@@ -1,53 +1,70 @@
 #pragma once
 // A file that appears under its final name only when it is whole.
 //
-// The contents go to a hidden temporary in the final folder, reach the disk, and are then published in one
-// step. The temporary is locked while its writer lives, so that those of dead processes can be told and
-// swept; its name has a fixed short length, so a final name of 255 bytes works.
-#include "base/Text.h"
-
-#include <memory>
+// The contents go to a hidden temporary in the final folder, which nobody else may read, reach the disk, and
+// are then published in one step. The temporary is locked while its writer lives, and named after its run for
+// file systems without locks, so that those of dead processes can be told and swept; its name is short, so a
+// final name of 255 bytes works.
+#include "base/Exceptions.h"
+#include "base/Folder.h"
 
 class TPartFile {
 public:
     /// Makes the temporary in the folder of `finalPath`. Raises EFileError, as everything here does.
     explicit TPartFile(const string& finalPath);
+    /// The same in a folder that is held open.
+    TPartFile(TFolderPtr folder, const string& name);
     /// Removes what was not published.
     ~TPartFile();
     TPartFile(const TPartFile&) = delete;
     TPartFile& operator=(const TPartFile&) = delete;
 
     [[nodiscard]] int Descriptor() const { return FDescriptor; }
+    [[nodiscard]] const TFolder& Folder() const { return *FFolder; }
+    [[nodiscard]] string FinalPath() const;
     void Write(const void* data, size_t size);
     /// Appends all of `source`, from its beginning, without taking it through user memory where the file
     /// systems can do that. Returns the number of bytes.
     qint64 WriteAllOf(int source);
-    /// Gives the file the permission bits of an open file or of a path; one that is missing changes nothing.
+    /// Publishes with the permission bits of an open file or of a path; one that is missing changes nothing.
+    /// Without any, the process's own mask decides.
     void TakeModeOf(int source);
     void TakeModeOf(const string& path);
 
-    /// Publishes under the final name, replacing what is there.
+    /// Brings the contents to the disk; publishing does so where it wasn't done before.
+    void Flush();
+    /// Publishes under the final name, replacing what is there: a file or a link, never anything else that
+    /// has the name (a folder, device, FIFO or socket raises).
     void PublishReplacing();
     /// Publishes under the final name only if nothing has it. False: the name is taken, and the caller may
-    /// SetFinalPath to another in the same folder and try again.
+    /// SetFinalName to another in the same folder and try again.
     [[nodiscard]] bool PublishNew();
-    void SetFinalPath(const string& path) { FFinalPath = path; }
+    void SetFinalName(const string& name) { FFinalName = name; }
+    /// Publishing ends with the folder's new entry on the disk, unless the caller sees to that, so that one
+    /// wait can serve many files.
+    void LeaveFolderSync() { FSyncFolder = false; }
 
 private:
     void Create();
+    [[nodiscard]] bool Lock();
     qint64 WriteByReading(int source, qint64 offset);
-    void Flush();
+    [[nodiscard]] EFileError Failure(int error) const;
     void Published();
 
-    string FFinalPath;
+    TFolderPtr FFolder;
+    string FFinalName;
     QByteArray FTemporary; // empty once published
     int FDescriptor = -1;
+    int FMode = -1;
     bool FFlushed = false;
+    bool FSyncFolder = true;
 };
 
-/// Removes the temporaries in `folder` that nobody holds: those of processes that died.
-void SweepPartFiles(const string& folder);
+/// Publishes `file` under its final name or, where that is taken, under the free name that asking
+/// UniqueFileName again and again gives; `file` says which. Raises EFileError and ENameError; nothing is then
+/// published.
+void PublishFree(TPartFile& file);
 
-enum class FileSync { Off, On };
-/// Off leaves out the waits for the disk, for measuring only: a power failure could then lose files.
-void SetFileSync(FileSync mode);
+/// Removes the temporaries in `folder` that dead processes left. One of a host of which nothing is known, on
+/// a file system without locks, goes when it is a day old.
+void SweepPartFiles(const TFolder& folder);

@@ -24,6 +24,10 @@ string WithoutExtension(const string& path) {
 }
 
 QByteArray PathBytes(const string& path) {
+    if (path.contains(QChar::Null)) // the system would take the part before it
+        throw EFileError(QStringLiteral("The path \"%1\" holds a NUL character.")
+                             .arg(string(path).replace(QChar::Null, QChar(0x2400))),
+                         EINVAL);
     return path.toUtf8();
 }
 

@@ -10,7 +10,8 @@
 /// The path without its extension, the last "." of the file name and what follows it.
 [[nodiscard]] string WithoutExtension(const string& path);
 
-/// The path as the file system's bytes.
+/// The path as the file system's bytes. Raises EFileError for one with a NUL character: the system would take
+/// what stands before it for another path.
 [[nodiscard]] QByteArray PathBytes(const string& path);
 
 /// Follows symbolic links.

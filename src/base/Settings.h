@@ -11,10 +11,21 @@ struct TEditorSettings {
     /// are `repository.xml` and `watermarks` beside the configuration folder.
     string RepositoryFilename;
     string WatermarksFolder;
+    /// Day logs that are older go; 0 keeps all.
+    int KeepDays = 0;
 };
+
+/// What a script may hold in memory, in MB: the value `ScriptMemory` of that file, 256 where it is missing.
+/// One that is no whole number from 16 to 65536 leaves a line in the journal and is taken as missing.
+[[nodiscard]] Cardinal GetScriptMemory();
+
+/// Where programs keep what they must remember from one run to the next: `morvane/` under $XDG_STATE_HOME
+/// (else ~/.local/state), with a delimiter at its end, whether it is there or not.
+[[nodiscard]] string StateFolder();
 
 /// The path of that file, whether it is there or not.
 [[nodiscard]] string SettingsFile();
 
-/// Reads the file; a missing file or key gives the default `%HOME%/.config/morvane/watched-folders`.
+/// Reads the file; a missing file or key, and an empty value, gives the default
+/// `%HOME%/.config/morvane/watched-folders`.
 [[nodiscard]] TEditorSettings GetEditorSettings();

@@ -2,6 +2,7 @@
 #include "base/UniqueName.h"
 
 #include "base/Exceptions.h"
+#include "base/Folder.h"
 #include "base/FolderListing.h"
 #include "base/Paths.h"
 
@@ -60,19 +61,67 @@ private:
 
 } // namespace
 
-string UniqueFileName(const string& fn) {
-    if (!NameTaken(fn))
-        return fn;
-    const string stem = WithoutExtension(fn);
-    const string path = ExtractFilePath(fn);
-    const string folder = path.isEmpty() ? QStringLiteral(".") : path;
+namespace {
 
+constexpr int LongestName = 255; // bytes, of the usual file systems
+constexpr int LongestStem = LongestName - int(sizeof " (2147483648).pdf") + 1; // fits the longest number
+
+/// One above the highest number that `siblings`, names in the folder of `stem`, have by the pattern.
+qint64 NextNumber(const TNumberPattern& pattern, const string& path, const QStringList& siblings) {
+    qint64 counter = 0; // wider than the numbers, since the highest of them is increased
+    for (const string& name : siblings)
+        if (const auto number = pattern.NumberIn(path + name))
+            counter = std::max<qint64>(counter, *number);
+    return counter + 1;
+}
+
+string Numbered(const string& stem, qint64 number) {
+    return stem + QStringLiteral(" (%1).pdf").arg(number);
+}
+
+/// The rule, for a name that is taken.
+string NumberedByRule(const string& fn, const TFolder& folder) {
+    const string stem = WithoutExtension(fn);
     // A backslash is a legal character of a name here and this engine's escape character.
     const TNumberPattern pattern(string(stem).replace(u'\\', QStringLiteral("\\\\")) +
                                  QStringLiteral(" \\((\\d+)\\)"));
-    qint64 counter = 0; // wider than the numbers, since the highest of them is increased
-    for (const string& name : ListFiles(folder, ExtractFileName(stem) + QStringLiteral("*.pdf")))
-        if (const auto number = pattern.NumberIn(path + name))
-            counter = std::max<qint64>(counter, *number);
-    return stem + QStringLiteral(" (%1).pdf").arg(counter + 1);
+    const QStringList siblings = ListFiles(folder, ExtractFileName(stem) + QStringLiteral("*.pdf"));
+    return Numbered(stem, NextNumber(pattern, ExtractFilePath(fn), siblings));
+}
+
+/// For names that the rule makes too long: the stem loses whole characters until any number fits. Stems are
+/// compared as they stand, so the answer is free.
+string NumberedShort(const string& fn, const TFolder& folder) {
+    const string path = ExtractFilePath(fn);
+    string stem = ExtractFileName(WithoutExtension(fn));
+    while (PathBytes(stem).size() > LongestStem) {
+        const qsizetype pair = stem.size() > 1 && stem.at(stem.size() - 1).isLowSurrogate() ? 2 : 1;
+        stem.chop(pair);
+    }
+    for (qint64 number = 1;; ++number)
+        if (const string name = Numbered(stem, number); !folder.Holds(PathBytes(name)))
+            return path + name;
+}
+
+} // namespace
+
+string UniqueFileName(const string& fn) {
+    if (!NameTaken(fn))
+        return fn;
+    const string path = ExtractFilePath(fn);
+    return UniqueFileName(fn, *TFolder::Open(path.isEmpty() ? QStringLiteral(".") : path));
+}
+
+string UniqueFileName(const string& fn, const TFolder& folder) {
+    if (!folder.Holds(PathBytes(ExtractFileName(fn))))
+        return fn;
+    const bool isLong = PathBytes(ExtractFileName(WithoutExtension(fn))).size() > LongestStem;
+    try {
+        const string name = NumberedByRule(fn, folder);
+        return PathBytes(ExtractFileName(name)).size() > LongestName ? NumberedShort(fn, folder) : name;
+    } catch (const ENameError&) {
+        if (!isLong)
+            throw;
+        return NumberedShort(fn, folder); // a stem that was cut may end within a pair of brackets
+    }
 }

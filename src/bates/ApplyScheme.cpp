@@ -5,7 +5,9 @@
 #include "bates/BatesText.h"
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
+#include "bates/SchemeUpdate.h"
 #include "engine/GlobalDocument.h"
+#include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/macros/Macros.h"
@@ -33,6 +35,14 @@ void SetLook(TZQPDFBatesText& text, const TZQPDFBatesSetting& scheme) {
         text.SetStrokeColor(0);
     }
     text.CancelUpdate();
+}
+
+void RequireNumbers(const TZQPDFBatesSetting& scheme) {
+    RequireLength("FontSize", scheme.FontSize);
+    RequireLength("MarginLeft", scheme.MarginLeft);
+    RequireLength("MarginRight", scheme.MarginRight);
+    RequireLength("MarginTop", scheme.MarginTop);
+    RequireLength("MarginBottom", scheme.MarginBottom);
 }
 
 /// The time for the macros of a text, taken anew for each text that can show it: asking for the local time
@@ -95,16 +105,48 @@ void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number) {
                                                ExtractFileName(document.FileName()), NowFor(numbered)));
     }
     Place(texts, page, CurrScheme);
-    NumberList::Advance(BatesStrl);
+    NumberList::Advance(BatesStrl, /*pages=*/1);
     PutOnPage(document, page, texts);
 }
 
+void TZQPDFBatesDictionary::StampPages(TZQPDFDocument& document, const TZQPDFPagesRangeSelector& pages) {
+    for (const int page : pages)
+        StampPage(document, page);
+    CurrScheme.BatesNumbers = ToCommaText(BatesStrl);
+}
+
+void TZQPDFBatesDictionary::StampFromFile(TZQPDFDocument& document, const TZQPDFPagesRangeSelector& pages) {
+    TSchemeUpdate update(FSchemeFile);
+    const QStringList before = BatesStrl;
+    const TZQPDFBatesSetting schemeBefore = CurrScheme;
+    try {
+        TakeStoredNumbers(Known(), update.Document());
+        TZQPDFBatesSetting after = CurrScheme;
+        QStringList numbers = BatesStrl;
+        NumberList::Advance(numbers, pages.Count());
+        after.Name = TrimBlanks(after.Name);
+        after.BatesNumbers = ToCommaText(numbers);
+        update.Document().Write(after);
+        update.Prepare();
+        StampPages(document, pages);
+        update.Publish();
+        CurrScheme = after;
+        FXml->Write(CurrScheme);
+    } catch (...) {
+        BatesStrl = before;
+        CurrScheme = schemeBefore;
+        throw;
+    }
+}
+
 void TZQPDFBatesDictionary::ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro) {
+    RequireNumbers(CurrScheme);
     GlobalDocument = &ADocument;
     const string range = PageRangeMacro.isEmpty() ? QStringLiteral("1-[numpages]") : PageRangeMacro;
-    for (const int page : TZQPDFPagesRangeSelector(range, ADocument.GetPageCount(), /*firstPage*/ 1))
-        StampPage(ADocument, page);
-    CurrScheme.BatesNumbers = ToCommaText(BatesStrl);
-    SaveCurrSchemeToName(CurrScheme.Name);
+    const TZQPDFPagesRangeSelector pages(range, ADocument.GetPageCount(), /*firstPage*/ 1);
+    if (FPrepared)
+        StampFromFile(ADocument, pages);
+    else
+        StampPages(ADocument, pages);
     GlobalDocument = nullptr;
 }

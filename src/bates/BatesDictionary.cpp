@@ -4,27 +4,16 @@
 #include "base/Journal.h"
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
-#include "bates/SchemeDocument.h"
+#include "bates/SchemeUpdate.h"
 #include "engine/Texts.h"
 #include "engine/macros/Macros.h"
 
 #include <algorithm>
-#include <cerrno>
 
 namespace {
 
 /// The scratch scheme: what is saved without a name. It goes with the store.
 constexpr QStringView ScratchName = u"temp-current";
-
-std::unique_ptr<TSchemeDocument> LoadIfThere(const string& fileName) {
-    try {
-        return std::make_unique<TSchemeDocument>(fileName);
-    } catch (const EFileError& e) {
-        if (e.Error() != ENOENT)
-            throw;
-        return std::make_unique<TSchemeDocument>();
-    }
-}
 
 } // namespace
 
@@ -42,7 +31,7 @@ TZQPDFBatesDictionary::~TZQPDFBatesDictionary() {
 void TZQPDFBatesDictionary::Prepare(const string& ASchemeFile) {
     FSchemeFile = ASchemeFile;
     FPrepared = false; // a store that was prepared before must not write its schemes over this file
-    FXml = LoadIfThere(ASchemeFile);
+    FXml = ReadSchemes(ASchemeFile);
     FPrepared = true;
 }
 
@@ -93,15 +82,40 @@ void TZQPDFBatesDictionary::SaveCurrSchemeToName(const string& ASchemeName) {
     if (!FPrepared)
         return;
     CurrScheme.Name = TrimBlanks(ASchemeName);
+    const TZQPDFBatesSetting known = Known();
+    FXml->Write(CurrScheme); // kept, whatever the file does
+    TSchemeUpdate update(FSchemeFile);
+    TakeStoredNumbers(known, update.Document());
+    update.Document().Write(CurrScheme);
+    update.Prepare();
+    update.Publish();
     FXml->Write(CurrScheme);
-    FXml->Save(FSchemeFile);
+}
+
+TZQPDFBatesSetting TZQPDFBatesDictionary::Known() const {
+    TZQPDFBatesSetting known;
+    (void)FXml->Read(TrimBlanks(CurrScheme.Name), known);
+    return known;
+}
+
+void TZQPDFBatesDictionary::TakeStoredNumbers(const TZQPDFBatesSetting& known,
+                                              const TSchemeDocument& stored) {
+    TZQPDFBatesSetting now;
+    if (!stored.Read(TrimBlanks(CurrScheme.Name), now))
+        return;
+    NumberList::TakeStored(BatesStrl, FromCommaText(known.BatesNumbers), FromCommaText(now.BatesNumbers));
+    if (TrimBlanks(CurrScheme.BatesNumbers) == known.BatesNumbers)
+        CurrScheme.BatesNumbers = now.BatesNumbers;
 }
 
 void TZQPDFBatesDictionary::DeleteScheme(const string& ASchemeName) {
     if (!FPrepared)
         return;
     FXml->Remove(TrimBlanks(ASchemeName));
-    FXml->Save(FSchemeFile);
+    TSchemeUpdate update(FSchemeFile);
+    update.Document().Remove(TrimBlanks(ASchemeName));
+    update.Prepare();
+    update.Publish();
 }
 
 void TZQPDFBatesDictionary::StrToBates(const string& AText, TBates& ABates) {
@@ -115,6 +129,11 @@ void TZQPDFBatesDictionary::GetBates(const string& AText, bool GetCur, string& R
 
 void TZQPDFBatesDictionary::FillBatesStrl() {
     BatesStrl = NumberList::Build(Texts(), BatesStrl);
+}
+
+void TZQPDFBatesDictionary::ContinueNumbers() {
+    BatesStrl =
+        NumberList::Build(Texts(), FromCommaText(CurrScheme.BatesNumbers), NumberList::TFirst::GoesOn);
 }
 
 void TZQPDFBatesDictionary::SetStartToCurNum() {

@@ -27,18 +27,13 @@ QStringList ValidMacros(const QStringList& texts) {
     return macros;
 }
 
-/// All of a list's numbers but that of its first line; a macro that stands there twice counts by its first.
-QHash<string, Integer> NumbersBehindFirst(const QStringList& list) {
+/// A list's numbers by their macros; a macro that stands there twice counts by its first line.
+QHash<string, Integer> NumbersOf(const QStringList& list) {
     QHash<string, Integer> numbers;
-    QSet<string> seen;
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        const string macro = NumberList::MacroOf(list[i]).toUpper();
-        if (macro.isEmpty() || seen.contains(macro))
-            continue;
-        seen.insert(macro);
-        if (i > 0)
-            numbers.insert(macro, BatesNumbers::Parse(list[i]).CurNum);
-    }
+    for (const string& line : list)
+        if (const string macro = NumberList::MacroOf(line).toUpper();
+            !macro.isEmpty() && !numbers.contains(macro))
+            numbers.insert(macro, BatesNumbers::Parse(line).CurNum);
     return numbers;
 }
 
@@ -64,8 +59,10 @@ string LineOf(const string& macro, Integer current) {
     return macro + u'=' + QString::number(current);
 }
 
-QStringList Build(const QStringList& texts, const QStringList& before) {
-    const QHash<string, Integer> numbers = NumbersBehindFirst(before);
+QStringList Build(const QStringList& texts, const QStringList& before, TFirst first) {
+    QHash<string, Integer> numbers = NumbersOf(before);
+    if (first == TFirst::BeginsAnew)
+        numbers.remove(MacroOf(before.value(0)).toUpper());
     QStringList list;
     for (const string& macro : ValidMacros(texts)) {
         const Integer start = BatesNumbers::Parse(LineOf(macro, 0)).Start;
@@ -80,17 +77,34 @@ void Restart(QStringList& list) {
             line = LineOf(macro, BatesNumbers::Parse(line).Start);
 }
 
-void Advance(QStringList& list) {
+void Advance(QStringList& list, int pages) {
     for (string& line : list) {
         const string macro = MacroOf(line);
         if (macro.isEmpty())
             continue;
         const TBates bates = BatesNumbers::Parse(line);
-        const Integer step = bates.Alternate ? 2 : 1;
-        if (bates.CurNum > std::numeric_limits<Integer>::max() - step)
-            throw Exception(QStringLiteral("The number %1 has come to its end at %2.")
-                                .arg(macro, QString::number(bates.CurNum)));
-        line = LineOf(macro, bates.CurNum + step);
+        const Int64 next = bates.CurNum + Int64(pages) * (bates.Alternate ? 2 : 1);
+        if (next > std::numeric_limits<Integer>::max())
+            throw Exception(QStringLiteral("The number %1 comes to its end: %2 pages go beyond %3.")
+                                .arg(macro)
+                                .arg(pages)
+                                .arg(bates.CurNum));
+        line = LineOf(macro, Integer(next));
+    }
+}
+
+void TakeStored(QStringList& list, const QStringList& known, const QStringList& stored) {
+    const QHash<string, Integer> knownNumbers = NumbersOf(known);
+    const QHash<string, Integer> storedNumbers = NumbersOf(stored);
+    for (string& line : list) {
+        const string macro = MacroOf(line);
+        const auto now = storedNumbers.constFind(macro.toUpper());
+        if (now == storedNumbers.cend())
+            continue;
+        const TBates bates = BatesNumbers::Parse(line);
+        const Integer read = std::max(bates.Start, knownNumbers.value(macro.toUpper(), bates.Start));
+        if (bates.CurNum == read)
+            line = LineOf(macro, std::max(bates.Start, *now));
     }
 }
 

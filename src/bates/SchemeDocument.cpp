@@ -146,10 +146,10 @@ QByteArray TSchemeDocument::Bytes() const {
     return {reinterpret_cast<const char*>(memory), size};
 }
 
-void TSchemeDocument::Save(const string& fileName) const {
-    const QByteArray bytes = Bytes();
-    (void)ParseXml(bytes, u'"' + fileName + u'"'); // a good file is never replaced by a bad one
-    WriteXmlFile(fileName, bytes);
+QByteArray TSchemeDocument::CheckedBytes(const string& fileName) const {
+    QByteArray bytes = Bytes();
+    (void)ParseXml(bytes, u'"' + fileName + u'"');
+    return bytes;
 }
 
 QStringList TSchemeDocument::Ids() const {

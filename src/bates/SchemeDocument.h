@@ -26,8 +26,9 @@ public:
     ~TSchemeDocument();
 
     [[nodiscard]] QByteArray Bytes() const;
-    /// Replaces the file in one step. Raises EFileError, or EXmlError where it couldn't be read again.
-    void Save(const string& fileName) const;
+    /// The same for the file of that name. Raises EXmlError where it couldn't be read again: a good file is
+    /// never replaced by a bad one.
+    [[nodiscard]] QByteArray CheckedBytes(const string& fileName) const;
 
     /// The ids in the order of the file, as they stand there.
     [[nodiscard]] QStringList Ids() const;

@@ -1,12 +1,15 @@
 #include "desktop/DesktopTrayIcon.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QIcon>
 #include <QImage>
 #include <QMenu>
 #include <QPixmap>
 #include <QSystemTrayIcon>
 #include <QTimer>
+
+#include <utility>
 
 namespace {
 
@@ -27,8 +30,9 @@ QIcon IconOf(const std::vector<TPicture>& sizes) {
 
 class TDesktopTrayIcon : public TTrayIconView {
 public:
-    explicit TDesktopTrayIcon(const TTrayIconLook& look) {
-        FIcon.setIcon(IconOf(look.Icon));
+    explicit TDesktopTrayIcon(const TTrayIconLook& look)
+        : FUsual(IconOf(look.Icon)), FAttention(IconOf(look.AttentionIcon)) {
+        FIcon.setIcon(FUsual);
         FIcon.setToolTip(look.Hint);
         if (look.PopupMenu)
             FillMenu(*look.PopupMenu);
@@ -38,6 +42,18 @@ public:
         ShowWhenPossible();
     }
     void SetHint(const string& text) override { FIcon.setToolTip(text); }
+    void SetAttention(bool attention) override {
+        if (attention == FAttentive)
+            return;
+        FAttentive = attention;
+        FIcon.setIcon(attention ? FAttention : FUsual);
+    }
+    void Notify(const string& text) override {
+        if (FIcon.isVisible())
+            FIcon.showMessage(QCoreApplication::applicationName(), text, QSystemTrayIcon::Warning);
+        else
+            FNotice = text;
+    }
 
 private:
     void FillMenu(const TPopupMenu& menu) {
@@ -47,7 +63,8 @@ private:
 
     void StartFrames(const TImageList& icons, int intervalMs) {
         QObject::connect(&FFrames, &QTimer::timeout, &FIcon, [this, &icons] {
-            FIcon.setIcon(QIcon(PixmapOf(icons[FFrame])));
+            if (!FAttentive)
+                FIcon.setIcon(QIcon(PixmapOf(icons[FFrame])));
             FFrame = (FFrame + 1) % icons.Count();
         });
         FFrames.start(intervalMs);
@@ -56,13 +73,19 @@ private:
     /// At login an agent may be there before the panel is.
     void ShowWhenPossible() {
         constexpr int LookEveryMs = 5000;
-        if (QSystemTrayIcon::isSystemTrayAvailable())
+        if (QSystemTrayIcon::isSystemTrayAvailable()) {
             FIcon.show();
-        else
+            if (!FNotice.isEmpty())
+                Notify(std::exchange(FNotice, {}));
+        } else
             QTimer::singleShot(LookEveryMs, &FIcon, [this] { ShowWhenPossible(); });
     }
 
-    QMenu FMenu; // goes after the icon that shows it
+    const QIcon FUsual;
+    const QIcon FAttention;
+    bool FAttentive = false;
+    string FNotice; // of before there was an icon
+    QMenu FMenu;    // goes after the icon that shows it
     QSystemTrayIcon FIcon;
     QTimer FFrames;
     int FFrame = 0;

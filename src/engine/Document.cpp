@@ -4,6 +4,7 @@
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
 #include "engine/InfoWriter.h"
+#include "engine/Metadata.h"
 #include "engine/Signatures.h"
 #include "engine/Writer.h"
 #include "engine/content/PlacedContent.h"
@@ -24,6 +25,13 @@ void RequireSoundSources(const TPDFSource& source) {
         source.Input->RequireSound();
     for (const auto& kept : source.Kept)
         RequireSoundSources(*kept);
+}
+
+void GrantReading(const TPDFSource& source) {
+    if (source.Input)
+        source.Input->GrantReading();
+    for (const auto& kept : source.Kept)
+        GrantReading(*kept);
 }
 
 /// The password with which the file just written opens as this document did.
@@ -62,11 +70,11 @@ void Rebind(TDocumentCore& core, const string& path) {
 TPDFDocument::TPDFDocument(TComponent* owner) : TComponent(owner), FCore(std::make_unique<TDocumentCore>()) {}
 TPDFDocument::~TPDFDocument() = default;
 
-bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password) {
+bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password, int descriptor) {
     auto core = std::make_unique<TDocumentCore>();
-    core->Source = TakeTested(fileName, password);
+    core->Source = TakeTested(fileName, password, descriptor);
     if (!core->Source)
-        core->Source = OpenSource(fileName, password);
+        core->Source = OpenSource(fileName, password, descriptor);
     core->FileName = fileName;
     core->Handler = HandlerOf(*core->Source);
     TakePages(*core);
@@ -74,19 +82,33 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
     return true;
 }
 
-bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
-    TPartFile file(fileName);
+void TPDFDocument::WriteTo(TPartFile& file) {
+    const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
+    if (FCore->Source)
+        GrantReading(*FCore->Source);
     try {
         NewFullRewrite()->Write(*FCore, file);
     } catch (const Exception&) {
         throw;
     } catch (const std::exception& e) {
-        throw Translated(e, QStringLiteral("write"), fileName);
+        throw Translated(e, QStringLiteral("write"), file.FinalPath());
     }
     RequireSoundSources(*FCore->Source);
     FCore->Source->CollectWarnings();
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
+    FCore->SignatureBroken |= isSigned;
+}
+
+void TPDFDocument::SaveToFreeName(const string& fileName) {
+    TPartFile file(fileName);
+    WriteTo(file);
+    PublishFree(file);
+}
+
+bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
+    TPartFile file(fileName);
+    WriteTo(file);
     file.PublishReplacing();
     if (!keepSource)
         Rebind(*FCore, fileName);
@@ -105,14 +127,16 @@ const string& TPDFDocument::FileName() const {
     return FCore->FileName;
 }
 
-QStringList TPDFDocument::Warnings() const {
-    QStringList all = FCore->Warnings;
+TPDFWarnings TPDFDocument::Warnings() const {
+    TPDFWarnings all;
     if (FCore->Source) {
         FCore->Source->CollectWarnings();
-        all = FCore->Source->Warnings + all;
-        if (GetModified() && GetSignaturesCount() > 0)
-            all.append(QStringLiteral("The document is signed; its signature doesn't cover the changes."));
+        all.Add(FCore->Source->Warnings);
     }
+    all.Add(FCore->Warnings);
+    if (FCore->SignatureBroken || (GetModified() && GetSignaturesCount() > 0))
+        all.Add(TWarningKind::SignatureInvalidated,
+                QStringLiteral("The document is signed; its signature doesn't cover the changes."));
     return all;
 }
 
@@ -159,7 +183,7 @@ string TPDFDocument::GetInfoString(const NarrowString& key) const {
 NarrowString TPDFDocument::GetXMLMetaData() const {
     if (FCore->Changes.Xmp)
         return *FCore->Changes.Xmp;
-    return FCore->Source ? ReadXmp(*FCore->Source) : NarrowString();
+    return FCore->Source ? ReadXmp(*FCore->Source->Pdf) : NarrowString();
 }
 
 void TPDFDocument::SetXMLMetaData(const NarrowString& xmp) {

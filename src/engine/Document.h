@@ -11,11 +11,11 @@
 #include "engine/Pages.h"
 #include "engine/Security.h"
 #include "engine/Types.h"
+#include "engine/Warnings.h"
 #include "engine/outlines/Objects.h"
 
-#include <QStringList>
-
 struct TDocumentCore;
+class TPartFile;
 class TPDFEmbeddedFiles;
 class TZQPDFEditor;
 class TZQPDFXObjectGroup;
@@ -31,8 +31,10 @@ public:
     // --- Tests on files, without a document ---
 
     /// Whether the file doesn't open without a password. Protection for which no password exists (by
-    /// certificates) counts. Raises for a file that is no PDF or too damaged to be opened at all.
-    [[nodiscard]] static bool IsPasswordProtected(const string& fileName);
+    /// certificates) counts. Raises for a file that is no PDF or too damaged to be opened at all. A file that
+    /// is open for reading already can be given as `descriptor`; its name then serves texts alone.
+    [[nodiscard]] static bool IsPasswordProtected(const string& fileName, int descriptor = NotOpen);
+    static constexpr int NotOpen = -1;
     /// Whether `password` is one of the kind that `option` names; true for a file without protection.
     [[nodiscard]] static bool IsPasswordOk(const string& fileName, const NarrowString& password,
                                            TPDFSecurityHandlerType& handlerType, TIsPasswordOkOption option);
@@ -40,18 +42,24 @@ public:
     // --- File ---
 
     /// Replaces this document by the file's. Always true; raises where it can't be opened, and this
-    /// document stays as it was. Damage that readers repair is only told by Warnings().
-    bool OpenFromFile(const string& fileName, const NarrowString& password);
+    /// document stays as it was. Damage that readers repair is only told by Warnings(). `descriptor` as
+    /// above.
+    bool OpenFromFile(const string& fileName, const NarrowString& password, int descriptor = NotOpen);
+    /// Writes the document to a file that the caller publishes, with the mode of the document's own.
+    void WriteTo(TPartFile& file);
     /// Writes the document and publishes it under that name in one step, replacing what is there, which may
     /// be the file it was opened from. `keepSource` leaves the document on the file it was opened from
     /// instead of going over to the written one; `takeName` makes the written file the document's file and
     /// clears the modified state. The document stays usable whatever the two say. Always true.
     bool SaveToPath(const string& fileName, bool keepSource, bool takeName);
     bool SaveCopyToFile(const string& fileName, bool keepSource, bool takeName);
+    /// Writes the document to `fileName` or, where something has that name, to the free one that
+    /// UniqueFileName gives, and stays on its file. Nothing is ever replaced.
+    void SaveToFreeName(const string& fileName);
     /// Path of the document's file; empty for a new document.
     [[nodiscard]] const string& FileName() const;
     /// What was wrong with the file and could be lived with, and what a save invalidates.
-    [[nodiscard]] QStringList Warnings() const;
+    [[nodiscard]] TPDFWarnings Warnings() const;
     /// Gives back the file and everything read from it. A document so emptied has no pages, takes a few
     /// hundred bytes and can only be freed or used to open another file.
     void ReleaseBulk();

@@ -50,6 +50,8 @@ struct TDocumentCore {
     /// Pages of the source that are in the list no more.
     std::vector<QPDFObjectHandle> DeletedPages;
     int LastBatch = 0;
+    int OpenedImports = 0;               ///< files that pages were imported from and that are held open
+    std::shared_ptr<TSourceStore> Store; ///< of the others; null while there are none
     TDocumentChanges Changes;
     std::unique_ptr<TPDFEmbeddedFiles> EmbeddedFiles;
     std::unique_ptr<TOutlineTree> Outlines; ///< null until somebody asks for the outline
@@ -63,7 +65,11 @@ struct TDocumentCore {
     bool Modified = false;
     int Locks = 0;
     int LastUsedPage = -1;
-    QStringList Warnings;
+    TPDFWarnings Warnings;
+    bool SignatureBroken = false; ///< a signed document was written anew
+    int MinorVersion = 0;         ///< of PDF 1, that what was written so far needs
+
+    void RequireVersion(int minor) { MinorVersion = std::max(MinorVersion, minor); }
 
     /// The catalog; a null object while there is no source.
     [[nodiscard]] QPDFObjectHandle Root() const {

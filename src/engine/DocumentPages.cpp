@@ -1,12 +1,13 @@
 // Pages: insert, delete, crop, rotate, import.
 #include "engine/Document.h"
 #include "engine/DocumentCore.h"
+#include "engine/Numbers.h"
 #include "engine/PageRange.h"
 #include "engine/PageTreeWriter.h"
+#include "engine/SourceStore.h"
 #include "engine/content/PageContent.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -43,6 +44,16 @@ void NoteDeleted(TDocumentCore& core, const TPageObject& page) {
         core.DeletedPages.push_back(page.Dict);
 }
 
+/// The data of imported pages is read when they are saved. Of the first few files that is from themselves.
+void LimitOpenFiles(TDocumentCore& core, const TPDFSource& imported) {
+    constexpr int MostOpen = 64;
+    if (++core.OpenedImports <= MostOpen)
+        return;
+    if (!core.Store)
+        core.Store = std::make_shared<TSourceStore>();
+    imported.Input->MoveTo(core.Store);
+}
+
 /// The crop box that leaves the page without the margins, which are widths on the page as displayed.
 TPageBox Cropped(const TPageGeometry& page, const TPDFMargins& margins) {
     const Double right = page.Width() - margins.Right;
@@ -77,7 +88,9 @@ void TZQPDFDocument::InsertPages(int index, int count, Single width, Single heig
         return;
     if (count > MaxInserted)
         throw EPDFError(QStringLiteral("%1 pages are too many to insert at once.").arg(count));
-    if (!(width > 0 && height > 0) || !std::isfinite(width) || !std::isfinite(height))
+    RequireLength("Width", Double(width));
+    RequireLength("Height", Double(height));
+    if (!(width > 0 && height > 0))
         throw EPDFError(QStringLiteral("A page needs a width and a height above 0."));
     TItems pages;
     for (int i = 0; i < count; ++i)
@@ -117,6 +130,10 @@ int TZQPDFDocument::DeletePageRange(const string& range) {
 }
 
 void TZQPDFDocument::CropPages(const string& range, TPDFMargins& margins) {
+    RequireLength("Top", margins.Top);
+    RequireLength("Left", margins.Left);
+    RequireLength("Right", margins.Right);
+    RequireLength("Bottom", margins.Bottom);
     std::vector<std::pair<TZQPDFPage*, TPageBox>> cropped;
     for (const int number : PagesOf(range, GetPageCount())) {
         TZQPDFPage& page = Pages().getItem(number - 1);
@@ -128,7 +145,7 @@ void TZQPDFDocument::CropPages(const string& range, TPDFMargins& margins) {
     }
     for (const auto& [page, box] : cropped) {
         page->Object().NewCrop = box;
-        page->Object().Geometry.reset();
+        page->ResetLayout();
     }
     if (!cropped.empty())
         Changed();
@@ -139,9 +156,9 @@ void TZQPDFDocument::RotatePages(const string& range, int angle) {
         throw EPDFError(QStringLiteral("Pages turn by multiples of 90 degrees, not by %1.").arg(angle));
     const std::vector<int> pages = PagesOf(range, GetPageCount());
     for (const int number : pages) {
-        TPageObject& page = Pages().getItem(number - 1).Object();
-        page.NewRotation = NormalRotation(qint64(page.Rotation()) + angle);
-        page.Geometry.reset();
+        TZQPDFPage& page = Pages().getItem(number - 1);
+        page.Object().NewRotation = NormalRotation(qint64(page.Object().Rotation()) + angle);
+        page.ResetLayout();
     }
     if (!pages.empty())
         Changed();
@@ -192,6 +209,7 @@ bool TZQPDFDocument::ImportPagesFromDocument(const string& fileName, const strin
     static_cast<void>(after); // on purpose: `index` is already the place behind the page meant
     TZQPDFDocument source(nullptr);
     source.OpenFromFile(fileName, Narrow(password));
+    LimitOpenFiles(Core(), *source.Core().Source);
     return ImportPagesFrom(source, Narrow(range), index) > 0;
 }
 

@@ -2,6 +2,7 @@
 #include "engine/Document.h"
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
+#include "engine/Numbers.h"
 
 namespace {
 
@@ -16,9 +17,9 @@ bool Allows(const TDocumentCore& core, quint32 bits) {
 
 } // namespace
 
-bool TPDFDocument::IsPasswordProtected(const string& fileName) {
+bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor) {
     try {
-        KeepTested(OpenSource(fileName, {}));
+        KeepTested(OpenSource(fileName, {}, descriptor));
         return false;
     } catch (const EPDFError& e) {
         if (e.Kind() == TPDFErrorKind::NeedsPassword || e.Kind() == TPDFErrorKind::Unsupported)
@@ -87,10 +88,12 @@ void TPDFDocument::SetSecurityHandler(TPDFSecurityHandler* handler) {
 }
 
 void TPDFDocument::SetUserPassword(const NarrowString& password) {
+    RequireNoNul("The open password", Widen(password));
     Core().UserPassword = password;
 }
 
 void TPDFDocument::SetOwnerPassword(const NarrowString& password) {
+    RequireNoNul("The owner password", Widen(password));
     Core().OwnerPassword = password;
 }
 

@@ -1,7 +1,8 @@
 #include "engine/Encryption.h"
 
+#include "engine/Passwords.h"
+
 #include <qpdf/QPDFWriter.hh>
-#include <qpdf/QUtil.hh>
 
 #include <QRandomGenerator>
 
@@ -16,13 +17,15 @@ constexpr bool Bit(quint32 bits, int number) {
     return (bits >> (number - 1) & 1) != 0;
 }
 
-/// Up to version 4 of the standard handler a password is PDFDocEncoding.
-std::string PdfDocEncoded(const string& password) {
-    std::string encoded;
-    if (!QUtil::utf8_to_pdf_doc(password.toStdString(), encoded))
-        throw EPDFError(
-            QStringLiteral("A password holds characters that only 256-bit encryption can handle."));
-    return encoded;
+/// Revision 2 knows bits 3 to 6 only, and each stands for what later ones tell apart (ISO 32000-1, table 22):
+/// changing for assembling pages, annotating for filling in, copying for accessibility, printing for printing
+/// well. Whatever its further bits say means nothing.
+constexpr quint32 ModernBits(quint32 bits, int revision) {
+    if (revision >= 3)
+        return bits;
+    for (const auto& [old, now] : {std::pair(4, 11), std::pair(6, 9), std::pair(5, 10), std::pair(3, 12)})
+        bits = (bits & ~(1U << (now - 1))) | quint32(Bit(bits, old)) << (now - 1);
+    return bits;
 }
 
 /// Readers take the open password for the owner's where none is set, and an empty one for anybody's, which
@@ -44,8 +47,8 @@ qpdf_r3_print_e PrintPermission(const TPDFDocPermissions& allowed) {
 
 void SetRc4(QPDFWriter& writer, const THandler& handler) {
     const TPDFDocPermissions& p = *handler.Permissions();
-    const std::string user = PdfDocEncoded(handler.UserPassword());
-    const std::string owner = PdfDocEncoded(OwnerPasswordOf(handler));
+    const std::string user = PdfDocPassword(handler.UserPassword());
+    const std::string owner = PdfDocPassword(OwnerPasswordOf(handler));
     if (handler.StreamKeyBits() == 40)
         writer.setR2EncryptionParametersInsecure(user.c_str(), owner.c_str(), p.FPrint, p.FModify, p.FCopy,
                                                  p.FAnnotate);
@@ -57,8 +60,8 @@ void SetRc4(QPDFWriter& writer, const THandler& handler) {
 
 void SetAes128(QPDFWriter& writer, const THandler& handler) {
     const TPDFDocPermissions& p = *handler.Permissions();
-    const std::string user = PdfDocEncoded(handler.UserPassword());
-    const std::string owner = PdfDocEncoded(OwnerPasswordOf(handler));
+    const std::string user = PdfDocPassword(handler.UserPassword());
+    const std::string owner = PdfDocPassword(OwnerPasswordOf(handler));
     writer.setR4EncryptionParametersInsecure(user.c_str(), owner.c_str(), p.FAccessibility, p.FCopy,
                                              p.FAssemble, p.FAnnotate, p.FFillForms, p.FModify,
                                              PrintPermission(p), /*encrypt_metadata*/ true, /*use_aes*/ true);
@@ -66,8 +69,8 @@ void SetAes128(QPDFWriter& writer, const THandler& handler) {
 
 void SetAes256(QPDFWriter& writer, const THandler& handler) {
     const TPDFDocPermissions& p = *handler.Permissions();
-    const std::string user = handler.UserPassword().toStdString();
-    const std::string owner = OwnerPasswordOf(handler).toStdString();
+    const std::string user = Aes256Password(handler.UserPassword());
+    const std::string owner = Aes256Password(OwnerPasswordOf(handler));
     writer.setR6EncryptionParameters(user.c_str(), owner.c_str(), p.FAccessibility, p.FCopy, p.FAssemble,
                                      p.FAnnotate, p.FFillForms, p.FModify, PrintPermission(p),
                                      /*encrypt_metadata*/ true);
@@ -114,7 +117,7 @@ quint32 PermissionBits(const TPDFSource& source) {
     int bits = 0;
     if (!source.Pdf->isEncrypted(revision, bits) || source.Pdf->ownerPasswordMatched())
         return AllBits;
-    return quint32(bits);
+    return ModernBits(quint32(bits), revision);
 }
 
 std::unique_ptr<TPDFPasswordSecurityHandler> HandlerOf(const TPDFSource& source) {
@@ -133,16 +136,15 @@ std::unique_ptr<TPDFPasswordSecurityHandler> HandlerOf(const TPDFSource& source)
     handler->SetStreamEncryptionKeyBits(keyBits);
     handler->SetStringEncryptionKeyBits(keyBits);
     handler->SetOwnerPasswordValid(source.Pdf->ownerPasswordMatched());
-    const auto bits = quint32(permissions);
+    const quint32 bits = ModernBits(quint32(permissions), revision);
     TPDFDocPermissions& p = *handler->Permissions();
     p.FPrint = Bit(bits, 3);
     p.FModify = Bit(bits, 4);
     p.FCopy = Bit(bits, 5);
     p.FAnnotate = Bit(bits, 6);
-    // Revision 2 knows only these four, and each stands for what later ones tell apart.
-    p.FFillForms = revision < 3 ? p.FAnnotate : Bit(bits, 9);
-    p.FAccessibility = revision < 3 ? p.FCopy : Bit(bits, 10);
-    p.FAssemble = revision < 3 ? p.FModify : Bit(bits, 11);
-    p.FPrintHighResolution = revision < 3 ? p.FPrint : Bit(bits, 12);
+    p.FFillForms = Bit(bits, 9);
+    p.FAccessibility = Bit(bits, 10);
+    p.FAssemble = Bit(bits, 11);
+    p.FPrintHighResolution = Bit(bits, 12);
     return handler;
 }

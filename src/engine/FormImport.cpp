@@ -38,6 +38,31 @@ bool ShallowEnough(const std::vector<QPDFObjectHandle>& roots) {
     return true;
 }
 
+/// For as long as it lives, the form of the document has no resources but those that are some: the library's
+/// merging gives up at any other.
+class TCleanResources {
+public:
+    explicit TCleanResources(QPDF& pdf) : FForm(Entry(pdf.getRoot(), "/AcroForm")) {
+        FOriginal = Entry(FForm, "/DR");
+        if (!FOriginal.isDictionary())
+            return;
+        QPDFObjectHandle clean = FOriginal.shallowCopy();
+        for (auto& [kind, resources] : FOriginal.getDictAsMap())
+            if (!resources.isDictionary() && !resources.isArray())
+                clean.removeKey(kind);
+        FForm.replaceKey("/DR", clean);
+    }
+    ~TCleanResources() {
+        if (FOriginal.isDictionary())
+            FForm.replaceKey("/DR", FOriginal);
+    }
+    Q_DISABLE_COPY(TCleanResources)
+
+private:
+    QPDFObjectHandle FForm;
+    QPDFObjectHandle FOriginal;
+};
+
 class TFormImport {
 public:
     TFormImport(TDocumentCore& core, const TPDFSource& source)
@@ -105,11 +130,15 @@ void ImportForms(TDocumentCore& core, const TPDFSource& source, const std::vecto
         // The library walks the source's page tree by recursion.
         if (source.Walk.Broken)
             throw EPDFError(QStringLiteral("its page tree is damaged"));
+        std::optional<TCleanResources> clean;
+        if (source.Pdf != core.Source->Pdf) // else the fields share the form that they are in
+            clean.emplace(*source.Pdf);
         TFormImport import(core, source);
         for (const auto& round : rounds)
             import.Import(round);
     } catch (const std::exception& e) {
-        core.Warnings.append(
+        core.Warnings.Add(
+            TWarningKind::FieldsLost,
             QStringLiteral("Form fields of \"%1\" were not imported: %2").arg(source.Path, MessageOf(e)));
     }
 }

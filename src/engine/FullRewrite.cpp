@@ -4,7 +4,9 @@
 #include "engine/Encryption.h"
 #include "engine/InfoWriter.h"
 #include "engine/PageTreeWriter.h"
+#include "engine/RewriteRules.h"
 #include "engine/Writer.h"
+#include "engine/XfaForm.h"
 #include "engine/content/PageContent.h"
 
 #include <qpdf/Pipeline.hh>
@@ -45,14 +47,24 @@ public:
     void Write(TDocumentCore& core, TPartFile& file) override {
         if (!core.Source)
             core.Source = NewSource();
+        WarnOfUnseenPages(core);
         ApplyPages(core);
         ApplyContent(core);
         ApplyInfo(core);
         ApplyAttachments(core);
+        ApplyRewriteRules(core);
         WriteObjects(core, file);
     }
 
 private:
+    /// The file's own, or what was added needs, or what pages that were copied may need.
+    static void RequireVersion(const TDocumentCore& core, QPDFWriter& writer) {
+        const int drawn = core.Drawing ? core.Drawing->MinorVersion() : 0;
+        writer.setMinimumPDFVersion(PDFVersion(1, std::max(core.MinorVersion, drawn)));
+        for (const auto& copied : core.Source->Kept)
+            writer.setMinimumPDFVersion(copied->Pdf->getVersionAsPDFVersion());
+    }
+
     static void WriteObjects(const TDocumentCore& core, TPartFile& file) {
         // The library writes how many objects there are only if the file, which may be damaged, said so.
         QPDFObjectHandle trailer = core.Source->Pdf->getTrailer();
@@ -64,8 +76,7 @@ private:
         writer.setCompressStreams(false);
         writer.setDecodeLevel(qpdf_dl_none);
         writer.setObjectStreamMode(qpdf_o_preserve);
-        if (core.Drawing)
-            writer.setMinimumPDFVersion("1." + std::to_string(core.Drawing->MinorVersion()));
+        RequireVersion(core, writer);
         if (core.Protection == TProtection::Encrypt)
             SetEncryption(writer, core);
         else if (core.Protection == TProtection::Remove)

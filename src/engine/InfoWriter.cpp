@@ -1,10 +1,9 @@
 #include "engine/InfoWriter.h"
 
+#include "engine/Metadata.h"
 #include "engine/Xmp.h"
 
 #include <QMetaEnum>
-
-#include <qpdf/Buffer.hh>
 
 #include <cstdio>
 #include <cstdlib>
@@ -43,12 +42,31 @@ QPDFObjectHandle WritableInfo(QPDF& pdf) {
     return info;
 }
 
+/// PDF 2.0 and PDF/A-4 tell everything by the packet (ISO 32000-2, 14.3.3; ISO 19005-4, 6.1.3).
+bool DoesWithoutInfo(const TPDFSource& source) {
+    return !InfoOf(source).isDictionary() && (IsPdf2(*source.Pdf) || PdfAPart(*source.Pdf) >= 4);
+}
+
+void WriteInfo(TDocumentCore& core, const QDateTime& now) {
+    QPDFObjectHandle info = WritableInfo(*core.Source->Pdf);
+    for (const auto& [key, value] : core.Changes.Info) {
+        if (value.isEmpty())
+            info.removeKey(InfoKey(key));
+        else
+            info.replaceKey(InfoKey(key), NewText(value));
+    }
+    info.replaceKey("/ModDate", QPDFObjectHandle::newString(PdfDate(now)));
+    if (!core.Source->Input && !info.hasKey("/CreationDate"))
+        info.replaceKey("/CreationDate", QPDFObjectHandle::newString(PdfDate(now)));
+}
+
 void WriteXmp(TDocumentCore& core, const NarrowString& packet) {
     QPDF& pdf = *core.Source->Pdf;
     QPDFObjectHandle root = pdf.getRoot();
     if (packet.isEmpty())
         return root.removeKey("/Metadata");
     QPDFObjectHandle stream = root.getKey("/Metadata");
+    core.RequireVersion(4);
     if (!stream.isStream()) {
         stream = pdf.newStream();
         root.replaceKey("/Metadata", stream);
@@ -59,62 +77,71 @@ void WriteXmp(TDocumentCore& core, const NarrowString& packet) {
     stream.replaceStreamData(packet.toStdString(), QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull());
 }
 
-/// Information entries and packet tell the same; the packet is the one that newer readers show.
-void KeepXmpInStep(TDocumentCore& core, const QDateTime& now) {
+/// Information entries and packet tell the same; the packet is the one that newer readers show. `makes` says
+/// whether one is made for them where there is none. False if a packet can't take them in.
+bool KeepXmpInStep(TDocumentCore& core, const QDateTime& now, bool makes) {
     const bool given = core.Changes.Xmp.has_value();
-    const NarrowString packet = given ? *core.Changes.Xmp : ReadXmp(*core.Source);
+    NarrowString packet = given ? *core.Changes.Xmp : ReadXmp(*core.Source->Pdf);
+    if (packet.isEmpty() && makes)
+        packet = EmptyXmp();
     if (packet.isEmpty()) {
         if (given)
             WriteXmp(core, packet);
-        return;
+        return true;
     }
     const std::optional<NarrowString> edited = UpdateXmp(packet, core.Changes.Info, now);
     if (!edited)
-        core.Warnings.append(QStringLiteral("The XMP metadata can't be read and was left as it is."));
+        core.Warnings.Add(TWarningKind::MetadataUnreadable,
+                          QStringLiteral("The XMP metadata can't be read and was left as it is."));
     if (edited || given)
         WriteXmp(core, edited.value_or(packet));
+    return edited.has_value();
+}
+
+/// The version of PDF 1 that knows the mode and the layout (tables 28 and 29).
+int VersionOf(TPDFPageMode mode) {
+    return mode == TPDFPageMode::pmUseAttachments ? 6 : mode == TPDFPageMode::pmUseOC ? 5 : 0;
+}
+int VersionOf(TPDFPageLayout layout) {
+    return layout == TPDFPageLayout::plTwoPageLeft || layout == TPDFPageLayout::plTwoPageRight ? 5 : 0;
+}
+
+void WriteView(TDocumentCore& core) {
+    QPDFObjectHandle root = core.Root();
+    if (const auto mode = core.Changes.PageMode) {
+        root.replaceKey("/PageMode", NameOf(*mode));
+        core.RequireVersion(VersionOf(*mode));
+    }
+    if (const auto layout = core.Changes.PageLayout) {
+        root.replaceKey("/PageLayout", NameOf(*layout));
+        core.RequireVersion(VersionOf(*layout));
+    }
 }
 
 } // namespace
 
 void ApplyInfo(TDocumentCore& core) {
-    QPDF& pdf = *core.Source->Pdf;
     const QDateTime now = QDateTime::currentDateTime();
-    QPDFObjectHandle info = WritableInfo(pdf);
-    for (const auto& [key, value] : core.Changes.Info) {
-        if (value.isEmpty())
-            info.removeKey(InfoKey(key));
-        else
-            info.replaceKey(InfoKey(key), NewText(value));
-    }
-    info.replaceKey("/ModDate", QPDFObjectHandle::newString(PdfDate(now)));
-    if (!core.Source->Input && !info.hasKey("/CreationDate"))
-        info.replaceKey("/CreationDate", QPDFObjectHandle::newString(PdfDate(now)));
-    KeepXmpInStep(core, now);
-    if (core.Changes.PageMode)
-        pdf.getRoot().replaceKey("/PageMode", NameOf(*core.Changes.PageMode));
-    if (core.Changes.PageLayout)
-        pdf.getRoot().replaceKey("/PageLayout", NameOf(*core.Changes.PageLayout));
+    const bool byPacketAlone = DoesWithoutInfo(*core.Source);
+    const bool kept = KeepXmpInStep(core, now, byPacketAlone && !core.Changes.Info.empty());
+    if (!byPacketAlone || (!kept && !core.Changes.Info.empty())) // told somewhere, if not where it should be
+        WriteInfo(core, now);
+    WriteView(core);
+    core.Source->XmpInfo.reset();
     core.Changes.Info.clear();
     core.Changes.Xmp.reset();
     core.Changes.PageMode.reset();
     core.Changes.PageLayout.reset();
 }
 
-string ReadInfo(const TPDFSource& source, const NarrowString& key) {
-    return TextOf(Entry(InfoOf(source), InfoKey(key).c_str()));
-}
-
-NarrowString ReadXmp(const TPDFSource& source) {
-    QPDFObjectHandle stream = Entry(source.Pdf->getRoot(), "/Metadata");
-    if (!stream.isStream())
-        return {};
-    try {
-        const auto data = stream.getStreamData(qpdf_dl_all);
-        return {reinterpret_cast<const char*>(data->getBuffer()), qsizetype(data->getSize())};
-    } catch (const std::exception&) {
-        return {}; // a packet that can't be decoded is left alone
-    }
+string ReadInfo(TPDFSource& source, const NarrowString& key) {
+    QPDFObjectHandle info = InfoOf(source);
+    if (info.isDictionary())
+        return TextOf(Entry(info, InfoKey(key).c_str()));
+    if (!source.XmpInfo)
+        source.XmpInfo = InfoOfXmp(ReadXmp(*source.Pdf));
+    const auto found = source.XmpInfo->find(key);
+    return found == source.XmpInfo->end() ? string() : found->second;
 }
 
 TPDFPageMode ReadPageMode(const TPDFSource& source) {

@@ -6,8 +6,6 @@
 #include "engine/OptionalContent.h"
 #include "engine/SharedResources.h"
 
-#include <qpdf/QPDFPageObjectHelper.hh>
-
 /// Pages that were imported by one call.
 struct TPageImport::TBatch {
     TBatch(QPDF& target, const TPDFSourcePtr& source) : Copier(target, source), Names(*source->Pdf) {}
@@ -147,7 +145,7 @@ void TPageImport::MakeCopies() {
             batch->Copier.Finish();
             batch->Copier.ClearLocal();
             if (shared[i])
-                QPDFPageObjectHelper(copies[i]).removeUnreferencedResources();
+                DropUnusedResources(copies[i]);
             page.Origin = TPageOrigin::Own;
             page.Dict = copies[i];
             page.Inherited.reset();

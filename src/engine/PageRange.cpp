@@ -46,7 +46,7 @@ private:
             return AddEvery2nd(1);
         if (TakeWord(u"even"))
             return AddEvery2nd(2);
-        const int first = ParsePage();
+        const int first = ParsePage().Number;
         const auto afterPage = FPos;
         SkipBlanks();
         if (Peek() != u'-') {
@@ -56,25 +56,27 @@ private:
         }
         ++FPos;
         SkipBlanks();
-        if (AtEnd() || Peek() == u',') {
-            if (first <= FPageCount) // a start behind the end would otherwise count down
-                AddSpan(first, FPageCount);
-            return;
-        }
-        AddSpan(first, ParsePage());
+        const TPage last = AtEnd() || Peek() == u',' ? TPage{FPageCount, true} : ParsePage();
         RequireItemEnd();
+        if (first <= FPageCount || !last.IsEnd) // "to the end" never counts down from behind it
+            AddSpan(first, last.Number);
     }
 
+    struct TPage {
+        int Number;
+        bool IsEnd; ///< written as the document's last page, whichever that is
+    };
+
     /// A page number; one too great for the document is as good as any other such.
-    int ParsePage() {
+    TPage ParsePage() {
         if (TakeWord(u"last") || TakeWord(u"[numpages]"))
-            return FPageCount;
+            return {FPageCount, true};
         if (!IsDigit(Peek()))
             Fail();
         int page = 0;
         for (; IsDigit(Peek()); ++FPos)
             page = std::min(page * 10 + Peek().digitValue(), Beyond / 10 - 1);
-        return page;
+        return {page, false};
     }
 
     bool TakeWord(QStringView word) {

@@ -5,7 +5,8 @@
 //   span  = page [ "-" [ page ] ]                page = number | "last" | "[numpages]"
 //
 // A span whose first page is the greater one counts down; one without a second page runs to the end of the
-// document. Blanks around the hyphen belong to the span. Words are read without regard to case.
+// document. One that runs to the end, however that is written, and begins behind it selects nothing: "2-last"
+// of one page is empty. Blanks around the hyphen belong to the span. Words are read without regard to case.
 #include "base/Text.h"
 
 #include <vector>

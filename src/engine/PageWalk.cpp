@@ -9,6 +9,8 @@ constexpr size_t MaxDepth = 1000; // levels of a page tree; sane ones have five
 class TWalker {
 public:
     TPageWalk Walk(const QPDFObjectHandle& root) {
+        if (QPDFObjectHandle count = Entry(root, "/Count"); count.isInteger())
+            FResult.Promised = count.getIntValue();
         Enter(root, nullptr);
         while (!FStack.empty()) {
             TNode& node = FStack.back();
@@ -40,6 +42,7 @@ private:
     void Visit(QPDFObjectHandle kid, TInheritedPtr inherited) {
         if (!kid.isDictionary()) {
             FResult.Irregular = true;
+            ++FResult.Unreadable;
             return;
         }
         const bool node = kid.hasKey("/Kids");

@@ -24,6 +24,10 @@ struct TPageWalk {
     std::vector<TWalkedPage> Pages;
     /// The tree isn't as the standard wants it, and a save makes it anew.
     bool Irregular = false;
+    /// The pages that its root claims; 0 where it claims none.
+    qint64 Promised = 0;
+    /// Kids that are no dictionaries: what stood there is lost.
+    qint64 Unreadable = 0;
     /// It has loops or is nested beyond reason: not for code that walks it by recursion.
     bool Broken = false;
 };

@@ -133,6 +133,12 @@ Single TZQPDFPage::GetHeight() const {
     return FHeight >= 0 ? FHeight : Single(Geometry().Height());
 }
 
+void TZQPDFPage::ResetLayout() {
+    FObject->Geometry.reset();
+    FWidth = FHeight = -1;
+    FRendered = false;
+}
+
 const TPageGeometry& TZQPDFPage::Geometry() const {
     if (!FObject->Geometry)
         FObject->Geometry = GeometryOf(*FObject);

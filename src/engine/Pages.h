@@ -30,6 +30,9 @@ public:
     [[nodiscard]] bool getRendered() const { return FRendered; }
     void SetRendered(bool rendered) { FRendered = rendered; }
 
+    /// The page lies otherwise from here on: its size and layers are worked out anew.
+    void ResetLayout();
+
     /// The page's place and rotation, changes made since opening included.
     [[nodiscard]] const TPageGeometry& Geometry() const;
 

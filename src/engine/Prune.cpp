@@ -146,8 +146,8 @@ private:
         try {
             work();
         } catch (const std::exception& e) {
-            FCore.Warnings.append(
-                QStringLiteral("Damaged %1: %2").arg(QLatin1StringView(what), MessageOf(e)));
+            FCore.Warnings.Add(TWarningKind::NamesUnreadable,
+                               QStringLiteral("Damaged %1: %2").arg(QLatin1StringView(what), MessageOf(e)));
         }
     }
 

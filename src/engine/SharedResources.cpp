@@ -1,5 +1,9 @@
 #include "engine/SharedResources.h"
 
+#include "engine/decode/DecodeBudget.h"
+
+#include <qpdf/QPDFPageObjectHelper.hh>
+
 #include <unordered_set>
 
 namespace {
@@ -42,4 +46,11 @@ std::vector<bool> SharesResources(const TPDFSource& source, const std::vector<TP
             std::any_of(keys.begin(), keys.end(), [&](quint64 key) { return used.contains(key); }));
     }
     return shares;
+}
+
+void DropUnusedResources(const QPDFObjectHandle& page) {
+    constexpr qint64 MaxStage = 64 << 20; // the library holds contents several times over
+    TDecodeBudget budget(MaxStage, 4 * MaxStage);
+    const TDecodeScope scope(budget);
+    QPDFPageObjectHelper(page).removeUnreferencedResources();
 }

@@ -7,3 +7,7 @@
 /// among them.
 [[nodiscard]] std::vector<bool> SharesResources(const TPDFSource& source,
                                                 const std::vector<TPageObject*>& pages);
+
+/// Takes from a page, an object of its document, the resources that its contents don't name. Contents that
+/// can't be read, or decode to very much, keep theirs all.
+void DropUnusedResources(const QPDFObjectHandle& page);

@@ -1,10 +1,14 @@
 #include "engine/Source.h"
 
+#include "base/Interrupt.h"
 #include "base/Paths.h"
+#include "engine/CrossReferences.h"
+#include "engine/Numbers.h"
+#include "engine/Passwords.h"
 #include "engine/Teardown.h"
+#include "engine/decode/DecodeBudget.h"
 
 #include <qpdf/QPDFLogger.hh>
-#include <qpdf/QUtil.hh>
 
 #include <mutex>
 
@@ -23,24 +27,16 @@ bool HasHeader(TFileInput& input) {
     return QByteArrayView(head, qsizetype(size)).contains("%PDF-");
 }
 
-/// Up to version 4 passwords are PDFDocEncoding, from 5 on UTF-8; what we get is UTF-8.
-std::vector<std::string> Spellings(const NarrowString& password) {
-    std::vector<std::string> spellings{password.toStdString()};
-    std::string encoded;
-    if (QUtil::utf8_to_pdf_doc(spellings[0], encoded) && encoded != spellings[0])
-        spellings.push_back(encoded);
-    return spellings;
-}
-
 /// What the library has to say of objects that belong to no document goes to standard error, without a name.
-void SilenceLibrary() {
+void SetUpLibrary() {
+    InstallCountingFilters();
     const auto logger = QPDFLogger::defaultLogger();
     logger->setError(logger->discard());
 }
 
 std::shared_ptr<QPDF> NewQpdf() {
-    static std::once_flag silenced;
-    std::call_once(silenced, SilenceLibrary);
+    static std::once_flag setUp;
+    std::call_once(setUp, SetUpLibrary);
     auto pdf = QPDF::create();
     pdf->setSuppressWarnings(true);
     return pdf;
@@ -55,7 +51,7 @@ void Read(TPDFSource& source, const std::string& password) {
 
 /// Tries each spelling of the password.
 void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
-    const auto spellings = Spellings(password);
+    const auto spellings = PasswordSpellings(password);
     for (size_t i = 0;; ++i) {
         try {
             return Read(source, spellings[i]);
@@ -88,6 +84,26 @@ EPDFError OpenError(const std::exception& e, TPDFSource& source, const NarrowStr
     return EPDFError(Quoted("open", source.Path, "damaged: no pages can be read"), TPDFErrorKind::Damaged);
 }
 
+/// What the object streams and cross-reference streams of a file may decode to. Objects take far more memory
+/// than their text, so that this is not generous beyond what files are.
+TDecodeBudget StructureBudget(const TPDFSource& source) {
+    constexpr qint64 Least = 16 << 20;
+    constexpr qint64 PerStoredByte = 16;
+    const qint64 stored = StoredBytes(source);
+    return {Least + stored, 2 * Least + PerStoredByte * stored};
+}
+
+/// A repaired file may have lost what its page tree leads to.
+void WarnOfLostPages(TPDFSource& source) {
+    const TPageWalk& walk = source.Walk;
+    const qint64 lost = std::max(walk.Unreadable, walk.Promised - qint64(walk.Pages.size()));
+    if (lost > 0)
+        source.Warnings.Add(TWarningKind::DamagePagesLost,
+                            QStringLiteral("%1 pages that the page tree names can't be read; %2 can.")
+                                .arg(lost)
+                                .arg(walk.Pages.size()));
+}
+
 } // namespace
 
 TPDFSource::~TPDFSource() {
@@ -102,25 +118,36 @@ TPDFSource::~TPDFSource() {
 
 void TPDFSource::CollectWarnings() {
     for (const QPDFExc& warning : Pdf->getWarnings())
-        Warnings.append(QString::fromUtf8(warning.what()));
+        Warnings.Add(TWarningKind::DamageRepaired, QString::fromUtf8(warning.what()));
 }
 
-TPDFSourcePtr OpenSource(const string& path, const NarrowString& password) {
+TPDFSourcePtr OpenSource(const string& path, const NarrowString& password, int descriptor) {
+    RequireNoNul("The password", Widen(password)); // the library takes what stands before it
     auto source = std::make_shared<TPDFSource>();
     source->Path = path;
-    source->Input = std::make_shared<TFileInput>(path);
+    source->Input = std::make_shared<TFileInput>(path, descriptor);
+    RequireModestTable(*source->Input, path);
+    TDecodeBudget budget = StructureBudget(*source);
     try {
+        const TDecodeScope scope(budget);
         ReadWithPassword(*source, password);
         source->Walk = WalkPages(*source->Pdf);
     } catch (const std::exception& e) {
         source->Input->RequireSound();
+        budget.RequireKept(Quoted("open", path, "its objects"));
         throw OpenError(e, *source, password);
     }
     source->Input->RequireSound();
+    budget.RequireKept(Quoted("open", path, "its objects"));
     if (source->Walk.Pages.empty())
         throw EPDFError(Quoted("open", path, "damaged: no pages can be read"), TPDFErrorKind::Damaged);
     source->CollectWarnings();
+    WarnOfLostPages(*source);
     return source;
+}
+
+qint64 StoredBytes(const TPDFSource& source) {
+    return source.Input ? source.Input->StoredBytes() : 0;
 }
 
 TPDFSourcePtr NewSource() {
@@ -135,12 +162,14 @@ void KeepTested(TPDFSourcePtr source) {
     Tested = std::move(source);
 }
 
-TPDFSourcePtr TakeTested(const string& path, const NarrowString& password) {
+TPDFSourcePtr TakeTested(const string& path, const NarrowString& password, int descriptor) {
     TPDFSourcePtr source = std::move(Tested);
     Tested.reset();
     struct stat now {};
-    if (!source || source->Path != path || source->Password != password ||
-        ::stat(PathBytes(path).constData(), &now) != 0 || !SameFile(now, source->Input->Info()))
+    const int looked = descriptor == TFileInput::NotOpen ? ::stat(PathBytes(path).constData(), &now)
+                                                         : ::fstat(descriptor, &now);
+    if (!source || source->Path != path || source->Password != password || looked != 0 ||
+        !SameFile(now, source->Input->Info()))
         return nullptr;
     return source;
 }

@@ -3,8 +3,9 @@
 #include "engine/Errors.h"
 #include "engine/FileInput.h"
 #include "engine/PageWalk.h"
+#include "engine/Warnings.h"
 
-#include <QStringList>
+#include <map>
 
 struct TPDFSource {
     string Path;
@@ -12,8 +13,9 @@ struct TPDFSource {
     std::shared_ptr<TFileInput> Input; // null for a document that was made here
     std::shared_ptr<QPDF> Pdf;
     TPageWalk Walk;
-    QStringList Warnings;                                // collected so far
-    std::vector<std::shared_ptr<const TPDFSource>> Kept; // sources of copied pages, whose data is read late
+    TPDFWarnings Warnings;                                 // collected so far
+    std::optional<std::map<NarrowString, string>> XmpInfo; // what the packet tells, once somebody asked
+    std::vector<std::shared_ptr<const TPDFSource>> Kept;   // sources of copied pages, whose data is read late
 
     TPDFSource() = default;
     TPDFSource(const TPDFSource&) = delete;
@@ -26,8 +28,13 @@ struct TPDFSource {
 
 using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 
-/// Opens a file. Raises EPDFError, whose kind says what is wrong, or EFileError.
-[[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password);
+/// Bytes of its file that are there; 0 for a document that was made here.
+[[nodiscard]] qint64 StoredBytes(const TPDFSource& source);
+
+/// Opens a file, or takes the one that is open as `descriptor` under the name `path`. Raises EPDFError, whose
+/// kind says what is wrong, or EFileError.
+[[nodiscard]] TPDFSourcePtr OpenSource(const string& path, const NarrowString& password,
+                                       int descriptor = TFileInput::NotOpen);
 
 /// A source without file and without pages.
 [[nodiscard]] TPDFSourcePtr NewSource();
@@ -36,7 +43,8 @@ using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 /// for the thread's next TakeTested, which gives it back if path and password are the same and the file has
 /// not changed since, and null otherwise.
 void KeepTested(TPDFSourcePtr source);
-[[nodiscard]] TPDFSourcePtr TakeTested(const string& path, const NarrowString& password);
+[[nodiscard]] TPDFSourcePtr TakeTested(const string& path, const NarrowString& password,
+                                       int descriptor = TFileInput::NotOpen);
 
 /// libqpdf's exception as one of ours; `doing` reads as in "Cannot open".
 [[nodiscard]] EPDFError Translated(const std::exception& e, const string& doing, const string& path);

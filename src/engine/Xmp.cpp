@@ -3,6 +3,8 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
+#include <QStringList>
+
 #include <memory>
 
 namespace {
@@ -11,6 +13,7 @@ constexpr char Rdf[] = "http://www.w3.org/1999/02/22-rdf-syntax-ns#";
 constexpr char DublinCore[] = "http://purl.org/dc/elements/1.1/";
 constexpr char PdfSchema[] = "http://ns.adobe.com/pdf/1.3/";
 constexpr char XmpBasic[] = "http://ns.adobe.com/xap/1.0/";
+constexpr char PdfAId[] = "http://www.aiim.org/pdfa/ns/id/";
 
 enum class TForm { Text, Alternatives, Sequence };
 
@@ -132,18 +135,95 @@ NarrowString XmlText(const string& text) {
     return kept.toUtf8();
 }
 
-} // namespace
+using TXmlDocument = std::unique_ptr<xmlDoc, void (*)(xmlDoc*)>;
 
-std::optional<NarrowString> UpdateXmp(const NarrowString& packet, const std::map<NarrowString, string>& info,
-                                      const QDateTime& now) {
+/// Null where the packet isn't one.
+TXmlDocument Parsed(const NarrowString& packet) {
     constexpr int Options = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
     // Padding behind the closing instruction, NUL bytes among it, ends a strict parser.
     const NarrowString trimmed = NarrowString(packet).replace('\0', ' ').trimmed();
-    const std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> document(
-        xmlReadMemory(trimmed.constData(), int(trimmed.size()), nullptr, nullptr, Options), xmlFreeDoc);
-    if (!document || document->intSubset) // a packet has no document type, so no entities
-        return std::nullopt;
-    xmlNode* rdf = FindRdf(xmlDocGetRootElement(document.get()));
+    TXmlDocument document(xmlReadMemory(trimmed.constData(), int(trimmed.size()), nullptr, nullptr, Options),
+                          xmlFreeDoc);
+    if (document && document->intSubset) // a packet has no document type, so no entities
+        document.reset();
+    return document;
+}
+
+using TXmlText = std::unique_ptr<xmlChar, void (*)(void*)>;
+
+string Taken(xmlChar* text) {
+    const TXmlText held(text, xmlFree);
+    return QString::fromUtf8(reinterpret_cast<const char*>(text)).trimmed();
+}
+
+bool IsDefaultLanguage(xmlNode* item) {
+    return Taken(xmlNodeGetLang(item)) == u"x-default";
+}
+
+/// Text of an element: of the items of its list, if it has one. Alternatives say the same in several
+/// languages, of which the default counts, else the first.
+string TextOfElement(xmlNode* element, TForm form) {
+    xmlNode* list = xmlFirstElementChild(element);
+    xmlNode* item = list ? xmlFirstElementChild(list) : nullptr;
+    if (!item)
+        return Taken(xmlNodeGetContent(element));
+    if (form == TForm::Alternatives) {
+        for (xmlNode* other = item; other; other = xmlNextElementSibling(other))
+            if (IsDefaultLanguage(other))
+                return Taken(xmlNodeGetContent(other));
+        return Taken(xmlNodeGetContent(item));
+    }
+    QStringList items;
+    for (; item; item = xmlNextElementSibling(item))
+        items.append(Taken(xmlNodeGetContent(item)));
+    return items.join(QStringLiteral("; "));
+}
+
+string FindProperty(xmlNode* rdf, const char* ns, const char* name, TForm form) {
+    for (xmlNode* description = rdf->children; description; description = description->next) {
+        if (!Is(description, Rdf, "Description"))
+            continue;
+        if (xmlChar* attribute = xmlGetNsProp(description, X(name), X(ns)))
+            return Taken(attribute);
+        for (xmlNode* child = description->children; child; child = child->next)
+            if (Is(child, ns, name))
+                return TextOfElement(child, form);
+    }
+    return {};
+}
+
+} // namespace
+
+NarrowString EmptyXmp() {
+    return NarrowString("<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
+                        "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF xmlns:rdf=\"") +
+           Rdf +
+           "\"><rdf:Description rdf:about=\"\"/></rdf:RDF></x:xmpmeta>\n"
+           "<?xpacket end=\"w\"?>";
+}
+
+std::map<NarrowString, string> InfoOfXmp(const NarrowString& packet) {
+    std::map<NarrowString, string> info;
+    const TXmlDocument document = Parsed(packet);
+    xmlNode* rdf = document ? FindRdf(xmlDocGetRootElement(document.get())) : nullptr;
+    for (const TProperty& property : Properties)
+        if (rdf && *property.InfoKey != '\0')
+            info[property.InfoKey] = FindProperty(rdf, property.Namespace, property.Name, property.Form);
+    return info;
+}
+
+int PdfAPartOf(const NarrowString& packet) {
+    if (!packet.contains(PdfAId)) // which few files do
+        return 0;
+    const TXmlDocument document = Parsed(packet);
+    xmlNode* rdf = document ? FindRdf(xmlDocGetRootElement(document.get())) : nullptr;
+    return rdf ? FindProperty(rdf, PdfAId, "part", TForm::Text).toInt() : 0;
+}
+
+std::optional<NarrowString> UpdateXmp(const NarrowString& packet, const std::map<NarrowString, string>& info,
+                                      const QDateTime& now) {
+    const TXmlDocument document = Parsed(packet);
+    xmlNode* rdf = document ? FindRdf(xmlDocGetRootElement(document.get())) : nullptr;
     if (!rdf)
         return std::nullopt;
     xmlNode* description = FirstDescription(rdf);

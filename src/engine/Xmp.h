@@ -7,6 +7,16 @@
 #include <map>
 #include <optional>
 
+/// A packet that says nothing yet.
+[[nodiscard]] NarrowString EmptyXmp();
+
+/// The information entries that a packet tells, by the names that UpdateXmp knows; several authors are joined
+/// by semicolons.
+[[nodiscard]] std::map<NarrowString, string> InfoOfXmp(const NarrowString& packet);
+
+/// The part of ISO 19005 that a packet claims (pdfaid:part); 0 if it claims none.
+[[nodiscard]] int PdfAPartOf(const NarrowString& packet);
+
 /// `packet` with the information entries of that name (Title, Author, Subject, Keywords, Creator, Producer;
 /// others have no place in it; an empty value removes) and the dates of modification brought up to date,
 /// everything else kept. Nothing if the packet isn't one.

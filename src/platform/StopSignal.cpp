@@ -12,10 +12,16 @@ TStopSignal::TStopSignal() : FCounter(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) 
 
 void TStopSignal::Raise() {
     const std::lock_guard guard(FLock);
+    if (!Raised())
+        FRaisedAt.store(std::chrono::steady_clock::now());
     FRaised.store(true);
     [[maybe_unused]] const int written = ::eventfd_write(FCounter.Number(), 1);
     for (const auto& [listener, called] : FListeners)
         called();
+}
+
+bool TStopSignal::IsOverdue() const {
+    return Raised() && std::chrono::steady_clock::now() - FRaisedAt.load() > std::chrono::seconds(1);
 }
 
 void TStopSignal::Lower() {

@@ -4,6 +4,7 @@
 #include "platform/Waiting.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -17,6 +18,9 @@ public:
     /// Work may begin (again).
     void Lower();
     [[nodiscard]] bool Raised() const { return FRaised.load(std::memory_order_relaxed); }
+    /// Raised for over a second: what takes that long is cut short where it stands. What is nearly done by
+    /// the time of a stop is done by then.
+    [[nodiscard]] bool IsOverdue() const;
 
     [[nodiscard]] int Descriptor() const override { return FCounter.Number(); }
     [[nodiscard]] bool Take() override { return Raised(); }
@@ -24,6 +28,7 @@ public:
 private:
     friend class TStopListener;
     std::atomic<bool> FRaised = false;
+    std::atomic<std::chrono::steady_clock::time_point> FRaisedAt{};
     TDescriptor FCounter;
     std::mutex FLock;
     std::map<const void*, std::function<void()>> FListeners;

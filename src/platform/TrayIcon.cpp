@@ -2,6 +2,8 @@
 
 #include "platform/MessageQueue.h"
 
+#include <utility>
+
 namespace {
 TTrayIconHost* RegisteredHost = nullptr;
 } // namespace
@@ -28,6 +30,7 @@ void TTrayIcon::SetVisible(bool visible) {
     FView.reset();
     if (TTrayIconHost* host = TrayIconHost(); host && visible)
         FView = host->Show({.Icon = Icon,
+                            .AttentionIcon = AttentionIcon,
                             .Icons = Icons,
                             .Animate = FAnimate,
                             .AnimateInterval = FAnimateInterval,
@@ -45,21 +48,41 @@ void TTrayIcon::SetHint(const string& text) {
     if (text == FHint)
         return;
     FHint = text;
-    if (FHintQueued)
-        return;
-    FHintQueued = FQueue->Post([this, alive = FAlive] {
-        if (*alive)
-            ShowHint();
-    });
+    QueueShowing();
 }
 
-void TTrayIcon::ShowHint() {
-    string text;
+void TTrayIcon::SetTrouble(const string& text, const string& notice) {
+    const std::lock_guard guard(FHintLock);
+    if (text == FTrouble && notice.isEmpty())
+        return;
+    FTrouble = text;
+    FNotice = notice;
+    QueueShowing();
+}
+
+void TTrayIcon::QueueShowing() {
+    if (!FQueued)
+        FQueued = FQueue->Post([this, alive = FAlive] {
+            if (*alive)
+                Show();
+        });
+}
+
+void TTrayIcon::Show() {
+    string hint;
+    string trouble;
+    string notice;
     {
         const std::lock_guard guard(FHintLock);
-        FHintQueued = false;
-        text = FHint;
+        FQueued = false;
+        hint = FHint;
+        trouble = FTrouble;
+        notice = std::exchange(FNotice, {});
     }
-    if (FView)
-        FView->SetHint(text);
+    if (!FView)
+        return;
+    FView->SetAttention(!trouble.isEmpty());
+    FView->SetHint(trouble.isEmpty() ? hint : hint + u'\n' + trouble);
+    if (!notice.isEmpty())
+        FView->Notify(notice);
 }

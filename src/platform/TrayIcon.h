@@ -24,12 +24,17 @@ class TTrayIconView {
 public:
     virtual ~TTrayIconView() = default;
     virtual void SetHint(const string& text) = 0;
+    /// Shows the picture that asks for attention, or the usual one.
+    virtual void SetAttention(bool attention) = 0;
+    /// A message beside the icon, as the desktop shows such things.
+    virtual void Notify(const string& text) = 0;
 };
 
 /// What an icon looks like. What it points to outlives the view.
 struct TTrayIconLook {
-    const std::vector<TPicture>& Icon; ///< one picture in several sizes
-    const TImageList* Icons;           ///< frames, shown in turn while animated
+    const std::vector<TPicture>& Icon;          ///< one picture in several sizes
+    const std::vector<TPicture>& AttentionIcon; ///< likewise
+    const TImageList* Icons;                    ///< frames, shown in turn while animated
     bool Animate;
     int AnimateInterval; ///< milliseconds a frame
     const TPopupMenu* PopupMenu;
@@ -48,7 +53,7 @@ public:
 /// Not owned; null takes the registered one away. On the main thread, while no icon is visible.
 void SetTrayIconHost(TTrayIconHost* host);
 
-/// Belongs to the thread that made it; SetHint and Hint may be called from any.
+/// Belongs to the thread that made it; SetHint, Hint and SetTrouble may be called from any.
 class TTrayIcon : public TComponent {
     Q_OBJECT
 public:
@@ -58,6 +63,7 @@ public:
     PUBLISHED(bool, Animate, FAnimate) = false;
     PUBLISHED(int, AnimateInterval, FAnimateInterval) = 1000;
     std::vector<TPicture> Icon;
+    std::vector<TPicture> AttentionIcon;
     const TImageList* Icons = nullptr; ///< not owned, as the next
     const TPopupMenu* PopupMenu = nullptr;
 
@@ -68,15 +74,21 @@ public:
     [[nodiscard]] string Hint() const;
     /// Never waits. The hint is shown soon after; of several in a row perhaps only the last one.
     void SetHint(const string& text);
+    /// What somebody should look at stands below the hint, and the icon asks for attention, until it is empty
+    /// again. `notice` is shown once; empty shows none. Never waits either.
+    void SetTrouble(const string& text, const string& notice);
 
 private:
-    void ShowHint();
+    void QueueShowing();
+    void Show();
 
     const std::shared_ptr<TMessageQueue> FQueue;
     const std::shared_ptr<bool> FAlive; ///< for calls that are still queued when the icon goes
     bool FVisible = false;
     std::unique_ptr<TTrayIconView> FView;
-    mutable std::mutex FHintLock; ///< of the two below
+    mutable std::mutex FHintLock; ///< of what follows
     string FHint;
-    bool FHintQueued = false;
+    string FTrouble;
+    string FNotice; ///< yet to be shown
+    bool FQueued = false;
 };

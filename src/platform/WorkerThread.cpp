@@ -69,3 +69,15 @@ void TWorkerThread::Sleep(int ms) {
     std::unique_lock lock(FSleepLock);
     FWake.wait_for(lock, std::chrono::milliseconds(ms), [this] { return Terminated(); });
 }
+
+void TWorkerThread::WaitUntil(const std::function<bool()>& isSo) {
+    std::unique_lock lock(FSleepLock);
+    FWake.wait(lock, [&] { return Terminated() || isSo(); });
+}
+
+void TWorkerThread::Wake() {
+    {
+        const std::lock_guard guard(FSleepLock); // as in Terminate
+    }
+    FWake.notify_all();
+}

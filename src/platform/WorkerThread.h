@@ -42,6 +42,10 @@ protected:
     virtual void Execute() = 0;
     /// Sleeps, but not past Terminate(). On the thread itself.
     void Sleep(int ms);
+    /// Waits until `isSo` or Terminate(). It is asked again after each Wake(). On the thread itself.
+    void WaitUntil(const std::function<bool()>& isSo);
+    /// Any thread: what WaitUntil waits for may be so now.
+    void Wake();
 
 private:
     void Run() noexcept;

@@ -1,6 +1,7 @@
 #include "scripting/Programs.h"
 
 #include "base/Paths.h"
+#include "platform/DescriptorLimit.h"
 #include "platform/StopSignal.h"
 
 #include <QDir>
@@ -132,8 +133,10 @@ TStartedProgram StartProgram(const string& path, const QStringList& arguments, c
     TStartedProgram started;
     started.Error = ::posix_spawn(&started.Process, words.front().constData(), &settings.Files,
                                   &settings.Attributes, pointers.data(), environ);
-    if (started.Error == 0)
+    if (started.Error == 0) {
+        RestoreDescriptorLimit(started.Process);
         Unawaited().Add(started.Process);
+    }
     return started;
 }
 

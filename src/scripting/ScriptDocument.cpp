@@ -25,6 +25,7 @@ void TJSPDFDocument::SetDocument(TZQPDFDocument* Value) {
         delete FDocument.data();
     FDocOwner = Ownership::Borrowed;
     FDocument = Value;
+    FFilename.clear(); // or Save would write this document over another's file
 }
 
 bool TJSPDFDocument::Load(const string& fileName, const string& Password) {
@@ -36,7 +37,7 @@ bool TJSPDFDocument::Load(const string& fileName, const string& Password) {
     string password = Password;
     if (!AskForPassword(fileName, TIsPasswordOkOption::poPermission, password))
         return false;
-    const bool opened = Document().OpenFromFile(fileName, Narrow(password));
+    const bool opened = Document().OpenFromFile(fileName, PasswordBytes(password));
     FFilename = fileName;
     SetCurrentPage(1);
     return opened;

@@ -40,8 +40,8 @@ public:
 
     /// The engine document. Raises Exception where its owner has freed it.
     [[nodiscard]] TZQPDFDocument& Document() const;
-    /// Takes another document on loan; an owned one is freed. The path of the last load or save and the
-    /// error code stay as they are.
+    /// Takes another document on loan; an owned one is freed. The path of the last load or save belonged to
+    /// that one and goes with it; the error code stays as it is.
     void SetDocument(TZQPDFDocument* Value);
 
     // Life cycle (ScriptDocument.cpp)
@@ -66,6 +66,8 @@ public:
                              TPDFDocPermissions* Perms);
     /// Only a document that was opened with its owner password and carries no signature.
     Q_INVOKABLE bool Decrypt();
+    /// Signature fields that hold a signature. Whatever is saved of such a document, no signature covers it.
+    Q_INVOKABLE int GetSignaturesCount();
 
     // Content (ScriptDocumentContent.cpp), on the current page. What is added stays the page's; the caller
     // gets a reference. Places are in layer space (engine/layers/Layer.h).
@@ -106,7 +108,7 @@ public:
     Q_INVOKABLE bool DeletePages(int Index, int Count);
     Q_INVOKABLE bool DeletePagesEx(const string& pageRange);
     /// A new document with copies of the pages, saved under `fileName` unless that is empty. The caller owns
-    /// it; saving never gives it a path of its own.
+    /// it; saving never gives it a path of its own. Raises if the range selects no page.
     Q_INVOKABLE TJSPDFDocument* ExtractPages(const string& pageRange, const string& fileName,
                                              bool OverwriteExisting);
     Q_INVOKABLE bool CropPages(const string& pageRange, double top, double left, double right, double bottom);

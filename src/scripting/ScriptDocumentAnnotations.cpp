@@ -1,5 +1,6 @@
 // Annotations that actions and scripts put on the current page.
 #include "engine/Document.h"
+#include "engine/Numbers.h"
 #include "engine/macros/Macros.h"
 #include "engine/watermark/ObjectsRepository.h"
 #include "scripting/ScriptDocument.h"
@@ -8,11 +9,24 @@ namespace {
 // What callers record of a page (engine/Pages.h).
 constexpr quint32 AnnotationsChanged = 4;
 constexpr int StampFontSize = 16;
+
+/// Before anything is made, so that a script that catches the error leaves nothing half made on the page.
+void RequirePlace(Double X, Double Y) {
+    RequireLength("X", X);
+    RequireLength("Y", Y);
+}
+
+void RequireBox(Double X, Double Y, Double Width, Double Height) {
+    RequirePlace(X, Y);
+    RequireLength("Width", Width);
+    RequireLength("Height", Height);
+}
 } // namespace
 
 TZQPDFTextAnnotation* TJSPDFDocument::AddNoteAnnotation(float X, float Y, TColor Color) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequirePlace(Double(X), Double(Y));
     auto* note = new TZQPDFTextAnnotation(Document(), &LayersToFill(), X, Y, "Comment");
     note->SetColor(Color);
     MarkPageChanged(AnnotationsChanged);
@@ -25,6 +39,7 @@ TZQPDFStampAnnotation* TJSPDFDocument::AddStampAnnotation(double X, double Y, co
                                                           TColor BgGradientEndColor) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequirePlace(X, Y);
     TZQLayerCollection& layers = LayersToFill();
     auto* stamp = new TZQPDFStampAnnotation(Document(), &layers, Single(X), Single(Y), baseColor,
                                             BgGradientStartColor, BgGradientEndColor,
@@ -47,6 +62,7 @@ TZQPDFFileAttachementAnnotation* TJSPDFDocument::AddFileAttachAnnotation(double 
                                                                          const TFileName& fileName) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequirePlace(X, Y);
     auto* attachment =
         new TZQPDFFileAttachementAnnotation(Document(), &LayersToFill(), Single(X), Single(Y), "paperclip");
     attachment->SetDiskFilename(Narrow(fileName));
@@ -58,6 +74,7 @@ TZQPDFLinkAnnotation* TJSPDFDocument::AddLinkAnnotation(float X, float Y, float 
                                                         int pageNum) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequireBox(Double(X), Double(Y), Double(Width), Double(Height));
     auto* link = new TZQPDFLinkAnnotation(Document(), &LayersToFill(), pageNum);
     link->SetBounds(TGPRectF::Create(X, Y, Width, Height));
     MarkPageChanged(AnnotationsChanged);
@@ -70,6 +87,7 @@ TZQPDFLinkAnnotation* TJSPDFDocument::AddWebAnnotation(float X, float Y, float W
                                                        const string& uri) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequireBox(Double(X), Double(Y), Double(Width), Double(Height));
     return TZQPDFLinkAnnotation::CreateURI(Document(), &LayersToFill(), X, Y,
                                            Single(Double(X) + Double(Width)),
                                            Single(Double(Y) + Double(Height)), Narrow(uri));
@@ -79,6 +97,7 @@ TZQPDFFreeTextAnnotation* TJSPDFDocument::AddFreeTextAnnotation(const string& Te
                                                                 float Width, float Height) {
     if (!Document().GetCanModifyAnnots())
         return nullptr;
+    RequireBox(Double(X), Double(Y), Double(Width), Double(Height));
     auto* box = new TZQPDFFreeTextAnnotation(Document(), &LayersToFill(), X, Y, Width, Height);
     box->RichText()->SetText(Text);
     MarkPageChanged(AnnotationsChanged);

@@ -1,6 +1,7 @@
 #include "bates/BatesDictionary.h"
 #include "engine/Document.h"
 #include "engine/EmbeddedFiles.h"
+#include "engine/Numbers.h"
 #include "engine/Pages.h"
 #include "scripting/ScriptDocument.h"
 
@@ -34,6 +35,9 @@ TZQPDFText* TJSPDFDocument::AddText(const string& Text, const TFontName& FontNam
                                     TColor FillColor, float X, float Y) {
     if (!Document().GetCanModify())
         return nullptr;
+    RequireLength("X", Double(X));
+    RequireLength("Y", Double(Y));
+    RequireLength("FontSize", Double(FontSize));
     auto* text = new TZQPDFText(&LayersToFill());
     text->SetPosition(TGPPointF::Create(X, Y));
     text->SetFontName(Narrow(FontName.isEmpty() ? TFontName(QStringLiteral("Arial")) : FontName));
@@ -47,6 +51,8 @@ TZQPDFText* TJSPDFDocument::AddText(const string& Text, const TFontName& FontNam
 TZQPDFImage* TJSPDFDocument::AddImage(const TFileName& fileName, float X, float Y) {
     if (!Document().GetCanModify())
         return nullptr;
+    RequireLength("X", Double(X));
+    RequireLength("Y", Double(Y));
     auto* image = new TZQPDFImage(&LayersToFill());
     if (!fileName.isEmpty())
         image->LoadFromFile(fileName);

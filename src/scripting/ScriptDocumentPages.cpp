@@ -1,4 +1,4 @@
-#include "base/UniqueName.h"
+#include "base/Exceptions.h"
 #include "engine/Document.h"
 #include "engine/editor/Editor.h"
 #include "scripting/ScriptDocument.h"
@@ -33,11 +33,17 @@ TJSPDFDocument* TJSPDFDocument::ExtractPages(const string& pageRange, const stri
         return nullptr;
     auto extracted = std::make_unique<TJSPDFDocument>();
     TZQPDFDocument& target = extracted->Document();
-    target.ImportPagesFrom(Document(), Narrow(pageRange), -1);
+    if (target.ImportPagesFrom(Document(), Narrow(pageRange), -1) == 0)
+        throw Exception(QStringLiteral("There is no page to extract: the range \"%1\" selects none of %2.")
+                            .arg(pageRange)
+                            .arg(Document().GetPageCount()));
     target.DeletePage(0); // the blank page that a new document starts with
-    if (!fileName.isEmpty())
-        target.SaveCopyToFile(OverwriteExisting ? fileName : UniqueFileName(fileName),
-                              /*keepSource=*/true, /*takeName=*/false);
+    if (fileName.isEmpty())
+        return extracted.release();
+    if (OverwriteExisting)
+        target.SaveCopyToFile(fileName, /*keepSource=*/true, /*takeName=*/false);
+    else
+        target.SaveToFreeName(fileName);
     return extracted.release();
 }
 

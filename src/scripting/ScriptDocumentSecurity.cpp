@@ -44,6 +44,8 @@ bool TJSPDFDocument::Encrypt(const string& OwnerPassword, const string& OpenPass
     TZQPDFDocument& document = Document();
     if (document.getIsEncrypted() || !MayProtect(document))
         return false;
+    const NarrowString owner = PasswordBytes(OwnerPassword);
+    const NarrowString open = PasswordBytes(OpenPassword);
     auto* handler = new THandler(nullptr);
     document.SetSecurityHandler(handler);
     // Any other value leaves the cipher unchosen, on purpose: saving the document then raises.
@@ -54,8 +56,8 @@ bool TJSPDFDocument::Encrypt(const string& OwnerPassword, const string& OpenPass
         handler->SetStreamEncryptionKeyBits(algorithm.KeyBits);
         handler->SetStringEncryptionKeyBits(algorithm.KeyBits);
     }
-    document.SetUserPassword(Narrow(OpenPassword));
-    document.SetOwnerPassword(Narrow(OwnerPassword));
+    document.SetUserPassword(open);
+    document.SetOwnerPassword(owner);
     handler->Permissions()->Load(Perms);
     handler->SetOwnerPassword(Widen(document.OwnerPassword()));
     handler->SetUserPassword(Widen(document.UserPassword()));
@@ -71,4 +73,8 @@ bool TJSPDFDocument::Decrypt() {
     if (handler == nullptr || !handler->IsOwnerPasswordValid())
         return false;
     return document.Decrypt();
+}
+
+int TJSPDFDocument::GetSignaturesCount() {
+    return Document().GetSignaturesCount();
 }

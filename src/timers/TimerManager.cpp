@@ -43,6 +43,7 @@ TumThreadList& TumTimerManager::ListOf(const TumCustomTimer* timer) {
 
 void TumTimerManager::AddTimer(TumCustomTimer* timer) {
     ListOf(timer).Add(timer);
+    Wake();
 }
 
 void TumTimerManager::DeleteTimer(TumCustomTimer* timer, TFreeIt freeIt) {
@@ -52,17 +53,31 @@ void TumTimerManager::DeleteTimer(TumCustomTimer* timer, TFreeIt freeIt) {
 void TumTimerManager::Execute() {
     LastTicks = FClock.TickCount();
     while (!Terminated()) {
+        if (!HasTimers())
+            WaitForTimers();
         // To the next multiple of 10 ms, so that all ticks fall on a common beat.
         FClock.Sleep(10 - int(FClock.TickCount() % 10));
         Cycle();
     }
 }
 
+bool TumTimerManager::HasTimers() const {
+    return TimerList.Count() > 0 || AlarmList.Count() > 0;
+}
+
+/// The first timer finds the manager as if it had gone on all the time: no old time is credited, and the
+/// second at hand has been looked at.
+void TumTimerManager::WaitForTimers() {
+    WaitUntil([this] { return HasTimers(); });
+    LastTicks = FClock.TickCount();
+    LastSecond = FClock.LocalTime().Second;
+}
+
 void TumTimerManager::Cycle() {
     const Cardinal now = FClock.TickCount();
     if (TimerList.Count() > 0)
         TickTimers(now - LastTicks); // unsigned, so that the count's wrap after 49.7 days is no jump
-    LastTicks = now;                 // also without timers: the first one gets no pile of old time
+    LastTicks = now;                 // also without interval timers: the first gets no pile of old time
     const TSystemTime time = FClock.LocalTime();
     if (time.Second == LastSecond)
         return;

@@ -1,5 +1,6 @@
 #pragma once
-// TumTimerManager: the one thread that drives all timers of a process, on a beat of 10 ms.
+// TumTimerManager: the one thread that drives all timers of a process, on a beat of 10 ms. While there are
+// none it waits for one, and nothing wakes it.
 //
 // Its work under a list's lock is to count, to compare and to post; no handler ever runs on it. The two
 // lists are never held at once.
@@ -26,6 +27,8 @@ public:
 
 private:
     void Execute() override;
+    [[nodiscard]] bool HasTimers() const;
+    void WaitForTimers();
     void Cycle();
     void TickTimers(Cardinal elapsed);
     void CheckAlarms(const TSystemTime& now);

@@ -16,6 +16,7 @@ public:
 
 private:
     void WriteMember(const TInstance& instance, const QMetaProperty& member);
+    void WriteSparse(const string& name, QVariant record);
     void WriteValues(const TInstance& instance, const QMetaProperty& member);
     void WriteObjects(const TInstance& instance, const QMetaProperty& member);
     void WriteItem(QObject& item, const QMetaObject& itemClass, const string& name);
@@ -28,6 +29,19 @@ void TObjectWriter::WriteMembers(const TInstance& instance) {
         WriteMember(instance, member);
 }
 
+/// A sparse record tells only what differs from one that was never touched.
+void TObjectWriter::WriteSparse(const string& name, QVariant record) {
+    QVariant untouched(record.metaType());
+    if (record == untouched)
+        return;
+    FOut.Open(name);
+    const TInstance told(record);
+    for (const QMetaProperty& member : Reflection::Members(told.Type()))
+        if (told.Get(member) != TInstance(untouched).Get(member))
+            WriteMember(told, member);
+    FOut.Close();
+}
+
 void TObjectWriter::WriteMember(const TInstance& instance, const QMetaProperty& member) {
     const string name = XmlMarks::ElementName(instance.Type(), member);
     switch (KindOf(member)) {
@@ -38,6 +52,10 @@ void TObjectWriter::WriteMember(const TInstance& instance, const QMetaProperty& 
         break;
     case MemberKind::Record: {
         QVariant record = instance.Get(member);
+        if (XmlMarks::IsSparse(TInstance(record).Type())) {
+            WriteSparse(name, record);
+            break;
+        }
         FOut.Open(name);
         WriteMembers(TInstance(record));
         FOut.Close();

@@ -1,6 +1,5 @@
 #include "xml/XmlFile.h"
 
-#include "base/PartFile.h"
 #include "base/Paths.h"
 #include "xml/XmlParser.h"
 
@@ -74,10 +73,15 @@ QByteArray ReadXmlFile(const string& fileName) {
 }
 
 void WriteXmlFile(const string& fileName, const QByteArray& bytes) {
+    PrepareXmlFile(fileName, bytes)->PublishReplacing();
+}
+
+std::unique_ptr<TPartFile> PrepareXmlFile(const string& fileName, const QByteArray& bytes) {
     CheckXmlSize(bytes.size(), Quoted(fileName));
     const string behind = QFileInfo(fileName).canonicalFilePath();
-    TPartFile file(behind.isEmpty() ? fileName : behind);
-    file.TakeModeOf(fileName);
-    file.Write(bytes.constData(), size_t(bytes.size()));
-    file.PublishReplacing();
+    auto file = std::make_unique<TPartFile>(behind.isEmpty() ? fileName : behind);
+    file->TakeModeOf(fileName);
+    file->Write(bytes.constData(), size_t(bytes.size()));
+    file->Flush();
+    return file;
 }

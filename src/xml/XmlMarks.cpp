@@ -34,6 +34,10 @@ const QMetaObject* Placeholder(const QMetaObject& itemClass) {
     return name.isNull() ? nullptr : Reflection::FindClass(name);
 }
 
+bool IsSparse(const QMetaObject& type) {
+    return !Reflection::ClassInfo(type, "XmlSparse").isNull();
+}
+
 string ElementName(const QMetaObject& type, const QMetaProperty& member) {
     const string mark = ListMark(type, member, 0);
     return mark.isEmpty() ? QString::fromLatin1(member.name()) : mark;

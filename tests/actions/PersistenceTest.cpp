@@ -141,7 +141,7 @@ TEST_F(Persistence, AssignCopiesDeeply) {
     EXPECT_EQ(static_cast<TPDFActionRotatePages*>((*source.FActions)[0])->FAngle, 180);
 
     TPDFWatchedFolders folders;
-    folders.FFolders = {{"/a", true, true, -1, "x"}};
+    folders.FFolders = {{"/a", true, true, -1, "x", {.QuietSeconds = 7}}};
     TPDFWatchedFolders other;
     other.Assign(folders);
     EXPECT_EQ(other.FFolders, folders.FFolders);

@@ -33,6 +33,8 @@ public:
             explicit TView(TNotedDesktop& desktop) : Desktop(desktop) { Desktop.Events += "icon"; }
             ~TView() override { Desktop.Events += "no icon"; }
             void SetHint(const string& text) override { Desktop.Events += text; }
+            void SetAttention(bool attention) override { Desktop.Attention = attention; }
+            void Notify(const string& text) override { Desktop.Events += "notice " + text; }
             TNotedDesktop& Desktop;
         };
         Look = std::make_unique<TTrayIconLook>(look);
@@ -54,6 +56,7 @@ public:
     }
 
     QStringList Events;
+    bool Attention = false;
     std::unique_ptr<TTrayIconLook> Look;
     bool ThreadsBeforeIcon = false;
     bool HoldBoxes = false;
@@ -79,7 +82,7 @@ protected:
             pipe.OpenPipe();
             pipe.WritePipe(QLatin1String(command));
             pipe.WritePipe(QLatin1String(ControlPipe::Check));
-            return pipe.Read(5000) == QLatin1String(ControlPipe::CheckReply);
+            return pipe.Read(60'000) == QLatin1String(ControlPipe::CheckReply);
         } catch (const EPipeError&) {
             return false;
         }
@@ -131,14 +134,18 @@ TEST_F(FormTest, ThePictureIsOpaqueInsideAndClearAtItsCorners) {
         ASSERT_EQ(int(picture.Pixels.size()), size * size);
         EXPECT_EQ(picture.Pixels[0] >> 24, 0u) << size;
         EXPECT_EQ(picture.Pixels[size_t(size * (size * 3 / 4) + size / 2)], 0xFFF6A623u) << size;
+        const size_t badge = size_t(size * (size * 7 / 10) + size / 2);
+        EXPECT_EQ(AttentionPicture(size).Pixels[badge], 0xFFC62828u) << size;
     }
 }
 
 TEST_F(FormTest, WithoutAConfigurationFolderItSaysSoAndEnds) {
     const string longer = FWorkspace.Path(string(250, u'x'));
     qputenv("MORVANE_TEST_FOLDER", FWorkspace.Path("none").toUtf8());
-    for (const string& folder : {FWorkspace.Path("none"), FWorkspace.Write("file", "not a folder"), longer,
-                                 string("%MORVANE_TEST_FOLDER%/c"), string("%NOT_SET_ANYWHERE%")}) {
+    qputenv("MORVANE_TEST_EMPTY", "");
+    for (const string& folder :
+         {string("%MORVANE_TEST_EMPTY%"), FWorkspace.Path("none"), FWorkspace.Write("file", "not a folder"),
+          longer, string("%MORVANE_TEST_FOLDER%/c"), string("%NOT_SET_ANYWHERE%")}) {
         FDesktop.Events.clear();
         SetFolder(folder);
         const TfrmFoldersAgent form({FClock, FFiles});
@@ -147,6 +154,7 @@ TEST_F(FormTest, WithoutAConfigurationFolderItSaysSoAndEnds) {
             QStringList({"icon", "box Configuration Path is missing or invalid. |Morvane Folder Watcher|16"}))
             << folder.toStdString();
         EXPECT_TRUE(form.Terminated());
+        EXPECT_EQ(form.ExitCode(), EXIT_FAILURE) << "a service starts again";
         EXPECT_FALSE(form.FoldersThread() || form.PipeThread());
     }
 }
@@ -159,6 +167,24 @@ TEST_F(FormTest, TheFolderMayHoldReferencesAndADelimiterAtItsEnd) {
         const TfrmFoldersAgent form({FClock, FFiles});
         EXPECT_TRUE(form.FoldersThread()) << folder.toStdString();
     }
+}
+
+TEST_F(FormTest, ATroubleIsShownAsLongAsItLastsAndNotifiedOnce) {
+    FWorkspace.Write("c/actions.xml", "<Act");
+    TfrmFoldersAgent form({FClock, FFiles});
+    ASSERT_TRUE(DeliverUntil([&] { return FDesktop.Attention; }));
+    const auto notices = [&] { return FDesktop.Events.filter("notice "); };
+    EXPECT_TRUE(DeliverUntil([&] { return notices().size() == 1; }));
+    EXPECT_TRUE(notices()[0].contains("actions.xml\", line 1"));
+    FWorkspace.Write("c/actions.xml", "<ActionManager>\n<Act");
+    FClock.Play(3);
+    EXPECT_TRUE(DeliverUntil([&] { return FDesktop.Events.last().contains("line 2"); }))
+        << "the hint follows";
+    FWorkspace.Write("c/actions.xml", "<ActionManager/>");
+    FClock.Play(2);
+    EXPECT_TRUE(DeliverUntil([&] { return !FDesktop.Attention; }));
+    EXPECT_EQ(notices().size(), 1);
+    EXPECT_EQ(FDesktop.Events.last(), "Morvane Folder Watcher");
 }
 
 TEST_F(FormTest, CommandsReachTheFoldersThreadUntilItHasGone) {
@@ -181,9 +207,10 @@ TEST_F(FormTest, AWriteInTheConfigurationFolderRaisesTheFlag) {
     EXPECT_TRUE(form.FoldersThread()->FDirChanged); // what came while the form was made is looked for
     FWorkspace.Write("c/actions.xml", "<ActionManager/>");
     FWorkspace.Write("c/watchedfolders.xml", "<WatchedFolder/>");
-    DeliverFor(50);
-    FClock.Play(1);
-    EXPECT_FALSE(form.FoldersThread()->FDirChanged);
+    do { // until the notices of both have come
+        FClock.Play(1);
+        DeliverFor(50);
+    } while (form.FoldersThread()->FDirChanged);
     FWorkspace.Write("c/actions.xml", "<ActionManager/>");
     EXPECT_TRUE(DeliverUntil([&] { return form.FoldersThread()->FDirChanged.load(); }));
 }
@@ -200,8 +227,8 @@ TEST_F(FormTest, ASecondInstancesCommandLineIsDropped) {
 
 TEST_F(FormTest, StoppingAnswersABoxThatTheRunWaitsFor) {
     // Files that need an answer before they can be listed.
-    struct TAskingFiles : TFolderFiles {
-        QStringList ReadyFiles(const string&, qint64) override {
+    struct TAskingFiles : TPlainFiles {
+        QStringList ReadyFiles(const TFolder&, qint64, const TQuietTime&) override {
             [[maybe_unused]] const int answer = MessageBoxHost().Show("Go on?", "", MB_OKCANCEL);
             return {};
         }
@@ -231,6 +258,7 @@ TEST_F(FormTest, HintsOfTheRunAreShownOnTheFormsThreadTheLastOneSurely) {
     EXPECT_EQ(FDesktop.Events, QStringList({"icon", "1000"}));
     form.SetHint("again");
     form.SetHint("again");
+    EXPECT_TRUE(DeliverUntil([&] { return FDesktop.Events.last() == "again"; }));
     DeliverFor(20);
     EXPECT_EQ(FDesktop.Events, QStringList({"icon", "1000", "again"}));
 }

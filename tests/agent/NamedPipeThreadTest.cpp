@@ -1,4 +1,6 @@
 #include "agent/NamedPipeThread.h"
+
+#include "agent/AgentStatus.h"
 #include "base/Exceptions.h"
 #include "platform/NamedPipeServer.h"
 #include "testing/RuntimeFolder.h"
@@ -29,7 +31,7 @@ protected:
     /// What the agent answers to these messages on one connection, the last of them being "check".
     static QString Say(const QStringList& messages) {
         TNamedPipeClient client("morvane_watched_folders");
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        const auto patience = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         while (true) {
             try {
                 client.OpenPipe();
@@ -45,17 +47,18 @@ protected:
         client.WritePipe("check");
         QStringList replies;
         while (replies.size() <= messages.count("check"))
-            replies += client.Read(5000);
+            replies += client.Read(60'000);
         return replies.join(' ') + client.Read(0);
     }
 
     TTarget FTarget;
+    TAgentStatus FStatus;
     std::atomic<TRefreshTarget*> FForm = nullptr;
     const TNamedPipeThread::TFindTarget FFind = [this] { return FForm.load(); };
 };
 
 TEST_F(NamedPipeThreadTest, AnswersCheckAndPassesRefreshesOnExactly) {
-    const TNamedPipeThread thread(FFind);
+    const TNamedPipeThread thread(FFind, FStatus);
     EXPECT_EQ(Say({"refresh.folders"}), "OK"); // no form yet: the command is dropped
     FForm = &FTarget;
     EXPECT_EQ(FTarget.Folders, 0);
@@ -70,9 +73,24 @@ TEST_F(NamedPipeThreadTest, AnswersCheckAndPassesRefreshesOnExactly) {
     EXPECT_EQ(FTarget.Actions, 1);
 }
 
+TEST_F(NamedPipeThreadTest, AnswersStatusHoweverLongItIs) {
+    for (int i = 0; i < 2000; ++i)
+        FStatus.CountDone(QStringLiteral("/folder\n%1").arg(i));
+    const TNamedPipeThread thread(FFind, FStatus);
+    EXPECT_EQ(Say({}), "OK");
+    TNamedPipeClient client("morvane_watched_folders");
+    client.OpenPipe();
+    client.WritePipe("status");
+    client.WritePipe("check");
+    const QString line = client.Read(5000);
+    EXPECT_GT(line.size(), 100'000);
+    EXPECT_TRUE(line.startsWith('{') && line.endsWith('}'));
+    EXPECT_EQ(client.Read(5000), "OK");
+}
+
 TEST_F(NamedPipeThreadTest, StopsUnaskedAndTakesThePipeAway) {
     {
-        const TNamedPipeThread thread(FFind);
+        const TNamedPipeThread thread(FFind, FStatus);
         EXPECT_EQ(Say({}), "OK");
     }
     EXPECT_FALSE(QFileInfo::exists(Path("morvane_watched_folders")));
@@ -82,7 +100,7 @@ TEST_F(NamedPipeThreadTest, NobodyLeftToRefreshEndsThePipeAndNothingElse) {
     FForm = &FTarget;
     FTarget.Gone = true;
     testing::internal::CaptureStderr();
-    TNamedPipeThread thread(FFind);
+    TNamedPipeThread thread(FFind, FStatus);
     EXPECT_EQ(Say({}), "OK");
     TNamedPipeClient client("morvane_watched_folders");
     client.OpenPipe();
@@ -94,10 +112,10 @@ TEST_F(NamedPipeThreadTest, NobodyLeftToRefreshEndsThePipeAndNothingElse) {
 }
 
 TEST_F(NamedPipeThreadTest, APipeThatIsTakenEndsTheThreadWithALine) {
-    const TNamedPipeThread first(FFind);
+    const TNamedPipeThread first(FFind, FStatus);
     EXPECT_EQ(Say({}), "OK");
     testing::internal::CaptureStderr();
-    TNamedPipeThread second(FFind);
+    TNamedPipeThread second(FFind, FStatus);
     second.WaitFor();
     EXPECT_EQ(
         testing::internal::GetCapturedStderr(),

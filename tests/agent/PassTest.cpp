@@ -1,7 +1,13 @@
 // One pass: where each file ends up and what the log says, to the letter.
 #include "agent/PlayedRun.h"
+#include "agent/WorkMarks.h"
+#include "testing/DeadToken.h"
+#include "testing/Failing.h"
 
 #include <QRegularExpression>
+
+#include <csignal>
+#include <sys/stat.h>
 
 class Pass : public TPlayedRun {};
 
@@ -176,19 +182,166 @@ TEST_F(Pass, LeftoversOfADeadRunAreSwept) {
     ConfigureOne();
     for (const char* folder : {"output", "process", "Error"})
         FWorkspace.Write(string("in/") + folder + "/.morvane-abc123.part", "half");
+    const string claims = "in/process/.morvane-claim-1." + DeadToken();
+    MakePdf(FWorkspace.Write(claims + "/a.pdf", {}), 1);
     Play();
-    for (const char* folder : {"output", "process", "Error"})
-        EXPECT_TRUE(FWorkspace.Names(string("in/") + folder).isEmpty());
+    EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf") << "what it had taken is served again";
 }
 
-TEST_F(Pass, SubfolderThatCannotBeMadeEndsThePassUntilItCan) {
+TEST_F(Pass, AFolderThatCannotBeServedHoldsUpNoOther) {
     ConfigureOne();
-    FWorkspace.Write("in/output", "a file where the subfolder should be");
+    QDir().mkpath(FWorkspace.Path("broken/process"));
+    WriteFolders(Folder(FWorkspace.Path("broken"), "Rotate") + Folder(FWorkspace.Path("in"), "Rotate"));
+    MakePdf(FWorkspace.Path("broken/b.pdf"), 1);
+    const auto serve = [this](const QByteArray& linked) {
+        if (linked.isEmpty())
+            FWorkspace.Write("broken/output", "a file where the subfolder should be");
+        else
+            QFile::link(linked, FWorkspace.Path("broken/output"));
+        Drop("a.pdf");
+        Play();
+        EXPECT_TRUE(FWorkspace.Has("in/output/a.pdf") && FWorkspace.Has("broken/b.pdf")) << linked.toStdString();
+        QDir(FWorkspace.Path("in")).removeRecursively();
+        QDir().mkpath(FWorkspace.Path("in"));
+        QFile::remove(FWorkspace.Path("broken/output"));
+    };
+    serve({});
+    serve("."); // results would come in as sources
+    serve("process");
+    serve("/no/such/folder");
+    Play();
+    EXPECT_TRUE(FWorkspace.Has("broken/output/b.pdf"));
+}
+
+TEST_F(Pass, AResultThatSomebodyPutThereMeanwhileIsNeverReplaced) {
+    ConfigureOne();
     Drop("a.pdf");
+    FHint.OnHint = [this](const string& text) {
+        if (text.startsWith("Executing"))
+            FWorkspace.Write("in/output/a.pdf", "somebody's");
+    };
     Play();
-    EXPECT_EQ(Tree(), "/a.pdf /output");
-    EXPECT_EQ(FHint.Hints(), QStringList()) << "a pass that ended early leaves the hint";
-    QFile::remove(FWorkspace.Path("in/output"));
+    EXPECT_EQ(Tree(), "output/a (1).pdf output/a.pdf process/a.pdf");
+    EXPECT_EQ(FWorkspace.Read("in/output/a.pdf"), "somebody's");
+    EXPECT_TRUE(Log().contains("Saving \"" + FWorkspace.Path("in/output/a (1).pdf") + "\", SUCCESS."));
+}
+
+TEST_F(Pass, WhatIsPutInTheOutputFoldersPlaceLeadsNowhere) {
+    ConfigureOne("<OverwriteExistingFiles>true</OverwriteExistingFiles>");
+    FWorkspace.Write("elsewhere/a.pdf", "private");
+    Drop("a.pdf");
+    FHint.OnHint = [this](const string& text) {
+        if (!text.startsWith("Executing"))
+            return;
+        ::rename(FWorkspace.Path("in/output").toUtf8(), FWorkspace.Path("in/moved").toUtf8());
+        QFile::link(FWorkspace.Path("elsewhere"), FWorkspace.Path("in/output"));
+    };
     Play();
-    EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf");
+    EXPECT_EQ(FWorkspace.Read("elsewhere/a.pdf"), "private");
+    EXPECT_TRUE(FWorkspace.Has("in/moved/a.pdf") && FWorkspace.Has("in/process/a.pdf"));
+}
+
+struct TTrouble {
+    const char* Name;
+    const char* Call;
+    int Error;
+};
+
+void PrintTo(const TTrouble& trouble, std::ostream* out) {
+    *out << trouble.Name;
+}
+
+class Trouble : public TPlayedRun, public testing::WithParamInterface<TTrouble> {};
+
+/// Nothing of it is the file's fault: it waits, is told once, and goes its way when the trouble is over.
+TEST_P(Trouble, OfTheSurroundingsMakesFilesWait) {
+    ConfigureOne();
+    for (const char* name : {"a.pdf", "b.pdf", "c.pdf", "d.pdf", "e.pdf"})
+        Drop(name);
+    {
+        const TFailing failing(GetParam().Call, GetParam().Error);
+        Play(100);
+        EXPECT_GT(TFailing::Made(), 0);
+        EXPECT_LT(TFailing::Made(), 120) << "the pauses don't grow";
+    }
+    EXPECT_FALSE(Tree().contains("Error/")) << Tree().toStdString();
+    EXPECT_FALSE(Tree().contains("process/")) << Tree().toStdString();
+    EXPECT_LE(Log().count("Excution failed."), 5) << Log().toStdString();
+    EXPECT_LE(FWorkspace.Names("in/output").size(), 5) << "results grow";
+    Play(70);
+    EXPECT_EQ(Tree(), "output/a.pdf output/b.pdf output/c.pdf output/d.pdf output/e.pdf "
+                      "process/a.pdf process/b.pdf process/c.pdf process/d.pdf process/e.pdf");
+    EXPECT_LE(Log().count("Excution failed."), 5);
+    EXPECT_EQ(Log().count("Saving"), 5);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Trouble,
+    testing::Values(TTrouble{"FullOutput", "write", ENOSPC}, TTrouble{"Quota", "fsync", EDQUOT},
+                    TTrouble{"ReadOnly", "create part", EROFS},
+                    TTrouble{"TooManyOpenFiles", "open source", EMFILE},
+                    TTrouble{"FullProcess", "mkdir claims", ENOSPC}, TTrouble{"StaleClaim", "claim", ESTALE},
+                    TTrouble{"Publishing", "publish", EIO}, TTrouble{"Settling", "settle", ENOSPC},
+                    TTrouble{"SyncOfResults", "fsync folder", EIO}),
+    [](const auto& param) { return param.param.Name; });
+
+TEST_F(Pass, ASourceThatCannotBeTakenGivesNoResultAndIsNotTriedAgain) {
+    ConfigureOne();
+    Drop("a.pdf");
+    {
+        const TFailing failing("claim", EACCES);
+        Play(100);
+        EXPECT_EQ(TFailing::Made(), 1);
+        ::chmod(FWorkspace.Path("in/a.pdf").toUtf8(), 0604);
+        Play(100);
+        EXPECT_EQ(TFailing::Made(), 2) << "the file changed";
+    }
+    EXPECT_EQ(Tree(), "/a.pdf");
+    EXPECT_EQ(Log().count("Excution failed."), 2) << Log().toStdString();
+}
+
+TEST_F(Pass, RepeatedBlocksAreLeftOutWhereTheFolderWantsThat) {
+    ConfigureOne("<Policy><RepeatLines>OnChange</RepeatLines></Policy>");
+    MakePdf(FWorkspace.Path("in/secret.pdf"), 1, {.UserPassword = "open", .OwnerPassword = "owner"});
+    Play(3);
+    EXPECT_EQ(Log().count("is password protected"), 1);
+    EXPECT_EQ(Log().count("Done at"), 1);
+    Drop("a.pdf");
+    Play(3);
+    EXPECT_EQ(Log().count("Saving"), 1);
+    EXPECT_EQ(Log().count("is password protected"), 3) << "with the file, and again without";
+    EXPECT_EQ(Log().count("Started at"), 3);
+}
+
+TEST_F(Pass, AFileOverWhichRunsDiedComesLastAndTheSecondCrashIsEnough) {
+    ConfigureOne();
+    Drop("a.pdf");
+    Drop("b.pdf");
+    FState = FWorkspace.Path("state");
+    const auto dieOverA = [this](bool crash) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (crash)
+                MarkFatalSignals();
+            TWorkMarks marks(FState);
+            struct stat info {};
+            ::stat(FWorkspace.Path("in/a.pdf").toUtf8(), &info);
+            marks.Begin(FWorkspace.Path("in/a.pdf"), StateOf(info));
+            ::raise(crash ? SIGFPE : SIGKILL);
+        }
+        ::waitpid(child, nullptr, 0);
+    };
+    dieOverA(false);
+    Play();
+    EXPECT_EQ(Tree(), "output/a.pdf output/b.pdf process/a.pdf process/b.pdf");
+    EXPECT_LT(Log().indexOf("output/b.pdf"), Log().indexOf("output/a.pdf"));
+    FThread.reset();
+    if (MarksFatalSignals) {
+        Drop("a.pdf");
+        dieOverA(true);
+        dieOverA(true);
+        Play();
+        EXPECT_TRUE(FWorkspace.Has("in/Error/a.pdf"));
+        EXPECT_TRUE(Log().contains("The program failed twice while it worked on"));
+    }
 }

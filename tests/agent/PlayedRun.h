@@ -44,8 +44,8 @@ protected:
     void Start() {
         FClock.Restart();
         RegisterActionClasses();
-        FThread =
-            std::make_unique<TWatchedFoldersThread>(FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint});
+        FThread = std::make_unique<TWatchedFoldersThread>(
+            FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint, FStatus, FState}, FSettings);
     }
     void Play(int ticks = 1) {
         if (FThread == nullptr)
@@ -77,5 +77,8 @@ protected:
     TPlayedClock FClock;
     TPlainFiles FFiles;
     TNotedHint FHint;
+    TAgentStatus FStatus;
+    TRunSettings FSettings;
+    string FState; ///< folder of the notes on files at work; none by default
     std::unique_ptr<TWatchedFoldersThread> FThread;
 };

@@ -1,10 +1,14 @@
 // The tick: whose turn it is, what is loaded again, midnight, stopping.
 #include "agent/PlayedRun.h"
 #include "base/BusyFile.h"
+#include "base/FaultPoint.h"
 
 #include <QRegularExpression>
+#include <QScopeGuard>
 
+#include <cstring>
 #include <fcntl.h>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -47,94 +51,192 @@ TEST_F(Tick, ADayOfTicksMakesOneLogADay) {
     EXPECT_EQ(LogLines("2026.11.16").filter("disabled").size(), 24);
 }
 
-TEST_F(Tick, AClockSetBackKeepsTheLog) {
-    ConfigureDisabled("/a", "1");
-    Play();
-    FClock.SetNow(QDateTime(QDate(2026, 11, 14), QTime(12, 0)));
-    Play();
-    EXPECT_EQ(FWorkspace.Names("c/logs"), QStringList("2026.11.15.txt"));
+TEST_F(Tick, JumpsOfTheClockNeitherLoseNorRepeatWork) {
+    ConfigureOne();
+    const auto jumpTo = [&](const QDateTime& now, const string& name) {
+        FClock.SetNow(now);
+        Drop(name);
+        Play(2);
+    };
+    Drop("a.pdf");
+    Play(2);
+    jumpTo(QDateTime(QDate(2026, 11, 16), QTime(12, 0)), "day.pdf"); // a day forward, or a machine that slept
+    jumpTo(QDateTime(QDate(2026, 11, 16), QTime(11, 0)), "hour.pdf"); // an hour back
+    jumpTo(QDateTime(QDate(2026, 11, 14), QTime(12, 0)), "back.pdf"); // days back: the log stays
+    EXPECT_EQ(Tree(), "output/a.pdf output/back.pdf output/day.pdf output/hour.pdf "
+                      "process/a.pdf process/back.pdf process/day.pdf process/hour.pdf");
+    EXPECT_EQ(FWorkspace.Names("c/logs"), QStringList({"2026.11.15.txt", "2026.11.16.txt"}));
+    EXPECT_EQ(LogLines("2026.11.15").filter("Saving").size(), 1);
+    EXPECT_EQ(LogLines("2026.11.16").filter("Saving").size(), 3);
 }
 
-TEST_F(Tick, ChangedFileIsLoadedOnceItIsNewerAndDifferent) {
+TEST_F(Tick, TheCounterWrapsToATurnOfEveryFolder) {
+    WriteFolders("<Folder><Name>/a</Name><CheckEvery>1</CheckEvery></Folder>"
+                 "<Folder><Name>/b</Name><CheckEvery>1000000</CheckEvery></Folder>");
+    FSettings.FirstTick = std::numeric_limits<qint32>::max() - 2;
+    Play(3); // one before the wrap, the wrap, one after it
+    EXPECT_EQ(DisabledLines("/a"), 3);
+    EXPECT_EQ(DisabledLines("/b"), 1);
+}
+
+TEST_F(Tick, OldDayLogsGo) {
     ConfigureDisabled("/a", "1");
-    Touch("c/watchedfolders.xml", -100);
+    const QStringList others = {"2026.02.30.txt", "2026.11.01.txt.gz", "notes.txt"};
+    for (const string& name : QStringList({"2026.11.01.txt", "2026.11.12.txt", "2026.11.13.txt"}) + others)
+        FWorkspace.Write("c/logs/" + name, "x");
+    FSettings.KeepDays = 2;
     Play();
-    const auto change = [&](const string& name, int seconds) {
-        ConfigureDisabled(name, "1");
-        Touch("c/watchedfolders.xml", seconds);
-        FThread->FDirChanged = true;
+    EXPECT_EQ(FWorkspace.Names("c/logs"),
+              QStringList({others[0], others[1], "2026.11.13.txt", "2026.11.15.txt", others[2]}));
+    FClock.SetNow(QDateTime(QDate(2026, 11, 16), QTime(12, 0)));
+    Play();
+    EXPECT_FALSE(FWorkspace.Has("c/logs/2026.11.13.txt"));
+}
+
+TEST_F(Tick, WithoutAPlaceForTheLogTheFoldersAreServed) {
+    ConfigureOne();
+    FWorkspace.Write("c/logs", "a file");
+    Drop("a.pdf");
+    testing::internal::CaptureStderr();
+    Play(5);
+    EXPECT_EQ(QByteArray::fromStdString(testing::internal::GetCapturedStderr()).count('\n'), 1)
+        << "told once";
+    EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf");
+    QFile::remove(FWorkspace.Path("c/logs"));
+    Play();
+    EXPECT_TRUE(FWorkspace.Has("c/logs/2026.11.15.txt"));
+}
+
+// Each way in which a file becomes another, and whether anybody is told of it.
+TEST_F(Tick, AChangedFileIsLoadedHoweverItChanged) {
+    ConfigureDisabled("/a", "1");
+    WriteActions({});
+    QDir().rename(FWorkspace.Path("c/watchedfolders.xml"), FWorkspace.Path("target.xml"));
+    QFile::link(FWorkspace.Path("target.xml"), FWorkspace.Path("c/watchedfolders.xml"));
+    Play();
+    EXPECT_EQ(DisabledLines("/a"), 1) << "through a link";
+    const auto served = [&](const string& name) {
         Play();
         return DisabledLines(name);
     };
-    EXPECT_EQ(change("/older", -200), 0) << "a time that moved backwards is no change";
-    EXPECT_EQ(change("/newer", -50), 1);
-    EXPECT_TRUE(FThread->FDirChanged) << "actions.xml is absent: the flag stays up";
-    WriteActions({});
-    Play();
-    EXPECT_FALSE(FThread->FDirChanged);
-    ConfigureDisabled("/unnoticed", "1");
-    Touch("c/watchedfolders.xml", 0);
-    Play();
-    EXPECT_EQ(DisabledLines("/unnoticed"), 0) << "nobody raised the flag";
-}
-
-TEST_F(Tick, FileOpenForWritingIsLookedAtLater) {
-    ConfigureDisabled("/a", "1");
-    WriteActions({});
-    Touch("c/watchedfolders.xml", -100);
-    Play();
-    ConfigureDisabled("/b", "1");
-    const int writer = ::open(FWorkspace.Path("c/watchedfolders.xml").toUtf8(), O_WRONLY);
-    if (!HeldForWriting(FWorkspace.Path("c/watchedfolders.xml"))) {
-        ::close(writer);
-        return; // this file system can't tell
-    }
+    ConfigureDisabled("/target", "1");
+    EXPECT_EQ(served("/target"), 1);
+    ConfigureDisabled("/older", "1");
+    Touch("c/watchedfolders.xml", -200);
+    EXPECT_EQ(served("/older"), 1);
+    QFile::remove(FWorkspace.Path("c/watchedfolders.xml"));
     FThread->FDirChanged = true;
     Play();
-    EXPECT_EQ(DisabledLines("/b"), 0);
-    EXPECT_TRUE(FThread->FDirChanged);
-    ::close(writer);
-    Play();
-    EXPECT_EQ(DisabledLines("/b"), 1);
+    EXPECT_TRUE(FThread->FDirChanged) << "a missing file is looked for";
+    EXPECT_EQ(DisabledLines("/older"), 2) << "and the last version stays";
+    FWorkspace.Write("other", FWorkspace.Read("target.xml").replace("/older", "/hard"));
+    ASSERT_EQ(::link(FWorkspace.Path("other").toUtf8(), FWorkspace.Path("c/watchedfolders.xml").toUtf8()), 0);
+    EXPECT_EQ(served("/hard"), 1);
+    EXPECT_FALSE(FThread->FDirChanged);
+    FWorkspace.Write("c2/watchedfolders.xml", FWorkspace.Read("other").replace("/hard", "/replaced"));
+    QDir().rename(FWorkspace.Path("c"), FWorkspace.Path("c1"));
+    QDir().rename(FWorkspace.Path("c2"), FWorkspace.Path("c"));
+    EXPECT_EQ(served("/replaced"), 1) << "another folder has its place, which has no logs yet";
+    QFile::remove(FWorkspace.Path("c/watchedfolders.xml"));
+    FThread->FRefreshFolders = true;
+    EXPECT_EQ(served("/replaced"), 1) << "a refresh takes a missing file for an empty one";
 }
 
-TEST_F(Tick, AFileOpenForWritingAtTheStartIsReadOnceItIsClosed) {
-    WriteActions({});
-    FWorkspace.Write("c/watchedfolders.xml", "<Wat"); // half of it
-    const int writer = ::open(FWorkspace.Path("c/watchedfolders.xml").toUtf8(), O_WRONLY);
-    if (HeldForWriting(FWorkspace.Path("c/watchedfolders.xml"))) {
-        Play();
-        EXPECT_FALSE(FThread->Finished());
-    }
-    ::close(writer);
+TEST_F(Tick, AFileThatIsWrittenIsReadLaterRefreshOrNot) {
     ConfigureDisabled("/a", "1");
+    WriteActions({});
+    const QByteArray path = FWorkspace.Path("c/watchedfolders.xml").toUtf8();
+    const int first = ::open(path, O_WRONLY);
+    if (!HeldForWriting(FWorkspace.Path("c/watchedfolders.xml"))) {
+        ::close(first);
+        GTEST_SKIP() << "this file system can't tell who writes";
+    }
+    Play(2);
+    EXPECT_EQ(FStatus.Agent(), TAgentState::Waiting);
+    ::close(first);
     Play();
     EXPECT_EQ(DisabledLines("/a"), 1);
+    for (std::atomic<bool>* flag : {&FThread->FDirChanged, &FThread->FRefreshFolders}) {
+        ConfigureDisabled("/b", "1");
+        const int writer = ::open(path, O_WRONLY);
+        *flag = true;
+        Play(2);
+        EXPECT_EQ(DisabledLines("/b"), 0);
+        ::close(writer);
+        ConfigureDisabled("/a", "1");
+        Play();
+    }
+    EXPECT_EQ(DisabledLines("/a"), 7);
 }
 
-TEST_F(Tick, RefreshLoadsWhateverTheTime) {
-    ConfigureDisabled("/a", "1");
-    Play();
-    ConfigureDisabled("/b", "1");
-    Touch("c/watchedfolders.xml", -1000);
-    FThread->FRefreshFolders = true;
-    Play();
-    EXPECT_EQ(DisabledLines("/b"), 1);
-    EXPECT_FALSE(FThread->FRefreshFolders);
-}
-
-TEST_F(Tick, RefreshOfABrokenFileEndsThePassNotTheThread) {
+TEST_F(Tick, AFaultyFileLeavesTheLastGoodOneInForce) {
     ConfigureOne();
     Play();
-    FWorkspace.Write("c/watchedfolders.xml", "<Wat");
-    FThread->FRefreshFolders = true;
+    struct TFault {
+        NarrowString Folders;
+        const char* Said;
+    };
+    const TFault faults[] = {
+        {"<Wat", "line 1, column 5"},
+        {"<WatchedFolder><Folders>\n<Folder><CheckEvery>often</CheckEvery></Folder></Folders></"
+         "WatchedFolder>",
+         "line 2"},
+        {"", "watchedfolders.xml"},
+    };
+    for (const bool refresh : {false, true})
+        for (const TFault& fault : faults) {
+            FWorkspace.Write("c/watchedfolders.xml", fault.Folders);
+            FThread->FRefreshFolders = refresh;
+            Drop("a.pdf");
+            testing::internal::CaptureStderr();
+            Play(3);
+            const string said = Widen(testing::internal::GetCapturedStderr().c_str());
+            EXPECT_TRUE(said.contains(fault.Said)) << said.toStdString();
+            EXPECT_EQ(said.count('\n'), 1) << "told once";
+            EXPECT_TRUE(FStatus.ToJson().contains(fault.Said));
+            EXPECT_FALSE(FWorkspace.Has("in/a.pdf"));
+        }
+    QDir().mkpath(FWorkspace.Path("in/next"));
+    WriteFolders(Folder(FWorkspace.Path("in/next"), "Rotate"));
+    MakePdf(FWorkspace.Path("in/next/b.pdf"), 1);
+    Play();
+    EXPECT_TRUE(FWorkspace.Has("in/next/output/b.pdf")) << "the next good one, without a restart";
+    EXPECT_TRUE(FStatus.Troubles().empty());
+}
+
+TEST_F(Tick, TheFirstStartWaitsForAGoodVersion) {
+    ConfigureOne();
+    FWorkspace.Write("c/actions.xml", "<Act");
     Drop("a.pdf");
-    Play(2);
-    EXPECT_EQ(Tree(), "/a.pdf") << "the list was emptied before the file was read";
-    ConfigureOne();
-    FThread->FRefreshFolders = true;
+    Play(3);
+    EXPECT_EQ(Tree(), "/a.pdf") << "without its list the file would have no result";
+    EXPECT_EQ(FStatus.Agent(), TAgentState::Waiting);
+    EXPECT_TRUE(FStatus.Summary().contains("actions.xml"));
+    WriteActions(List("Rotate", RotateAction));
     Play();
     EXPECT_EQ(Tree(), "output/a.pdf process/a.pdf");
+    EXPECT_EQ(FStatus.Agent(), TAgentState::Serving);
+}
+
+// As with a file of another user, or on some network file systems.
+TEST_F(Tick, WhereNobodyTellsWhoWritesTheFileMustBeQuiet) {
+    SetFaultHook([](const char* call) { return std::strcmp(call, "lease") == 0 ? EACCES : 0; });
+    const auto after = qScopeGuard([] { SetFaultHook(nullptr); });
+    ConfigureDisabled("/a", "1");
+    Play();
+    EXPECT_EQ(FStatus.Agent(), TAgentState::Waiting);
+    Play(2);
+    EXPECT_EQ(FStatus.Agent(), TAgentState::Serving);
+    for (const char* half : {"<Wat", "<WatchedFolder>"}) {
+        FWorkspace.Write("c/watchedfolders.xml", half); // as by a program that saves in several writes
+        Play(2);
+    }
+    ConfigureDisabled("/b", "1");
+    Play(3);
+    EXPECT_EQ(DisabledLines("/b"), 1);
+    EXPECT_TRUE(FStatus.Troubles().empty());
+    FThread->Terminate(); // before the hook changes
+    FThread->WaitFor();
 }
 
 TEST_F(Tick, MissingFilesAreNoFailure) {
@@ -142,29 +244,32 @@ TEST_F(Tick, MissingFilesAreNoFailure) {
     EXPECT_TRUE(FWorkspace.Has("c/logs/2026.11.15.txt"));
 }
 
-TEST_F(Tick, StopBetweenActionsSavesAndKeepsTheSource) {
-    /// Stops the thread when the first action has been announced.
-    class TStoppingHint : public TTrayHint {
-    public:
-        void SetHint(const string& text) override {
-            if (text.startsWith("Executing"))
-                Thread->Terminate();
+/// Stops the run while it waits for its disk ("create part" comes before the actions, "write" behind them).
+TEST_F(Tick, AStopPublishesWhatIsDoneAndNothingElse) {
+    static TWatchedFoldersThread* stopped;
+    static const char* when;
+    for (const char* moment : {"create part", "write"}) {
+        ConfigureOne();
+        Drop("a.pdf");
+        Drop("b.pdf");
+        Start();
+        stopped = FThread.get();
+        when = moment;
+        SetFaultHook([](const char* call) {
+            if (std::strcmp(call, when) == 0)
+                stopped->Terminate();
+            return 0;
+        });
+        FClock.PlayOne();
+        FThread->WaitFor();
+        SetFaultHook(nullptr);
+        if (std::strcmp(moment, "write") != 0) {
+            EXPECT_EQ(Tree(), "/a.pdf /b.pdf") << "the sources wait for the next start";
+            EXPECT_FALSE(Log().contains("Saving"));
+        } else {
+            EXPECT_EQ(Tree(), "/b.pdf output/a.pdf process/a.pdf");
         }
-        TWatchedFoldersThread* Thread = nullptr;
-    };
-    ConfigureOne();
-    WriteActions(List("Rotate", RotateAction + RotateAction));
-    Drop("a.pdf");
-    Drop("b.pdf");
-    TStoppingHint hint;
-    RegisterActionClasses();
-    TWatchedFoldersThread thread(FWorkspace.Path("c/"), {FClock, FFiles, hint});
-    hint.Thread = &thread;
-    FClock.PlayOne();
-    thread.WaitFor();
-    EXPECT_EQ(Tree(), "/a.pdf /b.pdf output/a.pdf") << "the source waits for the next start";
-    EXPECT_TRUE(
-        RunProgram("pdfinfo", {FWorkspace.Path("in/output/a.pdf")}).Out.contains("Page rot:        90"))
-        << "one action of two ran";
-    EXPECT_FALSE(Log().contains("b.pdf"));
+        EXPECT_FALSE(Log().contains("b.pdf"));
+        FThread.reset();
+    }
 }

@@ -1,3 +1,4 @@
+#include "agent/AgentStatus.h"
 #include "agent/NamedPipeThread.h"
 #include "platform/NamedPipeServer.h"
 #include "testing/RuntimeFolder.h"
@@ -20,7 +21,7 @@ struct TResult {
 TResult RunProgram(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(30'000))
+    if (!process.waitForFinished(60'000))
         return {};
     return {process.exitCode(), process.readAllStandardOutput().toStdString(),
             process.readAllStandardError().toStdString()};
@@ -39,12 +40,18 @@ struct TTarget : TRefreshTarget {
 
 class CtlTest : public TRuntimeFolderTest {
 protected:
+    CtlTest() {
+        FStatus.SetAgent(TAgentState::Serving);
+        FStatus.SetFolders({"/in"});
+    }
     /// The pipe's thread needs a moment to bring its pipe up.
     static void WaitForAgent() {
         while (Ctl("-q check").Code != 0) {
         }
     }
     static QString Source(const char* path) { return QString(MORVANE_SOURCE) + '/' + path; }
+
+    TAgentStatus FStatus;
 };
 
 TEST_F(CtlTest, SaysWhetherTheAgentRuns) {
@@ -54,7 +61,7 @@ TEST_F(CtlTest, SaysWhetherTheAgentRuns) {
     EXPECT_EQ(without.Err, "The agent is not running.\n");
     EXPECT_EQ(Ctl("--quiet refresh actions").Code, 1);
 
-    const TNamedPipeThread agent(nullptr);
+    const TNamedPipeThread agent(nullptr, FStatus);
     WaitForAgent();
     const TResult with = Ctl("check");
     EXPECT_EQ(with.Code, 0);
@@ -63,9 +70,47 @@ TEST_F(CtlTest, SaysWhetherTheAgentRuns) {
     EXPECT_EQ(Ctl("check -q").Out, "");
 }
 
+TEST_F(CtlTest, CheckFailsWhereNothingIsServed) {
+    const TNamedPipeThread agent(nullptr, FStatus);
+    WaitForAgent();
+    const auto check = [] {
+        const TResult result = Ctl("check");
+        return std::to_string(result.Code) + ' ' + result.Out + result.Err;
+    };
+    FStatus.SetState("/out", TFolderState::Broken, "no\x1b[2Jdisk");
+    EXPECT_EQ(check(), "0 The agent is running.\n\"/out\" is broken: no?[2Jdisk\n");
+    FStatus.ConfigurationFault(TListKind::Actions, "line 7");
+    EXPECT_THAT(check(),
+                HasSubstr("0 The agent is running.\nThe last good configuration is in force: line 7\n"));
+    FStatus.SetState("/in", TFolderState::Paused, "disabled");
+    EXPECT_EQ(check(), "5 The agent runs and serves nothing: \"/out\" is broken: no?[2Jdisk\n");
+    FStatus.SetFolders({});
+    EXPECT_EQ(check(), "5 The agent runs and serves nothing: no folder is configured.\n");
+    FStatus.SetAgent(TAgentState::Ended, "A bug.");
+    EXPECT_EQ(check(), "5 The agent runs and serves nothing: A bug.\n");
+}
+
+TEST_F(CtlTest, StatusSpeaksToPeopleAndToPrograms) {
+    const TNamedPipeThread agent(nullptr, FStatus);
+    WaitForAgent();
+    FStatus.ListsLoaded(TListKind::Folders, QDateTime::currentDateTime());
+    FStatus.CountFailed("/in");
+    FStatus.SetWorking("/in", "a.pdf");
+    const TResult people = Ctl("status");
+    EXPECT_EQ(people.Code, 0);
+    EXPECT_THAT(people.Out, HasSubstr(", serving, started 20"));
+    EXPECT_THAT(people.Out, HasSubstr("watchedfolders.xml: of 20"));
+    EXPECT_THAT(people.Out, HasSubstr("actions.xml: not read yet\n"
+                                      "/in\n    working on a.pdf\n"
+                                      "    0 done, 0 done with warnings, 1 failed, 0 waiting\n"));
+    const TResult programs = Ctl("status --json");
+    EXPECT_EQ(programs.Code, 0);
+    EXPECT_THAT(programs.Out, HasSubstr(R"("state":"working")"));
+}
+
 TEST_F(CtlTest, ARefreshHasReachedTheAgentWhenTheCommandEnds) {
     TTarget target;
-    const TNamedPipeThread agent([&] { return &target; });
+    const TNamedPipeThread agent([&] { return &target; }, FStatus);
     WaitForAgent();
     EXPECT_EQ(Ctl("refresh folders").Code, 0);
     EXPECT_EQ(target.Folders, 1);
@@ -104,6 +149,7 @@ TEST_F(CtlTest, WrongUsageIsToldApart) {
         {"check -t -1", "\"-1\" is not a number of seconds up to 3600."},
         {"check -t nan", "\"nan\" is not a number of seconds up to 3600."},
         {"check --loud", "Unknown option 'loud'."},
+        {"check --json", "The command \"check\" has no JSON."},
     };
     for (const auto& c : cases) {
         const TResult result = Ctl(c.Words);
@@ -143,7 +189,7 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
         const char* Offered;
     } cases[] = {
-        {"_", "init lint check refresh"},
+        {"_", "init lint check status refresh"},
         {"re", "refresh"},
         {"refresh _", "folders actions"},
         {"-q refresh f", "folders"},
@@ -151,6 +197,7 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         {"--timeout 3 c", "check"},
         {"check _", ""},
         {"l", "lint"},
+        {"st", "status"},
         {"lint /us", "/usr"},
         {"init /usr x", ""},
         {"refresh folders _", ""},

@@ -1,13 +1,16 @@
 // Names and lists of files, the busy-file test, digests, settings.
 #include "base/BusyFile.h"
 #include "base/Exceptions.h"
+#include "base/Folder.h"
 #include "base/FolderListing.h"
 #include "base/Md5.h"
 #include "base/Paths.h"
 #include "base/Settings.h"
+#include "testing/Failing.h"
 #include "testing/Workspace.h"
 
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -66,36 +69,55 @@ protected:
         ::clock_gettime(CLOCK_REALTIME, &now);
         return qint64(now.tv_sec) * Second + now.tv_nsec;
     }
+    [[nodiscard]] bool IsReady(const char* name, qint64 now, const TQuietTime& quiet = {}) {
+        return FTest.IsReady(*FFolder, name, now, quiet);
+    }
     TWorkspace FWorkspace;
+    TFolderPtr FFolder = TFolder::Open(FWorkspace.Path());
     TBusyFileTest FTest;
 };
 
 TEST_F(BusyFile, WaitsUntilAFileIsQuiet) {
-    const string full = FWorkspace.Write("full.pdf", "x");
-    const string empty = FWorkspace.Write("empty.pdf", "");
+    FWorkspace.Write("full.pdf", "x");
+    FWorkspace.Write("empty.pdf", "");
     const qint64 now = Now();
-    EXPECT_FALSE(FTest.IsReady(full, now));
-    EXPECT_FALSE(FTest.IsReady(empty, now + 4 * Second));
-    EXPECT_TRUE(FTest.IsReady(full, now + 4 * Second));
-    EXPECT_TRUE(FTest.IsReady(empty, now + 6 * Second));
-    EXPECT_FALSE(FTest.IsReady(FWorkspace.Path("none.pdf"), now));
+    EXPECT_FALSE(IsReady("full.pdf", now));
+    EXPECT_TRUE(IsReady("full.pdf", now + 4 * Second));
+    EXPECT_FALSE(IsReady("full.pdf", now + 4 * Second, {.Leased = 10, .Unanswered = 10}));
+    EXPECT_FALSE(IsReady("empty.pdf", now + 3599 * Second)) << "a placeholder";
+    EXPECT_TRUE(IsReady("empty.pdf", now + 3601 * Second));
+    EXPECT_FALSE(IsReady("none.pdf", now));
 }
 
 TEST_F(BusyFile, WaitsForTheWriter) {
     const string path = FWorkspace.Write("a.pdf", "x");
     const int writer = ::open(path.toUtf8(), O_WRONLY);
     const bool known = HeldForWriting(path); // not every file system can tell
-    EXPECT_NE(FTest.IsReady(path, Now() + 60 * Second), known);
+    EXPECT_NE(IsReady("a.pdf", Now() + 60 * Second), known);
     ::close(writer);
     EXPECT_FALSE(HeldForWriting(path));
-    EXPECT_TRUE(FTest.IsReady(path, Now() + 60 * Second));
+    EXPECT_TRUE(IsReady("a.pdf", Now() + 60 * Second));
 }
 
 TEST_F(BusyFile, AChangeTimeInTheFutureCountsOnceItStandsStill) {
-    const string path = FWorkspace.Write("a.pdf", "x");
+    FWorkspace.Write("a.pdf", "x");
     const qint64 before = Now() - 3600 * Second; // the clock was set back after the file came
-    EXPECT_FALSE(FTest.IsReady(path, before));
-    EXPECT_TRUE(FTest.IsReady(path, before + Second));
+    EXPECT_FALSE(IsReady("a.pdf", before));
+    EXPECT_TRUE(IsReady("a.pdf", before + Second));
+}
+
+/// What file systems answer when they are asked for a lease: on some, everything is refused although nobody
+/// writes, and some files can't be asked about at all.
+TEST_F(BusyFile, WhereLeasesSayNothingTheQuietTimeDecides) {
+    FWorkspace.Write("a.pdf", "x");
+    for (const int answer : {EAGAIN, EACCES, EINVAL}) {
+        SCOPED_TRACE(std::strerror(answer));
+        const TFailing failing("lease", answer);
+        TBusyFileTest test;
+        EXPECT_FALSE(test.IsReady(*FFolder, "a.pdf", Now() + 2 * Second));
+        EXPECT_TRUE(test.IsReady(*FFolder, "a.pdf", Now() + 4 * Second));
+    }
+    EXPECT_EQ(FWorkspace.Names(), QStringList("a.pdf")) << "a probe was left";
 }
 
 TEST(Md5, OfAFile) {

@@ -138,6 +138,9 @@ TEST(CompareText, FoldsAsciiOnly) {
     EXPECT_NE(CompareText(u"Größe", u"GRÖßE"), 0);
     EXPECT_LT(CompareText(u"a", u"ab"), 0);
     EXPECT_GT(CompareText(u"b", u"A"), 0);
+    for (const auto& [a, b, same] :
+         {std::tuple(u"A", u"a", true), {u"Z", u"z", true}, {u"@", u"`", false}, {u"[", u"{", false}})
+        EXPECT_EQ(CompareText(a, b) == 0, same);
 }
 
 #include "ReflectionTest.moc"

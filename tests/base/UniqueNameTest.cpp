@@ -1,6 +1,7 @@
 // The rule for free names, its regular-expression quirks included: numbered results of years lie in users'
 // folders, and the rule must go on naming them alike.
 #include "base/UniqueName.h"
+#include "base/Paths.h"
 #include "testing/Workspace.h"
 
 struct TNameCase {
@@ -57,4 +58,24 @@ TEST(UniqueName, WhateverHasTheNameTakesIt) {
     QFile::link("/nowhere/at/all", workspace.Path("link.pdf"));
     EXPECT_EQ(UniqueFileName(workspace.Path("folder.pdf")), workspace.Path("folder (1).pdf"));
     EXPECT_EQ(UniqueFileName(workspace.Path("link.pdf")), workspace.Path("link (1).pdf"));
+}
+
+TEST(UniqueName, NamesThatGrowTooLongLoseWholeCharacters) {
+    const TWorkspace workspace;
+    const string pair = QStringLiteral("😀");                             // four bytes, two code units
+    const string name = string(239, u'n') + pair + pair + pair + ".pdf"; // 255 bytes
+    const string folder = workspace.Path();
+    for (const string& expected : {name, string(238, u'n') + " (1).pdf", string(238, u'n') + " (2).pdf"}) {
+        const string answer = UniqueFileName(folder + name);
+        EXPECT_EQ(answer, folder + expected);
+        workspace.Write(answer.mid(folder.size()), "x");
+    }
+    // A name with brackets, for which the rule gives the same answers again and again.
+    string answer = folder + "(b).pdf";
+    for (int i = 0; i < 80; ++i) {
+        workspace.Write(answer.mid(folder.size()), "x");
+        while (NameTaken(answer))
+            answer = UniqueFileName(answer);
+    }
+    EXPECT_EQ(workspace.Names().size(), 3 + 80);
 }

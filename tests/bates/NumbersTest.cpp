@@ -104,12 +104,12 @@ TEST(BatesNumbers, NumbersGoOnButForTheFirstOfTheOldList) {
 
     TZQPDFBatesDictionary store;
     store.BatesStrl = {"<BN:0:6:3:1>=8", "<BN:0:6:1:0>=8", "none"};
-    NumberList::Advance(store.BatesStrl);
+    NumberList::Advance(store.BatesStrl, 1);
     EXPECT_EQ(store.BatesStrl, QStringList({"<BN:0:6:3:1>=10", "<BN:0:6:1:0>=9", "none"}));
     store.SetStartToCurNum();
     EXPECT_EQ(store.BatesStrl, QStringList({"<BN:0:6:3:1>=3", "<BN:0:6:1:0>=1", "none"}));
     QStringList last = {"<BN:0:6:1:1>=2147483646"};
-    EXPECT_THROW(NumberList::Advance(last), Exception);
+    EXPECT_THROW(NumberList::Advance(last, 1), Exception);
 }
 
 TEST(BatesNumbers, ThePreviewShowsStartsAndUpperCaseRomanFollowsTheLineBefore) {

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <clocale>
+#include <sys/stat.h>
 
 namespace {
 
@@ -211,8 +212,16 @@ TEST_F(SchemeFile, WhatIsNoSchemeFileIsToldAndStaysAsItIs) {
     EXPECT_THROW(store.Prepare(FFolder.Path()), EFileError); // a folder
     Give("<batestamp id='a'/>");
     store.Prepare(Path());
-    EXPECT_THROW(store.Prepare("/dev/zero"), EFileError);
+    const string pipe = FFolder.Path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    EXPECT_THROW(store.Prepare(pipe), EFileError);
     EXPECT_FALSE(store.GetIsPrepared());
+    QFile::remove(Path());
+    store.Prepare(Path());
+    QFile::rename(pipe, Path()); // in the place of a file that was still to be made
+    EXPECT_THROW(store.SaveCurrSchemeToName("a"), EFileError);
+    EXPECT_TRUE(QFileInfo::exists(Path()) && !QFileInfo(Path()).isFile());
+    EXPECT_EQ(FFolder.Names(), QStringList()); // no lock was made beside it
 }
 
 TEST_F(SchemeFile, AFailedWriteLeavesTheOldFileAndIsNotThrownByTheDestructor) {
@@ -227,7 +236,7 @@ TEST_F(SchemeFile, AFailedWriteLeavesTheOldFileAndIsNotThrownByTheDestructor) {
     EXPECT_NE(testing::internal::GetCapturedStderr().find("schemes.xml"), std::string::npos);
     SetFaultHook(nullptr);
     EXPECT_EQ(Text(), before);
-    EXPECT_EQ(FFolder.Names(), QStringList("schemes.xml"));
+    EXPECT_EQ(FFolder.Names(), QStringList({".schemes.xml.lock", "schemes.xml"}));
 
     Load("a");
     Store().CurrScheme.FooterLeft = QStringLiteral("a\u0001b");

@@ -1,13 +1,20 @@
 // Stamped pages as another program reads them.
 #include "base/Exceptions.h"
+#include "base/FaultPoint.h"
 #include "bates/BatesDictionary.h"
 #include "engine/GlobalDocument.h"
 #include "engine/PdfJudges.h"
 #include "engine/layers/LayerText.h"
 #include "engine/layers/XObjectGroup.h"
+#include "platform/FileLock.h"
+#include "platform/StopSignal.h"
 
 #include <QRectF>
 #include <QRegularExpression>
+#include <QSet>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -36,6 +43,13 @@ protected:
         FDocument.SaveToPath(path, /*keepSource=*/true, /*takeName=*/false);
         EXPECT_EQ(QpdfCheck(path), 0);
         return path;
+    }
+    /// As content that is placed on the page does: from here on its size is on record.
+    void BuildLayers() {
+        TZQPDFPage& page = FDocument.Pages().getItem(0);
+        page.SetWidth(page.GetWidth());
+        page.SetHeight(page.GetHeight());
+        page.SetRendered(true);
     }
     /// What stands on each page beside its own "Page n", after stamping the range.
     QStringList Stamped(const string& range) {
@@ -69,6 +83,8 @@ TEST_F(Stamp, StandsInTheMarginsOfThePageAsDisplayed) {
         QByteArray Entries;
         Double Width; // as displayed
         Double Height;
+        int Turned = 0; // after the page's layers were built
+        TPDFMargins Cut = {};
     } pages[] = {
         {"", 595, 842},
         {"/Rotate 90", 842, 595},
@@ -77,10 +93,18 @@ TEST_F(Stamp, StandsInTheMarginsOfThePageAsDisplayed) {
         {"/CropBox[100 120 500 720]", 400, 600},
         {"/CropBox[100 120 500 720]/Rotate 90", 600, 400},
         {"/CropBox[500 720 100 120]/Rotate -90", 600, 400},
+        {"", 842, 595, 90},
+        {"/Rotate 270", 595, 842, 90},
+        {"", 400, 642, 0, TPDFMargins::Create(150, 95, 100, 50)},
+        {"/CropBox[100 120 500 720]/Rotate 90", 400, 500, 90, TPDFMargins::Create(50, 0, 0, 50)},
     };
     for (const auto& page : pages) {
         SCOPED_TRACE(page.Entries.toStdString());
         Open(1, {.PageEntries = page.Entries});
+        BuildLayers();
+        FDocument.RotatePages({}, page.Turned);
+        TPDFMargins cut = page.Cut;
+        FDocument.CropPages({}, cut);
         FStore.ApplySchemeToDocument(FDocument, {});
         auto words = WordsOf(Save());
         ASSERT_EQ(words.size(), 6 + 2); // and the page's own
@@ -160,16 +184,151 @@ TEST_F(Stamp, EveryPageGetsItsGroupOfSixTexts) {
     EXPECT_EQ(PageTexts(Save()), QStringList({"Page 1\n\nf", "Page 2\n\nf", "Page 3\n\nf"})); // drawn once
 }
 
-TEST_F(Stamp, AFailureLeavesWhatWasStampedAndTheFile) {
-    Open(3);
-    FStore.Prepare(FFolder.Path("schemes.xml"));
-    FStore.CurrScheme.HeaderLeft = "<BN:0:1:1:0>";
-    FStore.CurrScheme.BatesNumbers = "kept";
-    FStore.BatesStrl = QStringList("<BN:0:1:1:0>=2147483646");
-    EXPECT_THROW(FStore.ApplySchemeToDocument(FDocument, {}), Exception);
-    EXPECT_EQ(FDocument.XObjects().Count(), 1);
-    EXPECT_EQ(FStore.CurrScheme.BatesNumbers, "kept");
-    EXPECT_FALSE(FFolder.Has("schemes.xml"));
-    EXPECT_EQ(GlobalDocument, &FDocument);
-    EXPECT_THROW(FStore.ApplySchemeToDocument(FDocument, "no range"), Exception);
+TEST_F(Stamp, AFailureLeavesTheFileAndIsMetBeforeTheFirstPage) {
+    static std::pair<const char*, int> fault;
+    const struct {
+        const char* Call; // that fails
+        int Error;
+        string Line;
+        int Stamped;
+    } cases[] = {
+        {"none", 0, "<BN:0:1:1:0>=2147483645", 0}, // the third page has no next number
+        {"create part", EROFS, "<BN:0:1:1:0>=1", 0}, {"write", ENOSPC, "<BN:0:1:1:0>=1", 0},
+        {"fsync", EIO, "<BN:0:1:1:0>=1", 0},         {"flock", ENOLCK, "<BN:0:1:1:0>=1", 0},
+        {"rename", EIO, "<BN:0:1:1:0>=1", 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Call);
+        Open(3);
+        QFile::remove(FFolder.Path("schemes.xml"));
+        TZQPDFBatesDictionary store;
+        store.Prepare(FFolder.Path("schemes.xml"));
+        store.CurrScheme.BatesNumbers = "kept";
+        store.BatesStrl = QStringList(c.Line);
+        fault = {c.Call, c.Error};
+        SetFaultHook([](const char* call) { return qstrcmp(call, fault.first) == 0 ? fault.second : 0; });
+        EXPECT_THROW(store.ApplySchemeToDocument(FDocument, {}), Exception);
+        SetFaultHook(nullptr);
+        EXPECT_EQ(FDocument.XObjects().Count(), c.Stamped);
+        EXPECT_EQ(store.BatesStrl, QStringList(c.Line));
+        EXPECT_EQ(store.CurrScheme.BatesNumbers, "kept");
+        EXPECT_FALSE(FFolder.Has("schemes.xml"));
+        EXPECT_EQ(GlobalDocument, &FDocument);
+        EXPECT_THROW(store.ApplySchemeToDocument(FDocument, "no range"), Exception);
+    }
+}
+
+/// Two stores on one file, as two scripts have them, each with a number in the first place and one behind it.
+class SharedNumbers : public Stamp {
+protected:
+    SharedNumbers() {
+        for (TZQPDFBatesDictionary* store : {&A, &B})
+            store->Prepare(FFolder.Path("schemes.xml"));
+    }
+    /// What each script begins with.
+    static void Take(TZQPDFBatesDictionary& store) {
+        store.GetSchemeByName("Case");
+        if (!store.GetIsValid()) {
+            store.CurrScheme.Name = "Case";
+            store.CurrScheme.HeaderLeft = "<BN:0:1:1:0>/<BN:0:1:7:0>";
+        }
+        store.ContinueNumbers();
+    }
+    string Stamp(TZQPDFBatesDictionary& store) {
+        Open(2);
+        store.ApplySchemeToDocument(FDocument, {});
+        return PageTexts(Save()).join(u' ').remove(QRegularExpression("Page \\d+")).simplified();
+    }
+    /// The stored numbers, as a third one finds them.
+    [[nodiscard]] string Stored() const {
+        TZQPDFBatesDictionary store;
+        store.Prepare(FFolder.Path("schemes.xml"));
+        store.GetSchemeByName("Case");
+        return store.CurrScheme.BatesNumbers;
+    }
+    TZQPDFBatesDictionary A;
+    TZQPDFBatesDictionary B;
+};
+
+TEST_F(SharedNumbers, AreTakenAsTheFileHasThemThen) {
+    Take(A);
+    Take(B); // neither finds the scheme
+    EXPECT_EQ(Stamp(A), "1/7 2/8");
+    EXPECT_EQ(Stamp(B), "3/9 4/10");
+    EXPECT_EQ(Stamp(A), "5/11 6/12");
+    EXPECT_EQ(Stamp(A), "7/13 8/14");
+    B.BatesStrl[0] = "<BN:0:1:1:0>=50"; // what is set stays
+    EXPECT_EQ(Stamp(B), "50/15 51/16");
+    A.GetSchemeByName("Case"); // the first begins anew with a load
+    EXPECT_EQ(Stamp(A), "1/17 2/18");
+    EXPECT_EQ(Stored(), "<BN:0:1:1:0>=3,<BN:0:1:7:0>=19");
+}
+
+TEST_F(SharedNumbers, AreNotPutBackByAStoreThatDoesSomethingElse) {
+    Take(A);
+    Stamp(A);
+    auto late = std::make_unique<TZQPDFBatesDictionary>();
+    late->Prepare(FFolder.Path("schemes.xml"));
+    Take(*late);
+    Stamp(A);
+    const string after = "<BN:0:1:1:0>=5,<BN:0:1:7:0>=11";
+    late->DeleteScheme("Other");
+    EXPECT_EQ(Stored(), after);
+    late->CurrScheme.FontSize = 8;
+    late->SaveCurrSchemeToName("Case");
+    EXPECT_EQ(Stored(), after);
+    EXPECT_EQ(Stamp(*late), "5/11 6/12");
+    Stamp(A);
+    late.reset();
+    EXPECT_EQ(Stored(), "<BN:0:1:1:0>=9,<BN:0:1:7:0>=15");
+    A.CurrScheme.BatesNumbers = "<BN:0:1:1:0>=2"; // set, not read
+    A.SaveCurrSchemeToName("Case");
+    EXPECT_EQ(Stored(), "<BN:0:1:1:0>=2");
+}
+
+TEST_F(SharedNumbers, WaitForTheFilesLockUntilAStop) {
+    Take(A);
+    Open(1);
+    {
+        const auto held = TFileLock::Try(FFolder.Path(".schemes.xml.lock"), TLockUsers::All);
+        StopSignal().Raise();
+        EXPECT_THROW(A.ApplySchemeToDocument(FDocument, {}), Exception);
+        StopSignal().Lower();
+        EXPECT_EQ(FDocument.XObjects().Count(), 0);
+        EXPECT_FALSE(FFolder.Has("schemes.xml"));
+    }
+    EXPECT_EQ(Stamp(A), "1/7 2/8");
+}
+
+TEST_F(SharedNumbers, OfTwoProcessesAreAllDifferent) {
+    constexpr int Documents = 10;
+    std::vector<pid_t> children;
+    for (const char* name : {"first", "second"}) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            QFile given(FFolder.Path(name));
+            bool done = given.open(QIODevice::WriteOnly);
+            for (int i = 0; i < Documents && done; ++i) {
+                TZQPDFBatesDictionary store;
+                store.Prepare(FFolder.Path("schemes.xml"));
+                Take(store);
+                TZQPDFDocument document(nullptr);
+                done = document.GetPageCount() == 1;
+                store.ApplySchemeToDocument(document, {});
+                given.write(Narrow(store.BatesStrl.value(0) + u'\n'));
+            }
+            given.close();
+            ::_exit(done ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    const QByteArrayList given = (FFolder.Read("first") + FFolder.Read("second")).trimmed().split('\n');
+    EXPECT_EQ(given.size(), 2 * Documents);
+    EXPECT_EQ(QSet<QByteArray>(given.begin(), given.end()).size(), 2 * Documents);
+    EXPECT_EQ(Stored(), "<BN:0:1:1:0>=21,<BN:0:1:7:0>=27");
 }

@@ -209,10 +209,10 @@ TEST_F(DesktopAgentTest, AnExitInsideTheEventLoopEndsTheRunBeforeWhatItUses) {
 
 TEST_F(DesktopAgentTest, TheDesktopLivesOnWhileAStopWaitsForTheRun) {
     // The run's work takes until the desktop has had its turn.
-    struct TLongWork : TFolderFiles {
-        QStringList ReadyFiles(const string&, qint64) override {
+    struct TLongWork : TPlainFiles {
+        QStringList ReadyFiles(const TFolder&, qint64, const TQuietTime&) override {
             Begun.set_value();
-            DesktopTurn = Turn.get_future().wait_for(std::chrono::seconds(30));
+            DesktopTurn = Turn.get_future().wait_for(std::chrono::minutes(1));
             return {};
         }
         std::promise<void> Begun, Turn;

@@ -132,7 +132,7 @@ TEST_F(FileDialogTest, AnswersWithWhatWasTypedUntilTheEnd) {
     const TWorkspace files;
     TFileDialog asked{"Scripts (*.js)", ".js", /*FileMustExist=*/false, files.Write("a.js", "a")};
     OnShown<QFileDialog>([&](QFileDialog& dialog) {
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, RealInput::Patience));
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
         name->setFocus();
         name->selectAll();

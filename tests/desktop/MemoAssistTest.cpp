@@ -38,7 +38,7 @@ protected:
     [[nodiscard]] bool HintShows() { return Hint() != nullptr && Hint()->isVisible(); }
     void TypeAndOpen(const char* text = "Document.") {
         Type(text);
-        ASSERT_TRUE(QTest::qWaitFor([this] { return Open(); }));
+        ASSERT_TRUE(RealInput::Await([this] { return Open(); }));
     }
     [[nodiscard]] std::string Line() { return Memo().LineText(Memo().Caret().Y()).toStdString(); }
     [[nodiscard]] QRect CaretOnScreen() {
@@ -106,11 +106,11 @@ TEST_F(MemoAssistTest, TheListNeitherTakesTheKeyboardNorOutlivesIt) {
     Memo().SetText("\n");
     TypeAndOpen();
     FWidget->move(FWidget->pos() + QPoint(10, 10));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Closed(); }));
+    EXPECT_TRUE(RealInput::Await([this] { return Closed(); }));
     Memo().SetText(QString(100, '\n'));
     TypeAndOpen();
     FWidget->verticalScrollBar()->setValue(10);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Closed(); }));
+    EXPECT_TRUE(RealInput::Await([this] { return Closed(); }));
     Memo().SetText("\n");
     TypeAndOpen();
     QTest::mouseClick(FWidget->viewport(), Qt::LeftButton, {}, QPoint(200, 200));
@@ -177,9 +177,9 @@ TEST_F(MemoAssistTest, TheHintGoesFromParameterToParameter) {
     EXPECT_EQ(Hint()->Shown().part2, "fileName: string");
     const int left = Hint()->x();
     Type("a,");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Hint()->Shown().part2 == " how: Integer"; }));
+    EXPECT_TRUE(RealInput::Await([this] { return Hint()->Shown().part2 == " how: Integer"; }));
     Type(" 2,");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Hint()->Shown().part2 == " why: string"; }));
+    EXPECT_TRUE(RealInput::Await([this] { return Hint()->Shown().part2 == " why: string"; }));
     EXPECT_EQ(Hint()->x(), left);
     Key(Qt::Key_Escape);
     EXPECT_FALSE(HintShows());
@@ -187,14 +187,14 @@ TEST_F(MemoAssistTest, TheHintGoesFromParameterToParameter) {
     EXPECT_TRUE(HintShows());
     EXPECT_EQ(Hint()->Shown().part2, " why: string");
     Key(Qt::Key_End); // behind the bracket
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !HintShows(); }));
+    EXPECT_TRUE(RealInput::Await([this] { return !HintShows(); }));
 }
 
 TEST_F(MemoAssistTest, TheHintComesAfterARestWhileTheEditorHasTheFocus) {
     Completion().FAutoCompletion.Active = false;
     Completion().Hint().FAutoHintParameterDelay = 1;
     Type("SaveAs(");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return HintShows(); }));
+    EXPECT_TRUE(RealInput::Await([this] { return HintShows(); }));
     FWidget->clearFocus();
     EXPECT_FALSE(HintShows());
 }

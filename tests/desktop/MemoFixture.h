@@ -18,7 +18,7 @@ protected:
         FWidget->show();
         FWidget->activateWindow();
         FWidget->setFocus();
-        (void)QTest::qWaitForWindowActive(FWidget.get());
+        (void)QTest::qWaitForWindowActive(FWidget.get(), RealInput::Patience);
     }
 
     /// Lines between line feeds; the bar is the caret, an arrow up the other end of the selection.

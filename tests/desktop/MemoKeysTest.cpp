@@ -170,7 +170,7 @@ TEST_F(MemoKeysTest, NoKeyPressesADialogsButtons) {
     dialog.show();
     dialog.activateWindow();
     memo->setFocus();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, RealInput::Patience));
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Tab}) {
         QTest::keyClick(memo, key);
         EXPECT_TRUE(dialog.isVisible() && memo->hasFocus()) << key;

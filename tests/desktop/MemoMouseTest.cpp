@@ -154,10 +154,10 @@ TEST_F(MemoMouseTest, ADragBeyondTheEdgesScrolls) {
     Press(At(2, 0));
     const QPoint below(At(2, 0).x(), Viewport()->height() + 40);
     MoveTo(below);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return Memo().Scroll().TopLine() > 10; }));
+    ASSERT_TRUE(RealInput::Await([this] { return Memo().Scroll().TopLine() > 10; }));
     const QPoint right(Viewport()->width() + 5, At(0, Memo().Scroll().TopLine()).y());
     MoveTo(right);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return Memo().Scroll().LeftCol() > 3; }));
+    ASSERT_TRUE(RealInput::Await([this] { return Memo().Scroll().LeftCol() > 3; }));
     Release(right);
     const int top = Memo().Scroll().TopLine();
     EXPECT_EQ(Memo().Selection().Range().StartX, 2);
@@ -294,7 +294,7 @@ TEST_F(MemoMouseTest, TheDropCaretFollowsAndScrolls) {
     EXPECT_EQ(Viewport()->grab().toImage(), before);
     QApplication::sendEvent(Viewport(), &enter);
     move({At(3, 2).x(), Viewport()->height() - 2});
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Memo().Scroll().TopLine() > 2; }));
+    EXPECT_TRUE(RealInput::Await([this] { return Memo().Scroll().TopLine() > 2; }));
     EXPECT_EQ(Memo().Caret().Y(), 0);
 }
 

@@ -29,7 +29,7 @@ protected:
         FDialog.show();
         FDialog.activateWindow();
         Pane().Editor().setFocus();
-        (void)QTest::qWaitForWindowActive(&FDialog);
+        (void)QTest::qWaitForWindowActive(&FDialog, RealInput::Patience);
     }
     ~MemoPaneTest() override { delete FPane; }
 

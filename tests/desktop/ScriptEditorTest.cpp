@@ -23,7 +23,7 @@ public:
     explicit TOpenEditor(TfrmJavaScriptEditor& form) : FForm(form) {
         Editor().activateWindow();
         Editor().setFocus();
-        (void)QTest::qWaitForWindowActive(&form);
+        (void)QTest::qWaitForWindowActive(&form, RealInput::Patience);
     }
     [[nodiscard]] TMemoWidget& Editor() { return *FForm.findChild<TMemoWidget*>(); }
     [[nodiscard]] TMemoCompletion& Completion() { return Editor().Completion(); }
@@ -55,7 +55,7 @@ public:
     }
     /// Until the list that opens by itself is there.
     void AwaitList() {
-        ASSERT_TRUE(QTest::qWaitFor([this] { return Completion().IsOpen(); }));
+        ASSERT_TRUE(RealInput::Await([this] { return Completion().IsOpen(); }));
     }
 
 private:

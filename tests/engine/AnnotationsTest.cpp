@@ -6,6 +6,7 @@
 #include "engine/annotations/LinkAnnotation.h"
 #include "engine/annotations/StampAnnotation.h"
 #include "engine/annotations/TextAnnotation.h"
+#include "engine/annotations/TextWrap.h"
 #include "engine/editor/Editor.h"
 
 #include <QRegularExpression>
@@ -43,7 +44,7 @@ struct Annotations : TDocumentTest {
         box->RichText()->SetText("Free text, wide enough to wrap");
         box->SetColor(Yellow);
         TZQPDFLinkAnnotation::CreateURI(Document, Layers(), 150, 30, 100, 10,
-                                        "https://example.org/a b?\xC3\xBC");
+                                        "https://example.org/a b?\xC3\xBC~\x7F");
     }
 
     /// The first page as we paint it ourselves.
@@ -149,7 +150,7 @@ TEST_F(Annotations, CarryWhatViewersAskFor) {
     EXPECT_EQ(all.value("/Text").value("/C").toArray(), QJsonArray({1, 0, 0}));
     EXPECT_EQ(all.value("/Stamp").value("/Subj").toString(), "u:By me");
     EXPECT_EQ(all.value("/Link").value("/A").toObject().value("/URI").toString(),
-              "u:https://example.org/a%20b?%C3%BC");
+              "u:https://example.org/a%20b?%C3%BC~%7F");
     EXPECT_EQ(all.value("/Link").value("/Rect").toArray(), QJsonArray({110, 190, 160, 210}));
 
     const QJsonObject objects = PdfObjects(Out);
@@ -223,6 +224,12 @@ TEST_F(Annotations, FreeTextWrapsInItsBox) {
     EXPECT_EQ(lines.size(), 6) << lines.join('|').toStdString();
     EXPECT_EQ(lines.value(5), "Next");
     EXPECT_EQ(lines.join("").remove(' '), QString(text).remove(' ').remove('\n'));
+
+    // A box that is too narrow for any of them has a letter on each line.
+    const auto letters = WrapText(QStringLiteral("a\u0301bc d"), {}, 1, 1000);
+    ASSERT_EQ(letters.size(), 4U);
+    EXPECT_EQ(letters[0].Text, QStringLiteral("a\u0301"));
+    EXPECT_EQ(letters[2].Text, "c");
 
     box->SetHeight(30); // too low: the text is cut where it is seen, and kept
     box->SetColor(Yellow);

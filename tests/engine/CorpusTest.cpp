@@ -91,14 +91,18 @@ TEST_F(TCorpus, WhatIsNoPdfOrBeyondRepairIsRefusedWithAReason) {
 }
 
 TEST_F(TCorpus, SignaturesAreCounted) {
-    const string folder = QStringLiteral(CORPUS_FOLDER "/signed/");
-    for (const QString& name : QDir(folder).entryList({"*.pdf"}, QDir::Files)) {
+    int found = 0;
+    for (const TCorpusFile& file : CorpusFiles({"ok", "damaged-recoverable"})) {
+        if (!file.Name.contains("signed"))
+            continue;
         TZQPDFDocument document(nullptr);
-        document.OpenFromFile(folder + name, {});
+        document.OpenFromFile(file.Path, {});
         const QByteArray judged =
-            RunProgram(QStringLiteral("pdfsig"), {QStringLiteral("-nocert"), folder + name}).Out;
-        EXPECT_EQ(document.GetSignaturesCount(), judged.count("Signature #")) << name.toStdString();
+            RunProgram(QStringLiteral("pdfsig"), {QStringLiteral("-nocert"), file.Path}).Out;
+        EXPECT_EQ(document.GetSignaturesCount(), judged.count("Signature #")) << file.Path.toStdString();
+        found += document.GetSignaturesCount();
     }
+    EXPECT_GT(found, 0);
 }
 
 } // namespace

@@ -232,7 +232,7 @@ TEST(TextShaper, EachCharacterHasItsPlace) {
 
 TEST_F(TFontsCase, OddTextIsShownAsFarAsItCanBe) {
     const auto width = [](const string& text) { return ShapeLine(text, {{}, 0, Size}).Width; };
-    EXPECT_DOUBLE_EQ(width(u"a"_s + QChar(u'\0') + u"b\u0085\u2028"_s), width(u"ab"_s));
+    EXPECT_DOUBLE_EQ(width(u"a"_s + QChar(u'\0') + u"b\u007F\u0085\u2028"_s), width(u"ab"_s));
     EXPECT_NEAR(width(u"\t"_s), width(u"    "_s), 1e-6);
     for (const string& text :
          {u"x"_s.repeated(100'000), u"é ש ن 世 "_s.repeated(3'000), u"e"_s + u"\u0301"_s.repeated(2'000),
@@ -318,7 +318,7 @@ TEST(FontFace, FindsTheFacesOfACollection) {
         EXPECT_EQ(FactsOf(*face).PostScriptName, i == 0 ? "LiberationSans" : "DejaVuSans");
         const auto alone = TFontFace::Get({files.Write(u"%1.ttf"_s.arg(i), fonts[i]).toUtf8()});
         const std::vector<quint32> glyphs = {face->GlyphOf(U'A'), face->GlyphOf(U'é')};
-        EXPECT_EQ(SubsetProgram(*face, glyphs), SubsetProgram(*alone, glyphs));
+        EXPECT_EQ(SubsetProgram(*face, glyphs).Program, SubsetProgram(*alone, glyphs).Program);
     }
 }
 

@@ -307,6 +307,18 @@ QPDFObjectHandle ImageOf(QPDFObjectHandle page) {
     return page.getKey("/Resources").getKey("/XObject").getKey("/X0").getDict();
 }
 
+TEST(Images, ANewerProfileNeedsANewerPdf) {
+    const TWorkspace files;
+    const string path = files.Path(QStringLiteral("out.pdf"));
+    for (const auto& [version, header] : {std::pair("\2", "%PDF-1.3"), {"\4", "%PDF-1.5"}}) {
+        const QByteArray profile = ProfileOf("RGB ").replace(8, 1, version);
+        const QByteArray png =
+            WithChunk(PngOf(Blocks(8, Colors)), "iCCP", QByteArray("n\0\0", 3) + qCompress(profile).mid(4));
+        MakePages(path, {{TImageFile::Load(files.Write(QStringLiteral("%1.png").arg(*version), png))}});
+        EXPECT_EQ(files.Read(QStringLiteral("out.pdf")).left(8), header);
+    }
+}
+
 TEST(Images, ColoursStayWhatTheFileSaysTheyAre) {
     const TWorkspace files;
     const QByteArray rgb = ProfileOf("RGB "), grey = ProfileOf("GRAY"), cmyk = ProfileOf("CMYK");

@@ -40,7 +40,14 @@ INSTANTIATE_TEST_SUITE_P(
                     TRangeCase{"9-4", 5, "5 4"}, TRangeCase{"7-9", 5, ""}, TRangeCase{"0", 5, ""},
                     TRangeCase{"0-2", 5, "1 2"}, TRangeCase{"99999999999999999999", 5, ""},
                     TRangeCase{"2147483647-2147483648", 5, ""}, TRangeCase{"2-99999999999", 3, "2 3"},
-                    TRangeCase{"all odd", 0, ""}));
+                    TRangeCase{"all odd", 0, ""},
+                    // To the end from behind it is nothing, however it is written; numbers count down.
+                    TRangeCase{"2-last", 1, ""}, TRangeCase{"2-[numpages]", 1, ""}, TRangeCase{"2-", 1, ""},
+                    TRangeCase{"2 - last, 1", 1, "1"}, TRangeCase{"2-last", 2, "2"},
+                    TRangeCase{"3-last", 2, ""}, TRangeCase{"last-last", 1, "1"}, TRangeCase{"5-2", 1, ""},
+                    TRangeCase{"5-2", 2, "2"}, TRangeCase{"2-5", 1, ""}, TRangeCase{"2-5", 2, "2"},
+                    TRangeCase{"1-3, 5, last", 1, "1 1"}, TRangeCase{"1-3, 5, last", 2, "1 2 2"},
+                    TRangeCase{"last-1", 2, "2 1"}, TRangeCase{"even", 1, ""}));
 
 class TBadPageRanges : public testing::TestWithParam<const char*> {};
 

@@ -101,7 +101,7 @@ TEST_F(TCorpus, AddingTextKeepsEverythingElse) {
             EXPECT_EQ(before[part], after[part]) << part.toStdString();
         ++compared;
     }
-    EXPECT_GT(compared, 40);
+    EXPECT_GT(compared, HasCorpus() ? 40 : 2);
 }
 
 TEST(TPreservation, OnePageOfManyTakesItsOwnPictureOnly) {

@@ -1,6 +1,6 @@
 // Saving: what is kept, what is renewed, where it goes.
 #include "engine/DocumentFixture.h"
-#include "engine/EmbeddedFiles.h"
+#include "engine/PdfSamples.h"
 
 #include <sys/stat.h>
 
@@ -14,13 +14,6 @@ QByteArray WithMetadata(const QByteArray& metadata, const QByteArray& info = "<<
                   "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 99 99] >>",
                   StreamOf(metadata, "/Type /Metadata /Subtype /XML"), info},
                  "/Info 5 0 R");
-}
-
-QByteArray Packet(const QByteArray& properties) {
-    return "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n"
-           "<x:xmpmeta xmlns:x=\"adobe:ns:meta/\"><rdf:RDF "
-           "xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">" +
-           properties + "</rdf:RDF></x:xmpmeta>\n<?xpacket end=\"w\"?>" + QByteArray(100, ' ');
 }
 
 TEST_F(TSaveCase, InformationIsWrittenInAnyScriptAndDatesAreRenewed) {
@@ -73,7 +66,7 @@ TEST_F(TSaveCase, XmpIsKeptInStepAndEverythingElseInIt) {
     const QByteArray attributes =
         "<rdf:Description rdf:about=\"\" xmlns:pdf=\"http://ns.adobe.com/pdf/1.3/\" pdf:Keywords=\"old\" "
         "xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\" xmp:ModifyDate=\"2001-01-01T00:00:00Z\"/>";
-    Open(WithMetadata(Packet(titleElement + attributes)));
+    Open(WithMetadata(XmpPacket(titleElement + attributes)));
     Document.SetInfoString("Title", QStringLiteral("New <&> Ω"), false);
     Document.SetInfoString("Keywords", QStringLiteral("a, b"), false);
     Document.SetInfoString("Author", QStringLiteral("Me"), false);
@@ -101,7 +94,7 @@ TEST_F(TSaveCase, XmpThatCannotBeReadIsLeftAlone) {
         Document.SetInfoString("Title", QStringLiteral("New"), false);
         Save();
         EXPECT_TRUE(Files.Read(QStringLiteral("out.pdf")).contains(broken)) << broken.toStdString();
-        EXPECT_FALSE(Document.Warnings().filter(QStringLiteral("XMP")).isEmpty());
+        EXPECT_TRUE(Document.Warnings().Has(TWarningKind::MetadataUnreadable));
         EXPECT_EQ(PdfInfo(Out, QStringLiteral("Title")), "New");
     }
 }
@@ -109,7 +102,7 @@ TEST_F(TSaveCase, XmpThatCannotBeReadIsLeftAlone) {
 TEST_F(TSaveCase, XmpCanBeSetAndRemoved) {
     Open(SamplePdf(1));
     EXPECT_EQ(Document.GetXMLMetaData(), "");
-    Document.SetXMLMetaData(Packet("<rdf:Description rdf:about=\"\"/>"));
+    Document.SetXMLMetaData(XmpPacket("<rdf:Description rdf:about=\"\"/>"));
     Save();
     EXPECT_EQ(PdfInfo(Out, QStringLiteral("Metadata Stream")), "yes");
     Document.SetXMLMetaData({});
@@ -137,10 +130,7 @@ TEST_F(TSaveCase, ViewSettingsRoundTripThroughTheNamesOfTheStandard) {
         Document.SetPageMode(c.Mode);
         Document.SetPageLayout(c.Layout);
         Save();
-        QJsonObject catalog;
-        for (const QJsonValue& object : PdfObjects(Out))
-            if (object.toObject()["value"].toObject()["/Type"] == QStringLiteral("/Catalog"))
-                catalog = object.toObject()["value"].toObject();
+        const QJsonObject catalog = Catalog(Out);
         EXPECT_EQ(catalog["/PageMode"].toString(), QLatin1String(c.ModeName));
         EXPECT_EQ(catalog["/PageLayout"].toString(), QLatin1String(c.LayoutName));
         TZQPDFDocument saved(nullptr);
@@ -228,40 +218,6 @@ TEST_F(TSaveCase, LockedChangesAreSavedButNotReported) {
     EXPECT_TRUE(Document.GetModified());
     Save(); // left locked by a rendering that failed
     EXPECT_EQ(PageDicts(Out)[0]["/Rotate"].toInt(), 90);
-}
-
-TEST_F(TSaveCase, AttachmentsAreKeyedByBaseName) {
-    Open(SamplePdf(1));
-    const string note = Files.Write(QStringLiteral("folder/note.txt"), "first");
-    for (const char* contents : {"first", "second, longer"}) {
-        Files.Write(QStringLiteral("folder/note.txt"), contents);
-        TPDFEmbeddedFiles& attached = Document.GetEmbeddedFiles();
-        if (attached.Exists(note))
-            attached.Delete(note);
-        attached.Add(note, {}, {}, {});
-        attached.Update();
-    }
-    EXPECT_EQ(Document.GetEmbeddedFiles().Names(), QStringList{"note.txt"});
-    Save();
-    EXPECT_EQ(QpdfCheck(Out), 0);
-    const QJsonObject attachments = PdfJson(Out)["attachments"].toObject();
-    EXPECT_EQ(attachments.keys(), QStringList{"note.txt"});
-    const QJsonObject stream = attachments["note.txt"].toObject()["streams"].toObject().begin()->toObject();
-    EXPECT_EQ(stream["mimetype"].toString(), "text/plain");
-    EXPECT_EQ(stream["checksum"].toString(), "db68a5436e7587753f2f604eb05707b5");
-    const auto shown =
-        RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--show-attachment=note.txt"), Out});
-    EXPECT_EQ(shown.Out, "second, longer");
-    EXPECT_FALSE(Files.Read(QStringLiteral("out.pdf")).contains("folder"));
-
-    TZQPDFDocument saved(nullptr);
-    saved.OpenFromFile(Out, {});
-    EXPECT_TRUE(saved.GetEmbeddedFiles().Exists(QStringLiteral("/elsewhere/note.txt")));
-    saved.GetEmbeddedFiles().Delete(QStringLiteral("note.txt"));
-    saved.GetEmbeddedFiles().Update();
-    saved.SaveToPath(Out, true, false);
-    EXPECT_TRUE(PdfJson(Out)["attachments"].toObject().isEmpty());
-    EXPECT_THROW(saved.GetEmbeddedFiles().Add(QStringLiteral("/nowhere/x"), {}, {}, {}), EFileError);
 }
 
 } // namespace

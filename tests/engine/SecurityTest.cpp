@@ -90,6 +90,48 @@ TEST_F(TSecurityCase, AnUnchosenCipherMakesSavingRaiseAndWritesNothing) {
     EXPECT_EQ(Files.Names(), QStringList{"in.pdf"});
 }
 
+TEST_F(TSecurityCase, LongAndUnusualPasswordsOpenForOthersToo) {
+    const QString letters = QString(u'a').repeated(500);
+    const QString accents = QStringLiteral("é").repeated(100); // byte 127 is the first half of one
+    struct {
+        QString Given;
+        QString Typed; // in another program
+    } const cases[] = {
+        {letters.left(126), letters.left(126)},
+        {letters.left(127), letters.left(127)},
+        {letters.left(128), letters.left(128)},
+        {letters, letters},
+        {accents, accents},
+        {QStringLiteral("a\u00A0\uFB01x\u00AD"), "a fix"},
+        {QStringLiteral("\U0001F600"), QStringLiteral("\U0001F600")}, // newer than the standard's characters
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Typed.toStdString());
+        MakePdf(In, 1);
+        Document.OpenFromFile(In, {});
+        Encrypt(THandler::CipherAES256, 0, c.Given.toUtf8(), c.Given.toUtf8());
+        Document.SaveToPath(Out, /*keepSource*/ false, false); // and opens what it wrote
+        EXPECT_EQ(QpdfCheck(Out, {QStringLiteral("--password=") + c.Typed}), 0);
+        const auto mupdf = RunProgram(QStringLiteral("mutool"), {"show", "-p", c.Typed, Out, "pages/1"});
+        EXPECT_EQ(mupdf.Exit, 0) << mupdf.Errors.toStdString();
+        if (c.Typed.size() <= 32) { // pdftotext itself cuts
+            EXPECT_EQ(PageTexts(Out, {QStringLiteral("-upw"), c.Typed}), QStringList{"Page 1"});
+        }
+    }
+}
+
+TEST_F(TSecurityCase, PasswordsThatTheStandardForbidsAreRefused) {
+    MakePdf(In, 1);
+    Document.OpenFromFile(In, {});
+    for (const char* password : {"bell\x07", "\u05D0b", "\u00AD"}) {
+        Encrypt(THandler::CipherAES256, 0, "own", password);
+        EXPECT_THROW(Save(), EPDFError) << password;
+        Encrypt(THandler::CipherAES256, 0, password, "open");
+        EXPECT_THROW(Save(), EPDFError) << password;
+    }
+    EXPECT_EQ(Files.Names(), QStringList{"in.pdf"});
+}
+
 TEST_F(TSecurityCase, SavingKeepsTheEncryptionItFound) {
     MakePdf(In, 2,
             {.UserPassword = QStringLiteral("open"),
@@ -150,6 +192,16 @@ TEST_F(TSecurityCase, PermissionsFollowTheirBits) {
         Document.OpenFromFile(In, "own");
         EXPECT_TRUE(Document.GetCanModify() && Document.GetCanModifyAnnots() && Document.GetCanModifyPages())
             << which;
+    }
+    // Revision 2 has no bit for pages: what it holds there, here set, means nothing.
+    for (const bool allowed : {false, true}) {
+        MakePdf(In, 1);
+        RunProgram(QStringLiteral("qpdf"), {"--allow-weak-crypto", In, "--replace-input", "--encrypt", "",
+                                            "own", "40", allowed ? "--modify=y" : "--modify=n", "--"});
+        Document.OpenFromFile(In, {});
+        EXPECT_EQ(Document.GetCanModify(), allowed);
+        EXPECT_EQ(Document.GetCanModifyPages(), allowed);
+        EXPECT_EQ(Document.GetCanModifyOutlines(), allowed);
     }
     TZQPDFDocument blank(nullptr);
     EXPECT_TRUE(blank.GetCanModify() && blank.GetCanModifyPages());

@@ -63,7 +63,7 @@ TEST(Signals, TerminationReachesTheEventLoopAndIsHandedBack) {
                 if (signals.Take())
                     QCoreApplication::exit(number);
             });
-            QTimer::singleShot(10'000, &application, &QCoreApplication::quit);
+            QTimer::singleShot(60'000, &application, &QCoreApplication::quit);
             QTimer::singleShot(0, &application, [number] {
                 ::kill(::getpid(), number);
                 ::kill(::getpid(), number);

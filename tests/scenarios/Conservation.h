@@ -1,6 +1,6 @@
 #pragma once
-// The promise of the run, looked at from outside: every byte sequence that was dropped is still whole, and no
-// result under a final name is ever half a file.
+// The promise of the run, looked at from outside: every byte sequence that was dropped is still whole, once,
+// and no result under a final name is ever half a file.
 #include "engine/Document.h"
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"
@@ -12,7 +12,9 @@ struct TConservation {
     int SecondCopies = 0; ///< dropped contents of which there are two
     int MoreCopies = 0;   ///< of which there are more: never right
     int BadResults = 0;   ///< files in output/ that are not whole
-    int Left = 0;         ///< still in the folder
+    int Left = 0;         ///< still in the folder, or taken out of it and not yet settled
+    int Results = 0;
+    int Hidden = 0; ///< what a run should take away: temporaries, claim folders
 };
 
 /// Drops files of distinct contents into a folder and later looks where they are.
@@ -35,25 +37,40 @@ public:
     [[nodiscard]] TConservation Look() const {
         QMap<QByteArray, int> copies;
         TConservation result;
-        for (const char* folder : {"", "/process", "/Error"})
+        const auto count = [&](const string& folder, bool left) {
             for (const string& name : Files(folder)) {
                 ++copies[Contents(FFolder + folder + u'/' + name)];
-                result.Left += folder[0] == '\0' ? 1 : 0;
+                result.Left += left ? 1 : 0;
+            }
+        };
+        count({}, /*left=*/true);
+        count("/process", /*left=*/false);
+        count("/Error", /*left=*/false);
+        for (const char* folder : {"", "/process", "/output", "/Error"})
+            for (const string& name : Hidden(folder)) {
+                count(folder + (u'/' + name), /*left=*/true);
+                ++result.Hidden;
             }
         for (const QByteArray& contents : FContents) {
-            const int count = copies.value(contents);
-            result.Lost += count == 0 ? 1 : 0;
-            result.SecondCopies += count == 2 ? 1 : 0;
-            result.MoreCopies += count > 2 ? 1 : 0;
+            const int found = copies.value(contents);
+            result.Lost += found == 0 ? 1 : 0;
+            result.SecondCopies += found == 2 ? 1 : 0;
+            result.MoreCopies += found > 2 ? 1 : 0;
         }
-        for (const string& name : Files("/output"))
+        for (const string& name : Files("/output")) {
             result.BadResults += IsWholePdf(FFolder + "/output/" + name) ? 0 : 1;
+            ++result.Results;
+        }
         return result;
     }
 
 private:
-    [[nodiscard]] QStringList Files(const char* folder) const {
+    [[nodiscard]] QStringList Files(const string& folder) const {
         return QDir(FFolder + folder).entryList(QDir::Files); // hidden temporaries are no one's files
+    }
+    [[nodiscard]] QStringList Hidden(const string& folder) const {
+        return QDir(FFolder + folder)
+            .entryList({".morvane-*"}, QDir::AllEntries | QDir::Hidden | QDir::System);
     }
     static QByteArray Contents(const string& path) {
         QFile file(path);
@@ -64,7 +81,7 @@ private:
             return false;
         TZQPDFDocument document(nullptr);
         document.OpenFromFile(path, {});
-        return document.Warnings().isEmpty();
+        return document.Warnings().IsEmpty();
     }
 
     string FFolder;

@@ -66,10 +66,9 @@ TEST_P(FullDisk, LosesNothingAndGoesOnWhenThereIsRoom) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, FullDisk,
-                         testing::Values(TFullDisk{"Output", "write", "in/Error/a.pdf"},
-                                         // Error/ lies on the same disk, so the source can only stay.
-                                         TFullDisk{"Process", "sendfile", "in/a.pdf"},
-                                         TFullDisk{"Publishing", "rename new", "in/a.pdf"},
+                         testing::Values(TFullDisk{"Output", "write", "in/a.pdf"},
+                                         TFullDisk{"Process", "mkdir claims", "in/a.pdf"},
+                                         TFullDisk{"Publishing", "publish", "in/a.pdf"},
                                          TFullDisk{"Log", "write log", "in/process/a.pdf"},
                                          TFullDisk{"NewLog", "open log", "in/process/a.pdf"},
                                          TFullDisk{"Subfolders", "mkdir", "in/a.pdf"}),
@@ -83,7 +82,8 @@ TEST(LongNight, FiveThousandFailuresUseUpNothing) {
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
-    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint});
+    TAgentStatus status;
+    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint, status});
     // Files that fail early, and documents whose action fails once they are open.
     MakePdf(workspace.Path("good.pdf"), 3);
     const QByteArray good = workspace.Read("good.pdf");

@@ -11,7 +11,7 @@ bool Answers() {
         TNamedPipeClient pipe{QLatin1String(ControlPipe::Name)};
         pipe.OpenPipe();
         pipe.WritePipe(QLatin1String(ControlPipe::Check));
-        return pipe.Read(5000) == QLatin1String(ControlPipe::CheckReply);
+        return pipe.Read(60'000) == QLatin1String(ControlPipe::CheckReply);
     } catch (const EPipeError&) {
         return false;
     }
@@ -47,7 +47,7 @@ TEST_F(Instances, OfTwoStartedAtOnceExactlyOneStays) {
         EXPECT_EQ(leaves.FProcess.readAllStandardError() + leaves.FProcess.readAllStandardOutput(), "");
         if (round % 4 == 0) {
             stays.FProcess.terminate();
-            EXPECT_TRUE(stays.FProcess.waitForFinished(10'000)) << round;
+            EXPECT_TRUE(stays.FProcess.waitForFinished(60'000)) << round;
             EXPECT_EQ(stays.FProcess.exitCode(), 0);
         } // else it is killed, and leaves its lock and its sockets to the next
     }
@@ -58,7 +58,7 @@ TEST_F(Instances, ALaterOneLeavesTheFirstAtItsWork) {
     ASSERT_TRUE(Eventually(Answers));
     ASSERT_TRUE(Eventually([&] { return !FWorkspace.Names("c/logs").isEmpty(); }));
     TRealAgent second(FWorkspace.Path("settings"));
-    EXPECT_TRUE(second.FProcess.waitForFinished(10'000));
+    EXPECT_TRUE(second.FProcess.waitForFinished(60'000));
     EXPECT_TRUE(Runs(first) && Answers());
     for (const string& log : FWorkspace.Names("c/logs"))
         EXPECT_EQ(FWorkspace.Read("c/logs/" + log), "");
@@ -70,6 +70,6 @@ TEST_F(Instances, ADisplayThatNobodyServesIsNone) {
     qunsetenv("DISPLAY");
     EXPECT_TRUE(Eventually(Answers));
     agent.FProcess.terminate();
-    EXPECT_TRUE(agent.FProcess.waitForFinished(10'000));
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }

@@ -37,7 +37,8 @@ inline void PlayTicks(const TWorkspace& workspace, int ticks) {
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
-    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint});
+    TAgentStatus status;
+    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint, status});
     clock.Play(ticks);
 }
 

@@ -20,15 +20,16 @@ public:
         if (display == TDisplay::None)
             environment.remove("DISPLAY");
         environment.insert("XDG_CONFIG_HOME", settings);
+        environment.insert("XDG_STATE_HOME", settings + "/state");
         environment.insert("XDG_RUNTIME_DIR", settings);
         FProcess.setProcessEnvironment(environment);
         FProcess.start(MORVANE_AGENT, QStringList());
-        EXPECT_TRUE(FProcess.waitForStarted());
+        EXPECT_TRUE(FProcess.waitForStarted(60'000));
     }
     ~TRealAgent() { Kill(); }
     void Kill() {
         FProcess.kill();
-        FProcess.waitForFinished();
+        FProcess.waitForFinished(60'000);
     }
     QProcess FProcess;
 };

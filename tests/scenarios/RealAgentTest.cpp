@@ -13,7 +13,7 @@ TEST(RealAgent, WorksAndStopsOnSigterm) {
     EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf") && !workspace.Has("in/a.pdf"); }));
     EXPECT_EQ(RunProgram("qpdf", {"--check", workspace.Path("in/output/a.pdf")}).Exit, 0);
     agent.FProcess.terminate();
-    EXPECT_TRUE(agent.FProcess.waitForFinished());
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
     EXPECT_EQ(agent.FProcess.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }
@@ -22,7 +22,7 @@ TEST(RealAgent, MissingConfigurationFolderIsTold) {
     const TConfiguredWorkspace workspace;
     QDir(workspace.Path("c")).removeRecursively();
     TRealAgent agent(workspace.Path("settings"));
-    EXPECT_TRUE(agent.FProcess.waitForFinished());
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
     EXPECT_TRUE(agent.FProcess.readAllStandardError().contains("Configuration Path is missing or invalid. "));
 }
@@ -49,7 +49,6 @@ TEST(RealAgent, FileBeingWrittenWaitsForItsWriter) {
 TEST(RealAgent, KilledAtRandomInstants) {
     constexpr int Kills = 20;
     int inside = 0;
-    int secondCopies = 0;
     for (int round = 0; inside < Kills && round < 2 * Kills; ++round) {
         const TConfiguredWorkspace workspace;
         TDrops drops(workspace.Path("in"));
@@ -60,11 +59,9 @@ TEST(RealAgent, KilledAtRandomInstants) {
         ::usleep(useconds_t(QRandomGenerator::global()->bounded(20'000)));
         agent.Kill();
         const TConservation found = drops.Look();
-        EXPECT_EQ(found.Lost + found.MoreCopies + found.BadResults, 0);
-        EXPECT_LE(found.SecondCopies, 1);
-        secondCopies += found.SecondCopies;
+        EXPECT_EQ(found.Lost + found.SecondCopies + found.MoreCopies + found.BadResults, 0);
         inside += found.Left > 0 ? 1 : 0;
     }
     EXPECT_EQ(inside, Kills);
-    std::printf("%d kills inside the work, %d left a second copy\n", inside, secondCopies);
+    std::printf("%d kills inside the work\n", inside);
 }

@@ -103,6 +103,40 @@ TEST_F(ScriptEngine, RefusalsNameWhatIsWrong) {
     }
 }
 
+TEST_F(ScriptEngine, NothingIsCutOffOrTakenForSomethingElse) {
+    Open(1);
+    FWorkspace.Write("note", "note");
+    struct TCase {
+        string Call;
+        string Message;
+    };
+    for (const TCase& row : {
+             TCase{"Document.RotatePages('1', 2n ** 64n + 90n)",
+                   "a whole number of more than 64 bits is no int"},
+             TCase{"Document.RotatePages('1', 2n ** 63n)", "9223372036854775808 is no int"},
+             TCase{"Document.RotatePages('1', -(2n ** 63n))", "-9223372036854775808 is no int"},
+             TCase{"Document.AddBatesNumbering(new Map([['HeaderLeft', 'x']]), '')", "an object is no"},
+             TCase{"Document.AddBatesNumbering(new Date(), '')", "an object is no"},
+             TCase{"Document.AddBatesNumbering(() => ({}), '')", "an object is no"},
+             TCase{"Document.AddBatesNumbering(['x'], '')", "an object is no"},
+             TCase{"Document.AddBatesNumbering(new TPDFDocPermissions(), '')", "an object is no"},
+             TCase{"Document.SaveAs('DIR/note\\0.pdf')", "note\\0.pdf\" holds a NUL"},
+             TCase{"Document.AddFileAttachment('DIR/note\\0')", "is no TFileName"},
+             TCase{"Document.SaveGraphicPageToBitmap('DIR/note\\0.png', 9)", "holds a NUL"},
+             TCase{"FileExists('DIR/note\\0')", "holds a NUL"},
+             TCase{"CreateProcess('touch DIR/note\\0', 0, true)", "holds a NUL"},
+             TCase{"Document.Encrypt('a\\0b', '', 3, new TPDFDocPermissions())",
+                   "password cannot hold a NUL"},
+             TCase{"Document.IsPasswordOK('DIR/in.pdf', 'a\\0b')", "password cannot hold a NUL"},
+         }) {
+        EXPECT_FALSE(Run(row.Call)) << row.Call.toStdString();
+        EXPECT_TRUE(Failure().contains(row.Message)) << Failure().toStdString();
+    }
+    EXPECT_EQ(FWorkspace.Read("note"), "note");
+    EXPECT_EQ(Value("Document.AddBatesNumbering(Object.create(null), '') || Document.RotatePages('1', 90n)"),
+              "false");
+}
+
 TEST_F(ScriptEngine, ScriptsShareTheirGlobalScope) {
     EXPECT_TRUE(Run("var kept = 7; let held = 8; function twice(x) { return 2 * x }"));
     EXPECT_EQ(Value("twice(kept) + held"), "22");

@@ -132,6 +132,32 @@ TEST_F(TScriptSecurity, EveryAlgorithmAndPermissionHolds) {
     }
 }
 
+TEST_F(TScriptSecurity, APathGoesWithTheDocumentThatItBelongsTo) {
+    MakePdf(In, 1);
+    TZQPDFDocument first(nullptr);
+    TZQPDFDocument second(nullptr);
+    first.OpenFromFile(In, {});
+    second.OpenFromFile(In, {});
+    Document.SetDocument(&first);
+    Document.SaveAs(Out);
+    Document.SetDocument(&first); // by the next action on the same file
+    Document.RotatePages({}, 90);
+    Document.Save();
+    Document.SetDocument(&second);
+    EXPECT_TRUE(Document.Save());
+    EXPECT_TRUE(RunProgram("pdfinfo", {Out}).Out.contains("Page rot:        90")) << "still the first one's";
+}
+
+TEST_F(TScriptSecurity, ExtractingNothingSaysSo) {
+    try {
+        delete Document.ExtractPages(QStringLiteral("3-4"), Out, /*OverwriteExisting*/ true);
+        ADD_FAILURE() << "extracted";
+    } catch (const Exception& e) {
+        EXPECT_EQ(e.Message(), "There is no page to extract: the range \"3-4\" selects none of 1.");
+    }
+    EXPECT_EQ(Files.Names(), QStringList());
+}
+
 TEST_F(TScriptSecurity, OnlyTheOwnerDecrypts) {
     MakePdf(In, 1, {.UserPassword = QStringLiteral("open"), .OwnerPassword = QStringLiteral("own")});
     TZQPDFDocument opened(nullptr);
@@ -155,6 +181,7 @@ TEST_F(TScriptSecurity, SignedAndUnknownAreRefused) {
     ASSERT_TRUE(Document.Load(In, {}));
     EXPECT_FALSE(Document.Encrypt("own", "open", 3, &allowed));
     EXPECT_EQ(Document.Document().SecurityHandler(), nullptr);
+    EXPECT_EQ(Document.GetSignaturesCount(), 1);
     MakePdf(In, 1);
     ASSERT_TRUE(Document.Load(In, {}));
     EXPECT_TRUE(Document.Encrypt("own", "open", 4, &allowed));

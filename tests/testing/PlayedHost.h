@@ -1,10 +1,12 @@
 #pragma once
 // The world of the run as a test plays it: ticks come when they are told to, every file is ready at once, and
 // hints are noted.
+#include "agent/AgentStatus.h"
 #include "agent/RunHost.h"
 #include "base/FolderListing.h"
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 /// Lets as many ticks pass as the test asks for.
@@ -13,6 +15,11 @@ public:
     [[nodiscard]] QDateTime Now() override {
         const std::lock_guard lock(FMutex);
         return FNow;
+    }
+    /// Follows the played time of day.
+    [[nodiscard]] qint64 Steady() override {
+        const std::lock_guard lock(FMutex);
+        return FNow.toMSecsSinceEpoch();
     }
     void WaitTick() override {
         std::unique_lock lock(FMutex);
@@ -65,9 +72,13 @@ private:
 /// Every file is ready at once.
 class TPlainFiles : public TFolderFiles {
 public:
-    [[nodiscard]] QStringList ReadyFiles(const string& folder, qint64) override {
+    [[nodiscard]] QStringList ReadyFiles(const TFolder& folder, qint64, const TQuietTime&) override {
         return ListFiles(folder, QStringLiteral("*.pdf"));
     }
+    [[nodiscard]] bool IsStillReady(const TFolder&, const TSourceFile&, qint64, const TQuietTime&) override {
+        return true;
+    }
+    [[nodiscard]] bool IsHeld(const TFolder&, const TSourceFile&) override { return false; }
 };
 
 class TNotedHint : public TTrayHint {
@@ -76,7 +87,11 @@ public:
         const std::lock_guard lock(FMutex);
         if (FHints.isEmpty() || FHints.last() != text)
             FHints.append(text);
+        if (OnHint)
+            OnHint(text);
     }
+    /// Called on the run's thread: what happens at that moment.
+    std::function<void(const string&)> OnHint;
     [[nodiscard]] QStringList Hints() {
         const std::lock_guard lock(FMutex);
         return FHints;

@@ -1,10 +1,8 @@
 #include "timers/Cron.h"
 
 #include <QDateTime>
-#include <QStringList>
 
 #include <gtest/gtest.h>
-#include <random>
 
 namespace {
 
@@ -117,112 +115,6 @@ TEST(Cron, MasksFireAtTheseTimes) {
             fires += cron.IsCron(Parts(start.addSecs(second)));
         EXPECT_EQ(fires, c.Fires) << c.Mask << " on " << c.From;
     }
-}
-
-/// The rules once more, by arithmetic on one value instead of by marking many.
-bool ItemSelects(const QString& item, int value) {
-    const auto number = [](const QString& text, bool* ok) { return qint64(text.toInt(ok)); };
-    bool hasLast = false;
-    bool ignored = false;
-    const QString range = item.section('+', 0, 0);
-    qint64 step = number(item.section('+', 1), &ignored);
-    const qint64 first = number(range.section('-', 0, 0), &ignored);
-    qint64 last = number(range.section('-', 1), &hasLast);
-    if (!hasLast && step != 0)
-        last = 59;
-    step = step == 0 ? 1 : step;
-    if (value > 59 || first > 59)
-        return false;
-    if (value == first)
-        return true;
-    if ((value - first) % step != 0 || (value - first) / step < 0)
-        return false;
-    // Each value before this one must have been at most `last`, or the walk had ended there.
-    return step > 0 ? value <= last : first + step <= last;
-}
-
-bool FieldSelects(const QString& field, int value) {
-    if (field.contains('*'))
-        return true;
-    QStringList items = field.split(',');
-    if (items.last().isEmpty())
-        items.removeLast();
-    return std::any_of(items.begin(), items.end(),
-                       [=](const QString& item) { return ItemSelects(item, value); });
-}
-
-bool MaskSelects(const QString& mask, const TSystemTime& t) {
-    const int values[] = {t.Second, t.Minute, t.Hour, t.Day, t.Month, t.DayOfWeek};
-    QStringList fields = mask.split(' ');
-    if (fields.last().isEmpty())
-        fields.removeLast();
-    for (int i = 0; i < std::min<int>(6, int(fields.size())); ++i)
-        if (!FieldSelects(fields[i], values[i]))
-            return false;
-    return true;
-}
-
-class TRandomMask {
-public:
-    explicit TRandomMask(unsigned seed) : FRandom(seed) {}
-    int Upto(int last) { return std::uniform_int_distribution(0, last)(FRandom); }
-    QString Next() { return Upto(3) == 0 ? Noise() : Sensible(); }
-
-private:
-    QString Sensible() {
-        static constexpr int Scale[] = {59, 59, 23, 31, 12, 6};
-        QStringList fields;
-        const int count = Upto(7);
-        for (int f = 0; f < count; ++f) {
-            QStringList items;
-            for (int i = Upto(2); i >= 0; --i)
-                items += Item(Scale[std::min(f, 5)]);
-            fields += Upto(2) == 0 ? "*" : items.join(',');
-        }
-        return fields.join(' ');
-    }
-    QString Item(int scale) {
-        QString item = QString::number(Upto(scale));
-        if (Upto(1))
-            item += '-' + QString::number(Upto(scale + 10));
-        if (Upto(2) == 0)
-            item += '+' + QString::number(Upto(20));
-        return item;
-    }
-    QString Noise() {
-        static const QString letters = "0123456789  ,,++--*x";
-        QString mask;
-        for (int i = Upto(40); i > 0; --i)
-            mask += letters[Upto(int(letters.size()) - 1)];
-        return mask;
-    }
-    std::mt19937 FRandom;
-};
-
-TEST(Cron, AgreesWithAnIndependentReadingOfTheRulesOnRandomMasksAndTimes) {
-    TRandomMask random(20261115);
-    int matches = 0;
-    for (int m = 0; m < 4000; ++m) {
-        const QString mask = random.Next();
-        TumCron cron;
-        cron.Init(mask);
-        for (int t = 0; t < 50; ++t) {
-            TSystemTime time = Parts(QDateTime::fromSecsSinceEpoch(random.Upto(2'000'000'000), Qt::UTC));
-            // Times on which masks often meet, or nearly nothing would ever match.
-            if (t % 2)
-                time.Second = time.Minute = quint16(random.Upto(3) * 15);
-            matches += cron.IsCron(time);
-            ASSERT_EQ(cron.IsCron(time), MaskSelects(mask, time))
-                << '"' << mask.toStdString() << "\" at " << time.Hour << ':' << time.Minute << ':'
-                << time.Second << " on " << time.Day << '.' << time.Month << ", day of week "
-                << time.DayOfWeek;
-        }
-        for (int value = 0; value < 64; ++value)
-            ASSERT_EQ(bool((cron.Group(crSec) >> value) & 1),
-                      mask.isEmpty() || FieldSelects(mask.section(' ', 0, 0), value))
-                << '"' << mask.toStdString() << "\", second " << value;
-    }
-    EXPECT_GT(matches, 10'000); // the comparison isn't of nothing with nothing
 }
 
 } // namespace

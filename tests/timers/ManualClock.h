@@ -34,9 +34,18 @@ public:
         FTime = time;
         FAsleep = false;
         FChanged.notify_all();
-        FChanged.wait_for(lock, std::chrono::seconds(5), [&] { return FAsleep; });
+        FChanged.wait_for(lock, std::chrono::minutes(1), [&] { return FAsleep; });
     }
     void Advance(Cardinal ms) { Advance(ms, FTime); }
+    /// Time goes by with nobody asleep.
+    void Pass(Cardinal ms) {
+        const std::lock_guard guard(FLock);
+        FTicks += ms;
+    }
+    bool WasAskedToSleep() {
+        const std::lock_guard guard(FLock);
+        return FLastSleep != 0;
+    }
     /// From now on nobody is held.
     void Release() {
         const std::lock_guard guard(FLock);

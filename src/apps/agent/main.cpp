@@ -1,9 +1,12 @@
 // morvane-agent: serves the watched folders of its user.
 #include "agent/AgentProgram.h"
+#include "agent/WorkMarks.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "desktop/Desktop.h"
 #include "platform/AppInstances.h"
+#include "platform/DescriptorLimit.h"
+#include "platform/ServiceNotice.h"
 #include "platform/Signals.h"
 #include "timers/TimerManager.h"
 
@@ -12,6 +15,9 @@
 int main() {
     try {
         IgnoreDisruptiveSignals();
+        RaiseDescriptorLimit();
+        MarkFatalSignals();
+        [[maybe_unused]] const bool service = ServiceNotice().Listening(); // before there are threads
         const TTimerManagerUse timers;
         const auto instances = CheckSingleInstance();
         const TDesktop desktop;

@@ -2,7 +2,9 @@
 
 #include "apps/ctl/ConfigurationCommands.h"
 #include "apps/ctl/PipeCommands.h"
+#include "apps/ctl/StatusCommands.h"
 #include "base/Exceptions.h"
+#include "base/Version.h"
 
 #include <QCommandLineParser>
 
@@ -16,7 +18,7 @@ struct TCommand {
     const char*
         Arguments; ///< the words of which one must follow, separated by "|"; empty for none; or Folder
     const char* Help;
-    TOutcome (*Run)(const string& argument, int timeoutMs);
+    TCommandResult (*Run)(const string& argument, const TCommandOptions& options);
 };
 
 constexpr char Folder[] = "[FOLDER]"; ///< as arguments of a command: any one path, or none
@@ -24,13 +26,15 @@ constexpr char Folder[] = "[FOLDER]"; ///< as arguments of a command: any one pa
 constexpr TCommand Commands[] = {
     {"init", Folder, "Make a configuration to begin with, in FOLDER.", Init},
     {"lint", Folder, "Look for faults in the configuration.", Lint},
-    {"check", "", "Tell whether the agent runs.", Check},
+    {"check", "", "Tell whether the agent serves its folders.", Check},
+    {"status", "", "Tell how the agent and each of its folders fare.", Status},
     {"refresh", "folders|actions", "Have the agent read a configuration file again.", Refresh},
 };
 
 constexpr char Options[] = R"(
 Options:
   -q, --quiet              Print nothing; the exit code tells.
+  -j, --json               Print the status as one line of JSON.
   -t, --timeout <seconds>  Wait that long for an answer, 5 by default.
   -h, --help               Print this.
   -v, --version            Print the version.
@@ -38,7 +42,7 @@ Options:
 Without FOLDER, init and lint take the configuration folder of the settings.
 
 Exit codes: 0 done, 1 the agent does not run, or a file could not be used, 2 wrong usage,
-3 no answer in time, 4 faults in the configuration.)";
+3 no answer in time, 4 faults in the configuration, 5 the agent runs and serves nothing.)";
 
 /// The command line makes no sense.
 class EUsage : public Exception {
@@ -92,15 +96,18 @@ int TimeoutMsOf(const string& text) {
     return int(seconds * 1000);
 }
 
-TOutcome RunWords(const QStringList& words, int timeoutMs) {
+TCommandResult RunWords(const QStringList& words, const TCommandOptions& options) {
     if (words.isEmpty())
         throw EUsage(QStringLiteral("A command is missing."));
     const TCommand& command = FindCommand(words[0]);
-    return command.Run(ArgumentOf(command, words), timeoutMs);
+    if (options.Json && command.Run != Status)
+        throw EUsage(QStringLiteral("The command \"%1\" has no JSON.").arg(words[0]));
+    return command.Run(ArgumentOf(command, words), options);
 }
 
-TOutcome RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
+TCommandResult RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
     parser.addOptions({{{"q", "quiet"}, {}},
+                       {{"j", "json"}, {}},
                        {{"t", "timeout"}, {}, "seconds", "5"},
                        {{"h", "help"}, {}},
                        {{"v", "version"}, {}}});
@@ -109,15 +116,16 @@ TOutcome RunParsed(QCommandLineParser& parser, const QStringList& arguments) {
     if (parser.isSet("help"))
         return {ExitDone, HelpText()};
     if (parser.isSet("version"))
-        return {ExitDone, QStringLiteral("morvanectl " MORVANE_VERSION)};
-    return RunWords(parser.positionalArguments(), TimeoutMsOf(parser.value("timeout")));
+        return {ExitDone, QStringLiteral("morvanectl ") + ProgramVersion()};
+    return RunWords(parser.positionalArguments(),
+                    {TimeoutMsOf(parser.value("timeout")), parser.isSet("json")});
 }
 
 } // namespace
 
 TExitCode RunCommandLine(const QStringList& arguments) {
     QCommandLineParser parser;
-    TOutcome outcome;
+    TCommandResult outcome;
     bool quiet = false;
     try {
         outcome = RunParsed(parser, arguments);

@@ -60,7 +60,7 @@ string SettingsText(string folder) {
 
 } // namespace
 
-TOutcome Init(const string& folder, int /*timeoutMs*/) {
+TCommandResult Init(const string& folder, const TCommandOptions& /*options*/) {
     const string configured = GetEditorSettings().ConfigurationFolder;
     const string wanted = folder.isEmpty() ? configured : QDir(folder).absolutePath();
     const string path = folder.isEmpty() ? ExpandEnvironment(configured) : wanted;

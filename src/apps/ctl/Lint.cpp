@@ -91,7 +91,7 @@ void CheckFolder(TLintedFile& file, const TPDFWatchedFolders& folders, int index
 
 } // namespace
 
-TOutcome Lint(const string& folder, int /*timeoutMs*/) {
+TCommandResult Lint(const string& folder, const TCommandOptions& /*options*/) {
     const string path = IncludeTrailingDelimiter(
         folder.isEmpty() ? ExpandEnvironment(GetEditorSettings().ConfigurationFolder) : folder);
     if (!DirectoryExists(path))

@@ -5,31 +5,34 @@
 
 namespace {
 
-/// Sends a command, if any, then "check" on the same connection: the agent takes messages in their order,
-/// so its answer says that it has taken the command too, which has no answer of its own.
-TOutcome Send(const string& command, const string& done, int timeoutMs) {
+/// Sends the commands on one connection and reads one reply: the agent takes messages in their order.
+TPipeReply Send(const QStringList& commands, int timeoutMs) {
     try {
         TNamedPipeClient pipe{QLatin1String(ControlPipe::Name)};
         pipe.OpenPipe();
-        if (!command.isEmpty())
+        for (const string& command : commands)
             pipe.WritePipe(command);
-        pipe.WritePipe(QLatin1String(ControlPipe::Check));
-        if (pipe.Read(timeoutMs) == QLatin1String(ControlPipe::CheckReply))
-            return {ExitDone, done};
-        return {ExitNoAnswer, QStringLiteral("The agent does not answer.")};
+        TPipeReply reply{pipe.Read(timeoutMs), {}};
+        if (reply.Text.isEmpty())
+            reply.Failure = {ExitNoAnswer, QStringLiteral("The agent does not answer.")};
+        return reply;
     } catch (const EPipeError&) {
-        return {ExitFailed, QStringLiteral("The agent is not running.")};
+        return {{}, TCommandResult{ExitFailed, QStringLiteral("The agent is not running.")}};
     }
 }
 
 } // namespace
 
-TOutcome Check(const string& /*argument*/, int timeoutMs) {
-    return Send({}, QStringLiteral("The agent is running."), timeoutMs);
+TPipeReply AskAgent(const string& command, int timeoutMs) {
+    return Send({command}, timeoutMs);
 }
 
-TOutcome Refresh(const string& argument, int timeoutMs) {
+TCommandResult Refresh(const string& argument, const TCommandOptions& options) {
     const bool folders = argument == u"folders";
-    return Send(QLatin1String(folders ? ControlPipe::RefreshFolders : ControlPipe::RefreshActions), {},
-                timeoutMs);
+    // A refresh has no answer of its own; that of the next command says that it was taken.
+    const TPipeReply reply =
+        Send({QLatin1String(folders ? ControlPipe::RefreshFolders : ControlPipe::RefreshActions),
+              QLatin1String(ControlPipe::Check)},
+             options.TimeoutMs);
+    return reply.Failure.value_or(TCommandResult{});
 }

@@ -1,9 +1,16 @@
 #pragma once
-// The commands of morvanectl that speak to the running agent through its control pipe.
+// How morvanectl speaks to the running agent through its control pipe.
 #include "apps/ctl/CommandLine.h"
 
-/// Whether the agent answers. `argument` is empty.
-[[nodiscard]] TOutcome Check(const string& argument, int timeoutMs);
+#include <optional>
+
+struct TPipeReply {
+    string Text;
+    std::optional<TCommandResult> Failure; ///< where there is no reply
+};
+
+/// Sends a command that has an answer, and waits for it.
+[[nodiscard]] TPipeReply AskAgent(const string& command, int timeoutMs);
 
 /// Has the agent reload "folders" or "actions" at its next tick. Done once the agent has taken the command.
-[[nodiscard]] TOutcome Refresh(const string& argument, int timeoutMs);
+[[nodiscard]] TCommandResult Refresh(const string& argument, const TCommandOptions& options);

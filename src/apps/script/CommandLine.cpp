@@ -2,6 +2,7 @@
 
 #include "apps/script/ScriptCommands.h"
 #include "base/Exceptions.h"
+#include "base/Version.h"
 
 #include <QCommandLineParser>
 
@@ -42,7 +43,7 @@ TExitCode RunParsed(QCommandLineParser& parser, const QStringList& arguments,
     if (parser.isSet("help"))
         return Print(Help);
     if (parser.isSet("version"))
-        return Print("morvane-script " MORVANE_VERSION);
+        return Print(Narrow(QStringLiteral("morvane-script ") + ProgramVersion()));
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty())
         throw EUsage(QStringLiteral("A file is missing."));

@@ -99,6 +99,7 @@ void TZQPDFAnnotation::WriteAppearance(TAnnotationDrawing& to, QPDFObjectHandle&
     DrawAppearance(drawing);
     const int rotation = Turning() == TTurning::WithPage ? Geometry().Rotation : 0;
     QPDFObjectHandle appearance = QPDFObjectHandle::newDictionary();
+    to.Document.RequireVersion(3); // gradients, and all kinds of annotations but notes
     appearance.replaceKey("/N", content.MakeForm(to.Document.Pdf, {0, 0, width, height},
                                                  TurnedWithPage(rotation, width, height)));
     annotation.replaceKey("/AP", appearance);

@@ -35,7 +35,10 @@ void TZQPDFFileAttachementAnnotation::SetDiskFilename(const NarrowString& path) 
 bool TZQPDFFileAttachementAnnotation::WriteEntries(TAnnotationDrawing& to, QPDFObjectHandle& annotation) {
     if (!FFile)
         return false;
-    annotation.replaceKey("/FS", NewFileSpec(to.Document.Pdf, *FFile));
+    QPDFObjectHandle spec = NewFileSpec(to.Document.Pdf, *FFile);
+    annotation.replaceKey("/FS", spec);
+    if (spec.hasKey("/AFRelationship")) // whose place is told by who refers to it (ISO 19005-3, 6.8)
+        annotation.replaceKey("/AF", QPDFObjectHandle::newArray({spec}));
     annotation.replaceKey("/Name", QPDFObjectHandle::newName(IconName(FIcon)));
     return true;
 }

@@ -14,7 +14,16 @@ constexpr Double SidePadding = 0.75;
 constexpr Double EndPadding = 0.3; // above and below
 constexpr Double Rounding = 0.4;
 constexpr Double LeastWidth = 4;
-constexpr int LongestName = 60; // of a name that viewers show
+constexpr int LongestName = 127; // bytes (ISO 32000-1, annex C)
+
+/// The caption as a name. The library takes "#" for the beginning of an escape and NUL for a broken one, so
+/// the first is escaped here; the second can't stand in a name (ISO 32000-1, 7.3.5).
+std::string NameOf(string caption) {
+    caption = caption.remove(QChar::Null).simplified();
+    while (caption.toUtf8().size() > LongestName)
+        caption.chop(1);
+    return "/" + caption.replace(u'#', QLatin1String("#23")).toStdString();
+}
 
 } // namespace
 
@@ -56,9 +65,9 @@ void TZQPDFStampAnnotation::FitSize() {
 
 bool TZQPDFStampAnnotation::WriteEntries(TAnnotationDrawing& /*to*/, QPDFObjectHandle& annotation) {
     // What a viewer that draws the stamp anew writes on it.
-    const string name = Text().simplified().left(LongestName);
-    if (!name.isEmpty())
-        annotation.replaceKey("/Name", QPDFObjectHandle::newName("/" + name.toStdString()));
+    const std::string name = NameOf(Text());
+    if (name.size() > 1)
+        annotation.replaceKey("/Name", QPDFObjectHandle::newName(name));
     return true;
 }
 

@@ -24,7 +24,7 @@ public:
         if (end > start)
             return end;
         const qsizetype split = LastFitting(QTextBoundaryFinder::Grapheme, start, width);
-        return split > start ? split : Next(QTextBoundaryFinder::Grapheme, start);
+        return BehindBlanks(split > start ? split : Next(QTextBoundaryFinder::Grapheme, start));
     }
 
 private:
@@ -39,6 +39,12 @@ private:
             last = next;
         }
         return last;
+    }
+
+    [[nodiscard]] qsizetype BehindBlanks(qsizetype at) const {
+        while (at < FText.size() && FText[at].isSpace())
+            ++at;
+        return at;
     }
 
     [[nodiscard]] qsizetype Next(QTextBoundaryFinder::BoundaryType type, qsizetype start) const {

@@ -30,9 +30,12 @@ public:
     explicit TScanner(std::string_view content) : FData(content) {}
 
     TContentBalance Scan() {
-        while (FPos < FData.size())
+        while (FPos < FData.size() && !FResult.CutOff)
             Next();
+        if (FResult.CutOff)
+            return {{}, true, {}};
         FResult.Closing = FCutOff;
+        FResult.CutOff = !FCutOff.empty();
         if (FPathOpen)
             FResult.Closing += "n\n";
         for (TKind last = Latest(); Close(last); last = Latest())
@@ -41,6 +44,8 @@ public:
     }
 
 private:
+    static constexpr size_t MostOpen = 1'000'000; // or the lists of them would outgrow the content
+
     enum TKind : size_t { State, TextObject, MarkedContent, Kinds };
 
     void Next() {
@@ -122,8 +127,10 @@ private:
             Open(State);
             break;
         case 'Q':
-            if (!Close(State))
+            if (!Close(State)) {
                 FResult.ExcessRestores.push_back(at);
+                FResult.CutOff = FResult.ExcessRestores.size() > MostOpen;
+            }
             break;
         case 'm':
         case 'l':
@@ -146,7 +153,10 @@ private:
         }
     }
 
-    void Open(TKind kind) { FOpen[kind].push_back(++FOpened); }
+    void Open(TKind kind) {
+        FOpen[kind].push_back(++FOpened);
+        FResult.CutOff = FOpen[kind].size() > MostOpen;
+    }
 
     bool Close(TKind kind) {
         if (FOpen[kind].empty())

@@ -10,6 +10,8 @@ struct TContentBalance {
     /// an inline image, "n" for an unpainted path, "ET" a text object, "EMC" marked content, "Q" a saved
     /// state.
     std::string Closing;
+    /// The content leaves off within a string or an inline image, or nests beyond all reason.
+    bool CutOff = false;
     /// Offsets of "Q" operators that restore nothing. Readers ignore them; behind a "q" of ours they would
     /// restore that.
     std::vector<size_t> ExcessRestores;

@@ -52,6 +52,19 @@ std::string Deflated(std::string_view data) {
     return result;
 }
 
+std::optional<std::string> Inflated(std::string_view data, size_t most) {
+    const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> decompressor(
+        libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
+    constexpr size_t LargestRatio = 1032; // of the format
+    std::string result(std::min(most, data.size() * LargestRatio), '\0');
+    size_t size = 0;
+    if (libdeflate_zlib_decompress(decompressor.get(), data.data(), data.size(), result.data(), result.size(),
+                                   &size) != LIBDEFLATE_SUCCESS)
+        return std::nullopt;
+    result.resize(size);
+    return result;
+}
+
 TFormContent& TFormContent::Number(Double value) {
     AppendNumber(FData, value);
     FData += ' ';

@@ -1,6 +1,7 @@
 #include "engine/content/PageContent.h"
 
 #include "engine/content/ContentReader.h"
+#include "engine/content/EarlierForms.h"
 #include "engine/content/PlacedContent.h"
 #include "engine/layers/Drawing.h"
 
@@ -19,11 +20,32 @@ struct TGroupForm {
     QPDFObjectHandle Form;
 };
 
+/// The content of `stream`, byte for byte, as a form. The boxes of a page bound what it shows as they did.
+QPDFObjectHandle NewForm(QPDF& pdf, const QPDFObjectHandle& stream, const QPDFObjectHandle& box,
+                         const QPDFObjectHandle& resources) {
+    QPDFObjectHandle form = pdf.newStream();
+    QPDFObjectHandle dict = form.getDict();
+    QPDFObjectHandle from = QPDFObjectHandle(stream).getDict();
+    dict.replaceKey("/Type", QPDFObjectHandle::newName("/XObject"));
+    dict.replaceKey("/Subtype", QPDFObjectHandle::newName("/Form"));
+    dict.replaceKey("/BBox", box);
+    dict.replaceKey("/Resources", resources);
+    form.replaceStreamData(
+        [stream](Pipeline* out, bool suppressWarnings, bool willRetry) {
+            return QPDFObjectHandle(stream).pipeStreamData(out, nullptr, 0, qpdf_dl_none, suppressWarnings,
+                                                           willRetry);
+        },
+        from.getKey("/Filter"), from.getKey("/DecodeParms"));
+    return form;
+}
+
 class TPageWriter {
 public:
     TPageWriter(TDocumentDrawing& drawing, TContentReader& reader) : FDrawing(drawing), FReader(reader) {}
 
-    void Write(TPageObject& page, TPlacedContent& placed) {
+    /// `number` is the page's, for warnings.
+    void Write(TPageObject& page, TPlacedContent& placed, int number) {
+        FNumber = number;
         Take(page, placed);
         FBehind.clear();
         FAbove.clear();
@@ -38,6 +60,9 @@ public:
         placed.Layers.Settle();
         placed.GroupsChanged = false;
     }
+
+    /// Numbers of pages whose contents can't be read to their end.
+    [[nodiscard]] const std::vector<int>& Damaged() const { return FDamaged; }
 
 private:
     static void Take(const TPageObject& page, TPlacedContent& placed) {
@@ -122,7 +147,9 @@ private:
     void Frame(TPageObject& page, const TPlacedContent& placed) {
         QPDFObjectHandle resources = OwnResources(placed.Resources);
         QPDFObjectHandle xobjects = resources.getKey("/XObject");
-        const TReadContent original = FReader.Read(placed.Contents);
+        TReadContent original = FReader.Read(placed.Contents);
+        if (original.Damaged)
+            Enclose(page, original, xobjects);
         std::string opening = DrawForms(FBehind, xobjects);
         std::string closing;
         if (!original.Streams.empty()) {
@@ -142,6 +169,21 @@ private:
         page.Dict.replaceKey("/Resources", resources);
     }
 
+    /// Damaged originals become a form of their own, which each reader leaves where it gives up on them, in
+    /// the state that it began with.
+    void Enclose(const TPageObject& page, TReadContent& original, QPDFObjectHandle& xobjects) {
+        FDamaged.push_back(FNumber);
+        QPDFObjectHandle box = page.Attribute("/MediaBox");
+        if (!box.isRectangle())
+            box =
+                QPDFObjectHandle::newArray(QPDFObjectHandle::Rectangle(0, 0, 612, 792)); // as for such pages
+        QPDFObjectHandle resources = page.Attribute("/Resources");
+        if (!resources.isDictionary())
+            resources = QPDFObjectHandle::newDictionary();
+        const QPDFObjectHandle form = NewForm(FDrawing.Pdf, original.Streams[0], box, resources);
+        original.Streams = {FDrawing.SharedStream(DrawForms({form}, xobjects))};
+    }
+
     /// A copy for this page: dictionaries of resources are shared between pages.
     static QPDFObjectHandle OwnResources(QPDFObjectHandle resources) {
         resources = resources.isDictionary() ? resources.shallowCopy() : QPDFObjectHandle::newDictionary();
@@ -157,7 +199,7 @@ private:
         for (const QPDFObjectHandle& form : forms) {
             std::string name;
             do
-                name = "/Mv" + std::to_string(number++);
+                name = FormName(number++);
             while (xobjects.hasKey(name));
             xobjects.replaceKey(name, form);
             operators += name + " Do\n";
@@ -190,27 +232,41 @@ private:
     TContentReader& FReader;
     std::vector<QPDFObjectHandle> FBehind;
     std::vector<QPDFObjectHandle> FAbove;
+    std::vector<int> FDamaged;
+    int FNumber = 0;
     std::unordered_map<const TZQPDFXObjectGroup*, std::vector<TGroupForm>> FGroupForms;
 };
 
 } // namespace
+
+std::string FormName(int number) {
+    return "/Mv" + std::to_string(number);
+}
 
 bool HasPendingContent(const TZQPDFPage& page) {
     return page.Content() != nullptr && page.Content()->IsPending();
 }
 
 void ApplyContent(TDocumentCore& core) {
-    TContentReader reader;
+    std::optional<TContentReader> reader;
     std::optional<TPageWriter> writer;
+    int number = 0;
     for (const auto& item : core.Pages.Items()) {
+        ++number;
         if (!HasPendingContent(*item))
             continue;
-        if (!core.Drawing)
+        if (!core.Drawing) {
             core.Drawing = std::make_unique<TDocumentDrawing>(*core.Source->Pdf);
+            core.Drawing->Fonts.SetEarlierFonts([&core] { return FontsOfEarlierForms(core); });
+        }
         if (!writer)
-            writer.emplace(*core.Drawing, reader);
-        writer->Write(item->Object(), *item->Content());
+            writer.emplace(*core.Drawing, reader.emplace(*core.Source->Pdf, StoredBytes(*core.Source)));
+        writer->Write(item->Object(), *item->Content(), number);
     }
-    if (writer)
-        core.Drawing->Fonts.Fill();
+    if (!writer)
+        return;
+    for (const int damaged : writer->Damaged())
+        core.Warnings.Add(TWarningKind::DamageContentUnreadable,
+                          QStringLiteral("The contents of page %1 can't be read to their end.").arg(damaged));
+    core.Drawing->Fonts.Fill();
 }

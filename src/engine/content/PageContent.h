@@ -6,5 +6,8 @@
 /// changed since is written again. The pages must be objects of the source (ApplyPages).
 void ApplyContent(TDocumentCore& core);
 
+/// The names, counted from 0, by which pages draw our forms.
+[[nodiscard]] std::string FormName(int number);
+
 /// Whether anything on the page waits for ApplyContent.
 [[nodiscard]] bool HasPendingContent(const TZQPDFPage& page);

@@ -89,7 +89,16 @@ TEmbeddedFont& TDocumentFonts::FontOf(const std::shared_ptr<const TFontFace>& fa
     for (const auto& font : FFonts)
         if (&font->Face() == face.get())
             return *font;
-    return *FFonts.emplace_back(std::make_unique<TEmbeddedFont>(FPdf, face));
+    return *FFonts.emplace_back(NewFont(face));
+}
+
+std::unique_ptr<TEmbeddedFont> TDocumentFonts::NewFont(const std::shared_ptr<const TFontFace>& face) {
+    if (!FEarlier)
+        FEarlier = FFindEarlier ? FFindEarlier() : std::vector<QPDFObjectHandle>();
+    for (const QPDFObjectHandle& font : *FEarlier)
+        if (const auto earlier = ReadEarlierFont(font, *face))
+            return std::make_unique<TEmbeddedFont>(FPdf, face, *earlier);
+    return std::make_unique<TEmbeddedFont>(FPdf, face);
 }
 
 void TDocumentFonts::ShowLine(TFormContent& content, const TShapedLine& line, Double size, Double x,
@@ -111,4 +120,11 @@ void TDocumentFonts::ShowLine(TFormContent& content, const TShapedLine& line, Do
 void TDocumentFonts::Fill() {
     for (const auto& font : FFonts)
         font->Fill();
+    FEarlier.reset();
+}
+
+int TDocumentFonts::MinorVersion() const {
+    constexpr int CffPrograms = 3;
+    const auto isCff = [](const auto& font) { return font->Face().IsCff(); };
+    return std::any_of(FFonts.begin(), FFonts.end(), isCff) ? CffPrograms : 0;
 }

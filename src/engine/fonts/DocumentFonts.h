@@ -3,6 +3,8 @@
 #include "engine/Qpdf.h"
 #include "engine/fonts/TextShaper.h"
 
+#include <functional>
+
 class TFormContent;
 class TEmbeddedFont;
 
@@ -12,6 +14,11 @@ public:
     ~TDocumentFonts();
     Q_DISABLE_COPY(TDocumentFonts)
 
+    /// What finds the fonts in forms that earlier runs have put on the document's pages. Asked when a face is
+    /// first needed.
+    using TFindFonts = std::function<std::vector<QPDFObjectHandle>()>;
+    void SetEarlierFonts(TFindFonts find) { FFindEarlier = std::move(find); }
+
     /// Appends BT ... ET, which shows the line with its left end and baseline at (x, y), y up, in points.
     /// Colours and the text rendering mode are the caller's. A line without anything to show appends nothing.
     void ShowLine(TFormContent& content, const TShapedLine& line, Double size, Double x, Double y);
@@ -20,9 +27,15 @@ public:
     /// save; when more lines were shown since, the same objects are written again.
     void Fill();
 
+    /// The minor version of PDF 1 that they need.
+    [[nodiscard]] int MinorVersion() const;
+
 private:
     [[nodiscard]] TEmbeddedFont& FontOf(const std::shared_ptr<const TFontFace>& face);
+    [[nodiscard]] std::unique_ptr<TEmbeddedFont> NewFont(const std::shared_ptr<const TFontFace>& face);
 
     QPDF& FPdf;
     std::vector<std::unique_ptr<TEmbeddedFont>> FFonts;
+    TFindFonts FFindEarlier;
+    std::optional<std::vector<QPDFObjectHandle>> FEarlier; ///< what it found since the last save
 };

@@ -1,12 +1,12 @@
 #include "engine/fonts/EmbeddedFont.h"
 
+#include "engine/Metadata.h"
 #include "engine/content/FormContent.h"
 #include "engine/fonts/FontProgram.h"
 
 #include <QCryptographicHash>
 
 #include <cmath>
-#include <map>
 
 namespace {
 
@@ -37,38 +37,37 @@ void SetStream(QPDFObjectHandle& stream, const std::string& data) {
     stream.replaceStreamData(Deflated(data), Name("FlateDecode"), QPDFObjectHandle::newNull());
 }
 
-/// The width that most glyphs have. Only whole numbers will do for a default (ISO 32000-1, table 117).
-int CommonWidth(const std::vector<TGlyph>& glyphs) {
-    std::map<int, int> counts{{1000, 0}};
-    for (const TGlyph& glyph : glyphs)
-        if (glyph.Advance == std::floor(glyph.Advance))
-            ++counts[int(glyph.Advance)];
-    return std::max_element(counts.begin(), counts.end(),
-                            [](const auto& a, const auto& b) { return a.second < b.second; })
-        ->first;
-}
-
 } // namespace
 
 TEmbeddedFont::TEmbeddedFont(QPDF& pdf, std::shared_ptr<const TFontFace> face)
-    : FFace(std::move(face)), FFont(pdf.makeIndirectObject(QPDFObjectHandle::newDictionary())),
-      FDescendant(pdf.makeIndirectObject(QPDFObjectHandle::newDictionary())),
-      FDescriptor(pdf.makeIndirectObject(QPDFObjectHandle::newDictionary())), FProgram(pdf.newStream()),
-      FToUnicode(pdf.newStream()) {
-    FFont.replaceKey("/Type", Name("Font"));
-    FFont.replaceKey("/Subtype", Name("Type0"));
-    FFont.replaceKey("/Encoding", Name("Identity-H"));
-    FFont.replaceKey("/DescendantFonts", QPDFObjectHandle::newArray({FDescendant}));
-    FFont.replaceKey("/ToUnicode", FToUnicode);
-    FDescendant.replaceKey("/Type", Name("Font"));
-    FDescendant.replaceKey("/Subtype", Name(FFace->IsCff() ? "CIDFontType0" : "CIDFontType2"));
+    : FPdf(pdf), FFace(std::move(face)) {
+    MakeObjects();
+}
+
+TEmbeddedFont::TEmbeddedFont(QPDF& pdf, std::shared_ptr<const TFontFace> face, const TEarlierFont& earlier)
+    : FPdf(pdf), FFace(std::move(face)), FFilledGlyphs(earlier.Glyphs.size()),
+      FFilledMap(ToUnicodeMap(earlier.Glyphs)), FObjects(earlier.Objects) {
+    FGlyphs.GoOnWith(earlier.Glyphs);
+}
+
+void TEmbeddedFont::MakeObjects() {
+    const auto makeDictionary = [this] { return FPdf.makeIndirectObject(QPDFObjectHandle::newDictionary()); };
+    FObjects = {makeDictionary(), makeDictionary(), makeDictionary(), FPdf.newStream(), FPdf.newStream()};
+    auto& [font, descendant, descriptor, program, toUnicode] = FObjects;
+    font.replaceKey("/Type", Name("Font"));
+    font.replaceKey("/Subtype", Name("Type0"));
+    font.replaceKey("/Encoding", Name("Identity-H"));
+    font.replaceKey("/DescendantFonts", QPDFObjectHandle::newArray({descendant}));
+    font.replaceKey("/ToUnicode", toUnicode);
+    descendant.replaceKey("/Type", Name("Font"));
+    descendant.replaceKey("/Subtype", Name(FFace->IsCff() ? "CIDFontType0" : "CIDFontType2"));
     if (!FFace->IsCff())
-        FDescendant.replaceKey("/CIDToGIDMap", Name("Identity"));
-    FDescendant.replaceKey(
+        descendant.replaceKey("/CIDToGIDMap", Name("Identity"));
+    descendant.replaceKey(
         "/CIDSystemInfo",
         QPDFObjectHandle::parse("<< /Registry (Adobe) /Ordering (Identity) /Supplement 0 >>"));
-    FDescendant.replaceKey("/FontDescriptor", FDescriptor);
-    FDescriptor.replaceKey(FFace->IsCff() ? "/FontFile3" : "/FontFile2", FProgram);
+    descendant.replaceKey("/FontDescriptor", descriptor);
+    descriptor.replaceKey(FFace->IsCff() ? "/FontFile3" : "/FontFile2", program);
 }
 
 void TEmbeddedFont::Fill() {
@@ -80,16 +79,18 @@ void TEmbeddedFont::Fill() {
     numbers.reserve(glyphs.size());
     for (const TGlyph& glyph : glyphs)
         numbers.push_back(glyph.Number);
-    const std::string program = SubsetProgram(*FFace, numbers);
-    SetStream(FProgram, program);
-    QPDFObjectHandle dict = FProgram.getDict();
+    const TFontSubset subset = SubsetProgram(*FFace, numbers);
+    SetStream(FObjects.Program, subset.Program);
+    QPDFObjectHandle dict = FObjects.Program.getDict();
     if (FFace->IsCff())
         dict.replaceKey("/Subtype", Name("CIDFontType0C"));
     else
-        dict.replaceKey("/Length1", QPDFObjectHandle::newInteger(qint64(program.size())));
-    SetStream(FToUnicode, map);
-    FillDescriptor(TagOf(program));
+        dict.replaceKey("/Length1", QPDFObjectHandle::newInteger(qint64(subset.Program.size())));
+    SetStream(FObjects.ToUnicode, map);
+    FillDescriptor(TagOf(subset.Program));
     FillWidths(glyphs);
+    if (PdfAPart(FPdf) == 1)
+        FillCidSet(subset.Glyphs);
     FFilledGlyphs = glyphs.size();
     FFilledMap = std::move(map);
 }
@@ -103,28 +104,27 @@ void TEmbeddedFont::FillDescriptor(const std::string& tag) {
     // With glyphs outside one alphabet a subset counts as symbolic.
     const int flags =
         Symbolic | (facts.IsFixedPitch ? FixedPitch : 0) | (facts.ItalicAngle != 0 ? Italic : 0);
-    FFont.replaceKey("/BaseFont", name);
-    FDescendant.replaceKey("/BaseFont", name);
-    FDescriptor.replaceKey("/Type", Name("FontDescriptor"));
-    FDescriptor.replaceKey("/FontName", name);
-    FDescriptor.replaceKey("/Flags", QPDFObjectHandle::newInteger(flags));
-    FDescriptor.replaceKey("/FontBBox", QPDFObjectHandle::newArray({Real(facts.Box[0]), Real(facts.Box[1]),
-                                                                    Real(facts.Box[2]), Real(facts.Box[3])}));
-    FDescriptor.replaceKey("/ItalicAngle", Real(facts.ItalicAngle));
-    FDescriptor.replaceKey("/Ascent", Real(std::round(FFace->Ascent() * 1000)));
-    FDescriptor.replaceKey("/Descent", Real(-std::round(FFace->Descent() * 1000)));
-    FDescriptor.replaceKey("/CapHeight", Real(std::round(facts.CapHeight)));
-    FDescriptor.replaceKey("/StemV", Real(facts.StemWidth));
+    FObjects.Font.replaceKey("/BaseFont", name);
+    FObjects.Descendant.replaceKey("/BaseFont", name);
+    FObjects.Descriptor.replaceKey("/Type", Name("FontDescriptor"));
+    FObjects.Descriptor.replaceKey("/FontName", name);
+    FObjects.Descriptor.replaceKey("/Flags", QPDFObjectHandle::newInteger(flags));
+    FObjects.Descriptor.replaceKey("/FontBBox",
+                                   QPDFObjectHandle::newArray({Real(facts.Box[0]), Real(facts.Box[1]),
+                                                               Real(facts.Box[2]), Real(facts.Box[3])}));
+    FObjects.Descriptor.replaceKey("/ItalicAngle", Real(facts.ItalicAngle));
+    FObjects.Descriptor.replaceKey("/Ascent", Real(std::round(FFace->Ascent() * 1000)));
+    FObjects.Descriptor.replaceKey("/Descent", Real(-std::round(FFace->Descent() * 1000)));
+    FObjects.Descriptor.replaceKey("/CapHeight", Real(std::round(facts.CapHeight)));
+    FObjects.Descriptor.replaceKey("/StemV", Real(facts.StemWidth));
 }
 
+/// Every glyph is listed: that is how a later run knows them.
 void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
-    const int common = CommonWidth(glyphs);
     QPDFObjectHandle widths = QPDFObjectHandle::newArray();
     QPDFObjectHandle group = QPDFObjectHandle::newArray();
     quint32 next = 0;
     for (const TGlyph& glyph : glyphs) {
-        if (glyph.Advance == common)
-            continue;
         if (glyph.Number != next || group.getArrayNItems() == 0) {
             group = QPDFObjectHandle::newArray();
             widths.appendItem(QPDFObjectHandle::newInteger(glyph.Number));
@@ -133,6 +133,19 @@ void TEmbeddedFont::FillWidths(const std::vector<TGlyph>& glyphs) {
         group.appendItem(Real(glyph.Advance));
         next = glyph.Number + 1;
     }
-    FDescendant.replaceKey("/DW", QPDFObjectHandle::newInteger(common));
-    FDescendant.replaceKey("/W", widths);
+    FObjects.Descendant.replaceKey("/W", widths);
+}
+
+/// PDF/A-1 wants to be told which glyphs a subset holds: a bit for each, from the highest of the first byte
+/// on (ISO 19005-1, 6.3.5; ISO 32000-1, table 124).
+void TEmbeddedFont::FillCidSet(const std::vector<quint32>& glyphs) {
+    std::string bits(glyphs.empty() ? 0 : glyphs.back() / 8 + 1, '\0');
+    for (const quint32 glyph : glyphs)
+        bits[glyph / 8] = char(quint8(bits[glyph / 8]) | 0x80U >> glyph % 8);
+    QPDFObjectHandle stream = FObjects.Descriptor.getKey("/CIDSet");
+    if (!stream.isStream()) {
+        stream = FPdf.newStream();
+        FObjects.Descriptor.replaceKey("/CIDSet", stream);
+    }
+    SetStream(stream, bits);
 }

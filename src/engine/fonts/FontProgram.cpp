@@ -87,28 +87,37 @@ TFace Execute(const TPlan& plan) {
     return TFace(plan ? hb_subset_plan_execute_or_fail(plan.get()) : nullptr);
 }
 
+/// The numbers in the face of the glyphs that a plan takes along.
+std::vector<quint32> GlyphsOf(const TPlan& plan, hb_face_t* subset) {
+    const hb_map_t* numbers = hb_subset_plan_new_to_old_glyph_mapping(plan.get());
+    std::vector<quint32> glyphs;
+    for (quint32 i = 0; i < hb_face_get_glyph_count(subset); ++i)
+        if (hb_map_has(numbers, i) != 0)
+            glyphs.push_back(hb_map_get(numbers, i));
+    return glyphs;
+}
+
 /// Glyphs keep their numbers.
-std::string TrueTypeProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
-    const TFace subset = Execute(PlanOf(face, glyphs, HB_SUBSET_FLAGS_RETAIN_GIDS));
-    return subset ? std::string(BytesOf(TBlob(hb_face_reference_blob(subset.get())))) : std::string();
+TFontSubset TrueTypeProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
+    const TPlan plan = PlanOf(face, glyphs, HB_SUBSET_FLAGS_RETAIN_GIDS);
+    const TFace subset = Execute(plan);
+    if (!subset)
+        return {};
+    return {std::string(BytesOf(TBlob(hb_face_reference_blob(subset.get())))), GlyphsOf(plan, subset.get())};
 }
 
 /// Glyphs keep their numbers, or move together and keep them as their CIDs. The latter is for large fonts:
 /// each number that is left free takes some bytes which hardly compress.
-std::string CffProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
+TFontSubset CffProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
     const bool hasCids = HasCids(BytesOf(TableOf(face.Face(), Cff)));
     const TPlan plan = PlanOf(face, glyphs, hasCids ? HB_SUBSET_FLAGS_DEFAULT : HB_SUBSET_FLAGS_RETAIN_GIDS);
     const TFace subset = Execute(plan);
     if (!subset)
         return {};
-    std::string program(BytesOf(TableOf(subset.get(), Cff)));
-    if (!hasCids)
-        return program;
-    const hb_map_t* numbers = hb_subset_plan_new_to_old_glyph_mapping(plan.get());
-    std::vector<quint32> cids;
-    for (quint32 i = 0; i < hb_face_get_glyph_count(subset.get()); ++i)
-        cids.push_back(hb_map_get(numbers, i));
-    return SetCids(program, cids) ? program : std::string();
+    TFontSubset made{std::string(BytesOf(TableOf(subset.get(), Cff))), GlyphsOf(plan, subset.get())};
+    if (hasCids && !SetCids(made.Program, made.Glyphs)) // none is left out: the numbers are those of a row
+        return {};
+    return made;
 }
 
 std::string NameOf(hb_face_t* face) {
@@ -125,12 +134,12 @@ std::string NameOf(hb_face_t* face) {
 
 } // namespace
 
-std::string SubsetProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
-    std::string program = face.IsCff() ? CffProgram(face, glyphs) : TrueTypeProgram(face, glyphs);
-    if (program.empty())
+TFontSubset SubsetProgram(const TFontFace& face, const std::vector<quint32>& glyphs) {
+    TFontSubset subset = face.IsCff() ? CffProgram(face, glyphs) : TrueTypeProgram(face, glyphs);
+    if (subset.Program.empty())
         throw Exception(QStringLiteral("The font \"%1\" is damaged and can't be embedded.")
                             .arg(QString::fromStdString(NameOf(face.Face()))));
-    return program;
+    return subset;
 }
 
 TFontFacts FactsOf(const TFontFace& face) {

@@ -131,6 +131,15 @@ bool TGlyphTexts::NoteSeveral(const TFontFace& face, const TShapedCluster& clust
     return told == text || canonical(told) == canonical(text.toString());
 }
 
+void TGlyphTexts::GoOnWith(const std::vector<TGlyph>& glyphs) {
+    FGlyphs = glyphs;
+    for (size_t i = 0; i < glyphs.size(); ++i) {
+        if (glyphs[i].Number >= FIndexes.size())
+            FIndexes.resize(glyphs[i].Number + 1);
+        FIndexes[glyphs[i].Number] = quint32(i + 1);
+    }
+}
+
 std::vector<TGlyph> TGlyphTexts::Glyphs() const {
     std::vector<TGlyph> sorted = FGlyphs;
     std::sort(sorted.begin(), sorted.end(),

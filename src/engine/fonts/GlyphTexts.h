@@ -19,6 +19,9 @@ public:
     [[nodiscard]] bool Note(const TFontFace& face, const TShapedCluster& cluster, QStringView text,
                             bool rightToLeft);
 
+    /// Takes over glyphs that were noted before, in another run; nothing may be noted yet.
+    void GoOnWith(const std::vector<TGlyph>& glyphs);
+
     [[nodiscard]] Double Advance(quint32 glyph) const { return FGlyphs[FIndexes[glyph] - 1].Advance; }
     [[nodiscard]] size_t Count() const { return FGlyphs.size(); }
     /// Sorted by number.

@@ -46,8 +46,10 @@ QPDFObjectHandle TDocumentDrawing::OpacityState(int fillAlpha, int strokeAlpha) 
 }
 
 int TDocumentDrawing::MinorVersion() const {
+    constexpr int Compression = 2; // of forms; their fonts are as old
     constexpr int Transparency = 4;
-    return std::max(Images.MinorVersion(), FOpacities.empty() ? 0 : Transparency);
+    return std::max({Compression, FNeeded, Fonts.MinorVersion(), Images.MinorVersion(),
+                     FOpacities.empty() ? 0 : Transparency});
 }
 
 QPDFObjectHandle TDocumentDrawing::SharedStream(const std::string& content) {

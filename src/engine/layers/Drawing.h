@@ -4,6 +4,7 @@
 #include "engine/fonts/DocumentFonts.h"
 #include "engine/images/DocumentImages.h"
 
+#include <algorithm>
 #include <map>
 
 /// What one document's forms share. Made for the first thing that is put on a page.
@@ -17,12 +18,15 @@ struct TDocumentDrawing {
 
     /// The minor version of PDF 1 that all this needs.
     [[nodiscard]] int MinorVersion() const;
+    /// For what this doesn't see by itself.
+    void RequireVersion(int minor) { FNeeded = std::max(FNeeded, minor); }
 
     QPDF& Pdf;
     TDocumentFonts Fonts;
     TDocumentImages Images;
 
 private:
+    int FNeeded = 0;
     std::map<std::pair<int, int>, QPDFObjectHandle> FOpacities;
     std::map<std::string, QPDFObjectHandle> FStreams;
 };

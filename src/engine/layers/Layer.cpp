@@ -1,5 +1,6 @@
 #include "engine/layers/Layer.h"
 
+#include "engine/Numbers.h"
 #include "engine/Pages.h"
 
 #include <algorithm>
@@ -18,6 +19,8 @@ TZQCustomLayer::~TZQCustomLayer() {
 }
 
 void TZQCustomLayer::MoveTo(Single x, Single y) {
+    RequireLength("X", Double(x));
+    RequireLength("Y", Double(y));
     FX = x;
     FY = y;
     if (FCollection != nullptr)
@@ -32,11 +35,13 @@ void TZQCustomLayer::SetBounds(const TGPRectF& bounds) {
 }
 
 void TZQCustomLayer::SetWidth(Single width) {
+    RequireLength("Width", Double(width));
     FWidth = width;
     Changed();
 }
 
 void TZQCustomLayer::SetHeight(Single height) {
+    RequireLength("Height", Double(height));
     FHeight = height;
     Changed();
 }

@@ -31,7 +31,8 @@ public:
     [[nodiscard]] Single Y() const { return FY; }
     void SetX(Single x) { MoveTo(x, FY); }
     void SetY(Single y) { MoveTo(FX, y); }
-    /// Puts the top left corner there.
+    /// Puts the top left corner there. This and what sets the size raise EPDFError for a number that no
+    /// page can hold (engine/Numbers.h).
     virtual void MoveTo(Single x, Single y);
     void SetPosition(const TGPPointF& position) { MoveTo(position.X, position.Y); }
     /// Place and size at once.

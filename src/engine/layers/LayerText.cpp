@@ -1,5 +1,6 @@
 #include "engine/layers/LayerText.h"
 
+#include "engine/Numbers.h"
 #include "engine/layers/Drawing.h"
 #include "engine/layers/TextSource.h"
 
@@ -24,6 +25,7 @@ TFontName TZQLayerText::FontName() const {
 }
 
 void TZQLayerText::SetFontSize(Single size) {
+    RequireLength("FontSize", Double(size));
     TTextStyle style = FSource->Style();
     style.Size = Double(size);
     FSource->SetStyle(style);
@@ -56,6 +58,7 @@ void TZQLayerText::SetStrokeColor(ARGB color) {
 }
 
 void TZQLayerText::SetStrokePenWidth(Single width) {
+    RequireLength("StrokePenWidth", Double(width));
     FStrokePenWidth = width;
     Changed();
 }

@@ -2,15 +2,18 @@
 
 #include "engine/ObjectCopier.h"
 #include "engine/PageTreeWriter.h"
+#include "engine/SharedResources.h"
 #include "engine/content/PageContent.h"
+#include "engine/decode/DecodeBudget.h"
 #include "engine/render/UprightAnnotations.h"
 
 #include <qpdf/Buffer.hh>
+#include <qpdf/Pl_Discard.hh>
 #include <qpdf/QPDFAcroFormDocumentHelper.hh>
-#include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace {
 
@@ -46,8 +49,9 @@ public:
         TurnUpright(target, FPage.Rotation());
         QPDFObjectHandle drawn = Entry(target.getKey("/Resources"), "/XObject");
         if (drawn.isDictionary() && drawn.getKeys().size() > FewXObjects)
-            QPDFPageObjectHelper(target).removeUnreferencedResources();
+            DropUnusedResources(target);
         ShowWidgets(target);
+        RequirePaintable(target);
     }
 
 private:
@@ -96,6 +100,29 @@ private:
             field = field.getKey("/Parent");
         }
         return copy;
+    }
+
+    /// The painter decodes as much as there is: content, and whatever passes several filters, which no more
+    /// than hostile pages need.
+    void RequirePaintable(QPDFObjectHandle page) {
+        constexpr qint64 MaxStage = 256 << 20;
+        TDecodeBudget budget(MaxStage, 2 * MaxStage);
+        const TDecodeScope scope(budget);
+        std::unordered_set<quint64> contents;
+        for (const QPDFObjectHandle& part : page.getKey("/Contents").wrapInArray().getArrayAsVector())
+            contents.insert(KeyOf(part));
+        for (QPDFObjectHandle& object : FPdf.getAllObjects()) {
+            if (!object.isStream())
+                continue;
+            QPDFObjectHandle filter = object.getDict().getKey("/Filter");
+            if (!contents.contains(KeyOf(object)) && !IsName(object.getDict().getKey("/Subtype"), "/Form") &&
+                !(filter.isArray() && filter.getArrayNItems() > 1))
+                continue;
+            Pl_Discard nowhere;
+            object.pipeStreamData(&nowhere, nullptr, 0, qpdf_dl_specialized, /*suppress_warnings*/ true,
+                                  /*will_retry*/ false);
+            budget.RequireKept(QStringLiteral("The contents of a page"));
+        }
     }
 
     /// Widgets of a form that is too damaged for it keep the appearance that they have.

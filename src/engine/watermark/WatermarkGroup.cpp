@@ -1,5 +1,6 @@
 #include "engine/watermark/WatermarkGroup.h"
 
+#include "engine/Numbers.h"
 #include "engine/images/ImageFile.h"
 #include "engine/layers/Drawing.h"
 #include "engine/watermark/WatermarkSettings.h"
@@ -22,22 +23,28 @@ template <typename TPosition> Double ShareBefore(TPosition position) {
     return Double(position) / 2;
 }
 
-Double Finite(Single value) {
-    return std::isfinite(value) ? Double(value) : 0;
+const TPDFWatermarkSettings& Checked(const TPDFWatermarkSettings& settings) {
+    RequireLength("FontSize", Double(settings.FFontSize));
+    RequireNumber("Opacity", Double(settings.FOpacity));
+    RequireNumber("Rotation", Double(settings.FRotation));
+    RequireNumber("Scale", Double(settings.FScale));
+    RequireLength("OffsetX", Double(settings.FOffsetX));
+    RequireLength("OffsetY", Double(settings.FOffsetY));
+    return settings;
 }
 
 } // namespace
 
 TPDFWatermarkGroup::TPDFWatermarkGroup(TZQPDFDocument& document, const TPDFWatermarkSettings& settings)
     : TZQPDFXObjectGroup(document, TZQPDFXObjectGroupType::Watermark),
-      FColor(TGPColor::FromColorRef(settings.FColor)),
-      FAlpha(int(std::lround(std::clamp(Finite(settings.FOpacity), 0.0, 1.0) * 255))),
-      FAngle(Finite(settings.FRotation) * std::numbers::pi / 180), FScale(Finite(settings.FScale)),
-      FHorizontal(settings.FHorizontal), FVertical(settings.FVertical), FOffsetX(Finite(settings.FOffsetX)),
-      FOffsetY(Finite(settings.FOffsetY)) {
+      FColor(TGPColor::FromColorRef(Checked(settings).FColor)),
+      FAlpha(int(std::lround(std::clamp(Double(settings.FOpacity), 0.0, 1.0) * 255))),
+      FAngle(Double(settings.FRotation) * std::numbers::pi / 180), FScale(Double(settings.FScale)),
+      FHorizontal(settings.FHorizontal), FVertical(settings.FVertical), FOffsetX(Double(settings.FOffsetX)),
+      FOffsetY(Double(settings.FOffsetY)) {
     SetBehind(settings.FBehindContent);
     SetPageRange(settings.FPageRange);
-    FText.SetStyle({settings.FFontName, settings.FFontStyle, Finite(settings.FFontSize)});
+    FText.SetStyle({settings.FFontName, settings.FFontStyle, Double(settings.FFontSize)});
     if (!settings.FImageFile.isEmpty()) {
         FImage = TImageFile::Load(settings.FImageFile);
         FWidth = FImage->Width();

@@ -38,6 +38,6 @@ public:
 
     /// The watermark as a group for TZQPDFDocument::updateWatermark; it doesn't follow later changes of the
     /// settings. `cached` hands it to the document, else it is the caller's. Raises EFileError or EPDFError
-    /// where the image can't be read.
+    /// where the image can't be read or a number is none that a page can hold.
     [[nodiscard]] TZQPDFXObjectGroup* CreateXObject(TZQPDFDocument& document, bool cached) const;
 };

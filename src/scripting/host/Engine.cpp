@@ -1,6 +1,7 @@
 #include "scripting/host/Engine.h"
 
 #include "base/Exceptions.h"
+#include "base/Settings.h"
 
 #include <QFile>
 #include <QStringDecoder>
@@ -10,7 +11,8 @@ std::unique_ptr<TJSCompiledScript> TJSObject::Compile(const string& Text, const 
 }
 
 TJSEngine::TJSEngine(Cardinal MaxMemory)
-    : FCore(MakeScriptCore({*this, MaxMemory, [this](const TJSMessage& message) { Report(message); },
+    : FCore(MakeScriptCore({*this, MaxMemory, size_t(GetScriptMemory()) * (1 << 20),
+                            [this](const TJSMessage& message) { Report(message); },
                             [] { return StopSignal().Raised(); }})),
       FStopListener([core = FCore.get()] { core->Interrupt(); }) {}
 

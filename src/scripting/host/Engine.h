@@ -35,8 +35,9 @@ private:
 
 class TJSEngine {
 public:
-    /// The limit in bytes holds for everything that scripts keep: objects, strings, buffers, and what native
-    /// objects of theirs weigh.
+    /// The limit in bytes holds for the cells of the library's heap. Everything that scripts hold, with the
+    /// memory behind those cells and what native objects of theirs weigh, has the limit of the settings
+    /// (base/Settings.h).
     explicit TJSEngine(Cardinal MaxMemory);
     virtual ~TJSEngine();
     TJSEngine(const TJSEngine&) = delete;

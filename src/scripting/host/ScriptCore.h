@@ -59,7 +59,8 @@ public:
 /// What a core needs of the program.
 struct TScriptCoreHost {
     TJSEngine& Engine;
-    size_t MaxMemory; ///< bytes
+    size_t MaxMemory;    ///< bytes of the library's own cells
+    size_t ScriptMemory; ///< bytes of all that scripts hold
     std::function<void(const TJSMessage&)> Report;
     std::function<bool()> Stopping;
 };

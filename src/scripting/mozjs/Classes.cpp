@@ -42,6 +42,7 @@ struct TWrapped {
             Classes.FWrappers.erase(found);
         if (Bytes > 0)
             JS::RemoveAssociatedMemory(wrapper, Bytes, JS::MemoryUse::Embedding1);
+        Classes.FOwnedBytes -= Bytes;
         if (Ownership == TOwnership::OfScript && Object != nullptr && Object->parent() == nullptr)
             delete Object.data();
         delete this;
@@ -165,6 +166,7 @@ TOwnership OwnershipOf(const QVariant& result) {
 bool CallMethod(JSContext* cx, unsigned argc, JS::Value* vp) {
     const JS::CallArgs args = JS::CallArgsFromVp(argc, vp);
     return Guarded(cx, [&] {
+        const TMozCore::TCall call(cx);
         const TScriptMember& member = MemberOf(args);
         const QMetaMethod& method = MethodFor(member, args.length());
         const QVariantList arguments = Arguments(member.Classes, method, args);
@@ -183,6 +185,7 @@ QVariantList RawArguments(JSContext* cx, const JS::CallArgs& args, std::vector<T
 bool CallFunction(JSContext* cx, unsigned argc, JS::Value* vp) {
     const JS::CallArgs args = JS::CallArgsFromVp(argc, vp);
     return Guarded(cx, [&] {
+        const TMozCore::TCall call(cx);
         const TScriptMember& member = MemberOf(args);
         const QMetaMethod& first = member.Methods.constFirst();
         std::vector<TJSValue> values;
@@ -206,6 +209,7 @@ bool ReadProperty(JSContext* cx, unsigned argc, JS::Value* vp) {
 bool WriteProperty(JSContext* cx, unsigned argc, JS::Value* vp) {
     const JS::CallArgs args = JS::CallArgsFromVp(argc, vp);
     return Guarded(cx, [&] {
+        const TMozCore::TCall call(cx);
         const TScriptMember& member = MemberOf(args);
         const string what = QStringLiteral("member \"%1\" of %2")
                                 .arg(QString::fromLatin1(member.Name), TWrapped::ScriptName(member.Type));
@@ -340,6 +344,7 @@ JSObject* TClassTable::Wrap(QObject& object, TOwnership ownership) {
     JSObject* wrapper = Must(JS_NewObjectWithGivenProto(FContext, &WrapperClass, prototype));
     if (wrapped->Bytes > 0)
         JS::AddAssociatedMemory(wrapper, wrapped->Bytes, JS::MemoryUse::Embedding1);
+    FOwnedBytes += wrapped->Bytes;
     JS::SetReservedSlot(wrapper, WrappedSlot, JS::PrivateValue(wrapped.release()));
     [[maybe_unused]] QObject* held = guard.release();
     FWrappers.insert(&object, wrapper);

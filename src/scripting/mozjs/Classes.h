@@ -37,6 +37,8 @@ public:
     /// Whether scripts have come to own an object since the last call that shouldn't wait to be collected:
     /// one of a class with the Q_CLASSINFO "ScriptCollect".
     [[nodiscard]] bool TakeUrgent() { return std::exchange(FUrgent, false); }
+    /// What the objects weigh that scripts own.
+    [[nodiscard]] size_t OwnedBytes() const { return FOwnedBytes; }
     /// Raises Exception if the object is gone.
     [[nodiscard]] static QObject& Unwrap(JSObject& wrapper);
 
@@ -53,5 +55,6 @@ private:
     std::map<const QMetaObject*, TMembers> FMembers; ///< outlive every function made for them
     std::map<const QMetaObject*, JS::PersistentRootedObject> FPrototypes;
     bool FUrgent = false;
+    size_t FOwnedBytes = 0;
     QHash<QObject*, JSObject*> FWrappers; ///< weak; a wrapper takes itself out
 };

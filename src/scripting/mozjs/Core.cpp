@@ -7,6 +7,7 @@
 #include <js/Exception.h>
 #include <js/Initialization.h>
 #include <js/Interrupt.h>
+#include <js/MemoryCallbacks.h>
 #include <js/Object.h>
 #include <js/PropertyAndElement.h>
 #include <js/RealmOptions.h>
@@ -28,17 +29,28 @@ constexpr JSClass GlobalClass = {.name = "global",
                                  .spec = nullptr,
                                  .ext = nullptr,
                                  .oOps = nullptr};
-constexpr double MiB = 1024.0 * 1024.0;
+constexpr size_t MiB = 1024 * 1024;
 
 std::atomic<int> LiveCores = 0;
-thread_local bool HasCore = false;
+thread_local JSContext* TheContext = nullptr; ///< of the thread's core
+/// A script that leaves this much more behind than there was before makes a full collection worth while.
+constexpr size_t Growth = 8 * MiB;
+constexpr size_t LongestMessage = 64 * 1024; // bytes
+
+/// A request for a large piece of memory has failed; it is made once more behind this.
+void OnLargeFailure() {
+    if (TheContext != nullptr)
+        JS_GC(TheContext);
+}
 
 /// The library itself, once a process. It can't be shut down under an engine that is still there, as on a
 /// thread that the end of the process has overtaken.
 void UseLibrary() {
     static const bool ready = [] {
+        Allocations::Watch();
         if (!JS_Init())
             throw Exception(QStringLiteral("The script library cannot be initialised."));
+        JS::SetProcessLargeAllocationFailureCallback(OnLargeFailure);
         std::atexit([] {
             if (LiveCores.load() == 0)
                 JS_ShutDown();
@@ -83,7 +95,7 @@ struct TSource {
 
 JSContext* NewContext(size_t maxMemory) {
     UseLibrary();
-    if (HasCore) // a second one would crash
+    if (TheContext != nullptr) // a second one would crash
         throw Exception(QStringLiteral("This thread has a script engine already."));
     JSContext* cx = JS_NewContext(uint32_t(maxMemory));
     if (cx == nullptr)
@@ -94,8 +106,11 @@ JSContext* NewContext(size_t maxMemory) {
 } // namespace
 
 TMozCore::TMozCore(const TScriptCoreHost& host)
-    : FHost(host), FLimit(double(host.MaxMemory)), FContext(NewContext(host.MaxMemory)),
-      FGlobal(FContext.get()), FZoneFigures(FContext.get()), FRejected(FContext.get()) {
+    : FHost(host), FLimit(host.ScriptMemory), FAllocations([this] {
+          FLookAtMemory.store(true, std::memory_order_relaxed);
+          JS_RequestInterruptCallbackCanWait(FContext.get());
+      }),
+      FContext(NewContext(host.MaxMemory)), FGlobal(FContext.get()), FRejected(FContext.get()) {
     JSContext* cx = FContext.get();
     FClasses = std::make_unique<TClassTable>(cx);
     JS_SetContextPrivate(cx, this);
@@ -105,7 +120,8 @@ TMozCore::TMozCore(const TScriptCoreHost& host)
         throw Exception(QStringLiteral("The script library cannot be initialised."));
     if (!Guarded(cx, [this] { OpenGlobal(); }))
         throw Exception(QStringLiteral("There is no memory for a script engine."));
-    HasCore = true;
+    LookAtMemory();
+    TheContext = cx;
     ++LiveCores;
 }
 
@@ -113,7 +129,7 @@ TMozCore::TMozCore(const TScriptCoreHost& host)
 /// objects that scripts own, then the table that it asks.
 TMozCore::~TMozCore() {
     FClasses->Forget();
-    HasCore = false;
+    TheContext = nullptr;
     --LiveCores;
 }
 
@@ -126,12 +142,13 @@ void TMozCore::SetLimits() {
     // Without it, a heap near its limit is collected for minutes before the limit holds.
     JS_SetGCParameter(cx, JSGC_LARGE_HEAP_INCREMENTAL_LIMIT, 100);
     JS_SetGCParameter(cx, JSGC_MAX_NURSERY_BYTES, 4 * 1024 * 1024);
-    // The library's limit counts its own cells only; memory behind them is looked at after each collection,
-    // and a quarter of the limit in new memory makes one.
-    JS_SetGCParameter(cx, JSGC_MALLOC_THRESHOLD_BASE, std::max(1U, uint32_t(FLimit / MiB / 4)));
+    // The library's limit counts its own cells only; a quarter of the other one in new memory behind them
+    // makes a collection.
+    JS_SetGCParameter(cx, JSGC_MALLOC_THRESHOLD_BASE, uint32_t(FLimit / MiB / 4));
     JS::SetLargeArrayBuffersEnabled(/*enable=*/false);
     JS_SetGCCallback(cx, OnCollection, this);
     JS_AddInterruptCallback(cx, OnInterrupt);
+    JS::SetOutOfMemoryCallback(cx, OnOutOfMemory, this);
     JS::SetPromiseRejectionTrackerCallback(cx, OnRejection, this);
     JS::ContextOptionsRef(cx).setWasm(/*flag=*/false).setAsmJS(/*flag=*/false);
 }
@@ -145,17 +162,12 @@ void TMozCore::OpenGlobal() {
         Must(JS_NewGlobalObject(cx, &GlobalClass, /*principals=*/nullptr, JS::FireOnNewGlobalHook, options));
     const JSAutoRealm realm(cx, FGlobal);
     Must(JS::InitRealmStandardClasses(cx));
-    JS::RootedObject figures(cx, Must(js::gc::NewMemoryInfoObject(cx)));
-    JS::RootedValue zone(cx);
-    Must(JS_GetProperty(cx, figures, "zone", &zone) && zone.isObject());
-    FZoneFigures = &zone.toObject();
 }
 
 bool TMozCore::RenewGlobal() {
     JSContext* cx = FContext.get();
     FClasses->Forget();
     FRejected.clear();
-    FZoneFigures = nullptr;
     FGlobal = nullptr;
     JS_GC(cx);
     const bool renewed = Guarded(cx, [this, cx] {
@@ -218,7 +230,8 @@ bool TMozCore::Evaluate(const string& script, const string& scriptName) {
     const string outerName = std::exchange(FScriptName, scriptName);
     {
         const JSAutoRealm realm(FContext.get(), FGlobal);
-        ++FDepth;
+        if (FDepth++ == 0)
+            LookAtMemory();
         succeeded = RunScript(script, scriptName);
         if (FDepth == 1)
             succeeded = (succeeded || !Ended()) && RunJobs() && succeeded;
@@ -283,20 +296,35 @@ void TMozCore::CleanUp(bool succeeded) {
     if (spoilt || Ended())
         DropJobs();
     FExhausted = false;
+    const bool grown = UsedBytes() > FUsedBehindLast + Growth;
     if (spoilt)
         RenewGlobal();
-    if (FClasses->TakeUrgent())
+    if (spoilt || grown)
+        GiveBack();
+    else if (FClasses->TakeUrgent())
         JS_GC(FContext.get());
     else
         JS_MaybeGC(FContext.get());
 }
 
+/// Frees garbage, and has free memory go to the system.
+void TMozCore::GiveBack() {
+    JSContext* cx = FContext.get();
+    JS::PrepareForFullGC(cx);
+    JS::NonIncrementalGC(cx, JS::GCOptions::Shrink, JS::GCReason::API);
+    FUsedBehindLast = UsedBytes();
+    Allocations::GiveBack();
+}
+
 /// What scripts have left in the global scope leaves too little for others.
 bool TMozCore::IsCrowded() {
-    const JSAutoRealm realm(FContext.get(), FGlobal);
-    if (UsedBytes() > FLimit / 2)
+    const auto crowded = [this] {
+        return UsedBytes() > FLimit / 2 ||
+               JS_GetGCParameter(FContext.get(), JSGC_BYTES) > FHost.MaxMemory / 2;
+    };
+    if (crowded())
         JS_GC(FContext.get());
-    return UsedBytes() > FLimit / 2;
+    return crowded();
 }
 
 /// Jobs that a script has left behind hold its memory: each is begun and ends at its first step.
@@ -346,9 +374,11 @@ void TMozCore::ReportText(const string& text) {
 }
 
 void TMozCore::ReportEnded() {
-    ReportText(FExhausted
-                   ? QStringLiteral("out of memory: the script uses more than %1 MiB").arg(FLimit / MiB)
-                   : QStringLiteral("The script was stopped."));
+    ReportText(FExhausted ? QStringLiteral(
+                                "out of memory: a script may hold %1 MB in all, and %2 MB in small objects")
+                                .arg(FLimit / MiB)
+                                .arg(FHost.MaxMemory / MiB)
+                          : QStringLiteral("The script was stopped."));
 }
 
 /// A script that was ended leaves no exception behind.
@@ -370,20 +400,41 @@ void TMozCore::ReportException(const JS::ExceptionStack& stack, TColumns columns
         return ReportText(QStringLiteral("The script failed with an error that has no text."));
     }
     const JSErrorReport* report = builder.report();
+    const char* text = builder.toStringResult().c_str();
     // Running out of memory has no place in the script.
     FHost.Report({.ScriptName = report->filename ? QString::fromUtf8(report->filename) : FScriptName,
                   .Line = int(report->lineno),
                   .Column = int(report->column) + (columns == TColumns::FromZero ? 1 : 0),
-                  .Text = QString::fromUtf8(builder.toStringResult().c_str())});
+                  .Text = QString::fromUtf8(text, qsizetype(qstrnlen(text, LongestMessage)))});
 }
 
-/// Cells of the collector and all memory behind them.
-double TMozCore::UsedBytes() {
-    JSContext* cx = FContext.get();
-    JS::RootedValue behind(cx);
-    if (!JS_GetProperty(cx, FZoneFigures, "mallocBytes", &behind))
-        JS_ClearPendingException(cx);
-    return double(JS_GetGCParameter(cx, JSGC_BYTES)) + (behind.isNumber() ? behind.toNumber() : 0);
+/// Cells of the collector, all that the library holds behind them, and what there is of the program's.
+size_t TMozCore::UsedBytes() const {
+    return JS_GetGCParameter(FContext.get(), JSGC_BYTES) + Allocations::Held() + FClasses->OwnedBytes() +
+           FCharged;
+}
+
+void TMozCore::Charge(size_t bytes) {
+    FCharged += bytes;
+    if (UsedBytes() <= FLimit)
+        return;
+    JS_ReportOutOfMemory(FContext.get());
+    throw EScriptPending();
+}
+
+/// Garbage first, and then the limit: half of what a script has let go would otherwise count.
+void TMozCore::LookAtMemory() {
+    if (FDepth > 0 && UsedBytes() > std::min(FNextCollection, FLimit))
+        JS_GC(FContext.get());
+    const size_t used = UsedBytes();
+    if (FDepth > 0 && used > FLimit)
+        FExhausted = true;
+    FNextCollection = used + FLimit / 4;
+    const size_t others = used - Allocations::Held(); // allocations are all that the library tells
+    const size_t limit = FLimit - std::min(others, FLimit);
+    // Near the limit a script gets so far at least before garbage is looked for once more.
+    const size_t leastNotice = Allocations::Held() + Growth / 2;
+    FAllocations.Set(limit, std::max(leastNotice, std::min(limit, FNextCollection - others)));
 }
 
 void TMozCore::OnCollection(JSContext* cx, JSGCStatus status, JS::GCReason /*reason*/, void* self) {
@@ -394,10 +445,19 @@ void TMozCore::OnCollection(JSContext* cx, JSGCStatus status, JS::GCReason /*rea
     JS_RequestInterruptCallback(cx);
 }
 
+/// The end of the script: one that caught the library's exception would try again and again.
+void TMozCore::OnOutOfMemory(JSContext* cx, void* self) {
+    auto& core = *static_cast<TMozCore*>(self);
+    if (core.FDepth == 0)
+        return;
+    core.FExhausted = true;
+    JS_RequestInterruptCallback(cx);
+}
+
 bool TMozCore::OnInterrupt(JSContext* cx) {
     TMozCore& core = Of(cx);
-    if (core.FLookAtMemory.exchange(false, std::memory_order_relaxed) && core.UsedBytes() > core.FLimit)
-        core.FExhausted = true;
+    if (core.FLookAtMemory.exchange(false, std::memory_order_relaxed))
+        core.LookAtMemory();
     if (!core.Ended() && !core.FDropping)
         return true;
     // A request is served once, and jobs of the script may follow: each ends at its first step.

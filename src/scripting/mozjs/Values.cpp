@@ -2,12 +2,13 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
-#include "scripting/mozjs/Classes.h"
+#include "scripting/mozjs/Core.h"
 
 #include <js/Array.h>
 #include <js/BigInt.h>
 #include <js/Conversions.h>
 #include <js/ForOfIterator.h>
+#include <js/Object.h>
 #include <js/PropertyAndElement.h>
 #include <js/String.h>
 
@@ -55,6 +56,12 @@ Shape ShapeOf(QMetaType type) {
         QStringLiteral("%1: %2 is no %3").arg(what, given, QString::fromLatin1(target.name())));
 }
 
+/// A text on its way into a call, which may hold many.
+string ChargedText(JSContext* cx, JS::HandleString text) {
+    TMozCore::Of(cx).Charge(JS_GetStringLength(text) * sizeof(char16_t));
+    return TextOf(cx, text);
+}
+
 /// Numbers and Booleans have one spelling; an object has none that a path or a caption could be meant by, but
 /// for an error, whose text says what happened.
 string TextFrom(JSContext* cx, JS::HandleValue value, QMetaType target, const string& what) {
@@ -64,7 +71,7 @@ string TextFrom(JSContext* cx, JS::HandleValue value, QMetaType target, const st
             Refuse(what, QStringLiteral("an object"), target);
     }
     JS::RootedString text(cx, Must(JS::ToString(cx, value)));
-    return TextOf(cx, text);
+    return ChargedText(cx, text);
 }
 
 QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType target, const string& what) {
@@ -79,7 +86,7 @@ QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType tar
         JS::RootedId id(cx, ids[i]);
         Must(JS_IdToValue(cx, id, &key) && JS_GetPropertyById(cx, object, id, &value));
         JS::RootedString keyText(cx, Must(JS::ToString(cx, key)));
-        const string name = TextOf(cx, keyText);
+        const string name = ChargedText(cx, keyText);
         const QMetaProperty member = type.property(type.indexOfProperty(Narrow(name).constData()));
         if (!member.isValid())
             throw EConvertError(
@@ -90,6 +97,9 @@ QVariant RecordFrom(TClassTable& classes, JS::HandleObject object, QMetaType tar
     }
     return record;
 }
+
+/// What an item of a list takes beside its text, at least.
+constexpr size_t ItemBytes = 64;
 
 QVariant ListFrom(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
     JSContext* cx = classes.Context();
@@ -106,9 +116,29 @@ QVariant ListFrom(TClassTable& classes, JS::HandleValue value, QMetaType target,
         Must(iterator.next(&item, &done));
         if (done)
             return list;
+        TMozCore::Of(cx).Charge(ItemBytes);
         const string place = QStringLiteral("%1, item %2").arg(what).arg(index);
         items.addValue(ConvertTo(FromScript(classes, item, itemType, place), itemType, place));
     }
+}
+
+/// Whether its own members are all there is to it. A Map, a Date, a function, an array or an object of the
+/// program would else be taken for a record of which nothing is given.
+bool IsPlain(JSContext* cx, JS::HandleObject object) {
+    js::ESClass kind = js::ESClass::Other;
+    Must(JS::GetBuiltinClass(cx, object, &kind));
+    return kind == js::ESClass::Object;
+}
+
+/// Raises EConvertError for one that has more than 64 bits.
+QVariant WholeFrom(JS::BigInt* number, QMetaType target, const string& what) {
+    qint64 whole = 0;
+    quint64 large = 0;
+    if (JS::BigIntFits(number, &whole))
+        return whole;
+    if (JS::BigIntFits(number, &large))
+        return large;
+    Refuse(what, QStringLiteral("a whole number of more than 64 bits"), target);
 }
 
 QVariant FromObject(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
@@ -119,7 +149,9 @@ QVariant FromObject(TClassTable& classes, JS::HandleValue value, QMetaType targe
             return QVariant::fromValue<QObject*>(&TClassTable::Unwrap(*object));
         break;
     case Shape::Record:
-        return RecordFrom(classes, object, target, what);
+        if (IsPlain(classes.Context(), object))
+            return RecordFrom(classes, object, target, what);
+        break;
     case Shape::List:
         return ListFrom(classes, value, target, what);
     default:
@@ -186,10 +218,10 @@ QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType targe
         return value.toNumber();
     if (value.isString()) {
         JS::RootedString text(cx, value.toString());
-        return TextOf(cx, text);
+        return ChargedText(cx, text);
     }
     if (value.isBigInt())
-        return QVariant::fromValue(JS::ToBigInt64(value.toBigInt()));
+        return WholeFrom(value.toBigInt(), target, what);
     if (value.isObject())
         return FromObject(classes, value, target, what);
     Refuse(what, QStringLiteral("a symbol"), target);

@@ -1,0 +1,5 @@
+#include "base/Version.h"
+
+string ProgramVersion() {
+    return QStringLiteral(MORVANE_VERSION);
+}

@@ -1,0 +1,30 @@
+#include "engine/content/EarlierForms.h"
+
+#include "engine/content/PageContent.h"
+
+#include <unordered_set>
+
+std::vector<QPDFObjectHandle> FontsOfEarlierForms(const TDocumentCore& core) {
+    std::vector<QPDFObjectHandle> fonts;
+    std::unordered_set<quint64> seen; // forms and fonts
+    const auto take = [&](QPDFObjectHandle form) {
+        if (!form.isStream() || !seen.insert(KeyOf(form)).second)
+            return;
+        QPDFObjectHandle used = Entry(Entry(form.getDict(), "/Resources"), "/Font");
+        if (!used.isDictionary())
+            return;
+        for (auto& [name, font] : used.getDictAsMap())
+            if (font.isIndirect() && seen.insert(KeyOf(font)).second)
+                fonts.push_back(font);
+    };
+    for (const auto& item : core.Pages.Items()) {
+        QPDFObjectHandle drawn = Entry(item->Object().Attribute("/Resources"), "/XObject");
+        for (int i = 0; drawn.isDictionary(); ++i) {
+            QPDFObjectHandle form = drawn.getKey(FormName(i));
+            if (form.isNull())
+                break;
+            take(form);
+        }
+    }
+    return fonts;
+}

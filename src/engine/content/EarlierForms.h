@@ -1,0 +1,6 @@
+#pragma once
+// What earlier runs have put on a document's pages.
+#include "engine/DocumentCore.h"
+
+/// The fonts of the forms that they drew, each once.
+[[nodiscard]] std::vector<QPDFObjectHandle> FontsOfEarlierForms(const TDocumentCore& core);

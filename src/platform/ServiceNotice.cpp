@@ -1,0 +1,56 @@
+#include "platform/ServiceNotice.h"
+
+#include "base/Printable.h"
+
+#include <cstddef>
+#include <cstring>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+TServiceNotice::TServiceNotice(const NarrowString& address) : FAddress(address) {
+    const bool named = address.startsWith('/') || (address.startsWith('@') && address.size() > 1);
+    if (named && size_t(address.size()) < sizeof(sockaddr_un::sun_path))
+        FSocket = TDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+void TServiceNotice::Ready(const string& status) {
+    const std::lock_guard guard(FLock);
+    FStatus = status;
+    Send("READY=1\nSTATUS=" + Narrow(Printable(status)));
+}
+
+void TServiceNotice::SetStatus(const string& status) {
+    const std::lock_guard guard(FLock);
+    if (status == FStatus)
+        return;
+    FStatus = status;
+    Send("STATUS=" + Narrow(Printable(status)));
+}
+
+void TServiceNotice::Stopping() {
+    const std::lock_guard guard(FLock);
+    Send("STOPPING=1");
+}
+
+void TServiceNotice::Send(const NarrowString& words) {
+    if (!FSocket)
+        return;
+    sockaddr_un to{};
+    to.sun_family = AF_UNIX;
+    std::memcpy(to.sun_path, FAddress.constData(), size_t(FAddress.size()));
+    if (FAddress.startsWith('@'))
+        to.sun_path[0] = '\0';
+    const auto size = socklen_t(offsetof(sockaddr_un, sun_path) + size_t(FAddress.size()));
+    [[maybe_unused]] const ssize_t sent =
+        ::sendto(FSocket.Number(), words.constData(), size_t(words.size()), MSG_NOSIGNAL,
+                 reinterpret_cast<const sockaddr*>(&to), size);
+}
+
+TServiceNotice& ServiceNotice() {
+    static auto& notice = []() -> TServiceNotice& {
+        const NarrowString address = qgetenv("NOTIFY_SOCKET");
+        qunsetenv("NOTIFY_SOCKET");
+        return *new TServiceNotice(address); // threads may outlast statics
+    }();
+    return notice;
+}

@@ -1,0 +1,56 @@
+#pragma once
+// What became of a file: every file that is taken up ends in one of these.
+#include "engine/Warnings.h"
+
+#include <QList>
+
+enum class TOutcomeState {
+    Done,
+    DoneWithWarnings,
+    Failed,  ///< the document or the list is at fault
+    Waiting, ///< the surroundings are, or the file isn't ready: it stays and is taken up again
+    Stopped, ///< the agent was told to end: the file stays for its next start
+};
+
+/// Why. Names are for people and programs to filter by, and are never changed.
+enum class TReasonCode {
+    DamageRepaired,       ///< damage.repaired
+    DamagePagesLost,      ///< damage.pages-lost
+    DamageContent,        ///< damage.content-unreadable
+    SignatureInvalidated, ///< signature.invalidated
+    PermissionRefused,    ///< permission.refused
+    FieldsLost,           ///< import.fields-lost
+    MetadataUnreadable,   ///< metadata.unreadable
+    ContentNotShown,      ///< content.not-shown
+    NamesUnreadable,      ///< names.unreadable
+    ActionRaised,         ///< action.raised
+    ListUnknown,          ///< list.unknown
+    WorkerCrashed,        ///< worker.crashed
+    InputProtected,       ///< input.protected
+    InputBusy,            ///< input.busy
+    InputReplaced,        ///< input.replaced
+    InputUnreadable,      ///< input.unreadable
+    InputNotPdf,          ///< input.not-pdf
+    FolderUnusable,       ///< folder.unusable
+    DiskFull,             ///< disk.full
+    ClaimRefused,         ///< claim.refused
+    ClaimElsewhere,       ///< claim.elsewhere
+    Other,                ///< other
+};
+/// As in "damage.repaired".
+[[nodiscard]] string ReasonName(TReasonCode code);
+
+[[nodiscard]] TReasonCode ReasonOf(TWarningKind kind);
+
+struct TReason {
+    TReasonCode Code = TReasonCode::Other;
+    string Step; ///< as in "action 3, AddWatermark"; empty where no action is concerned
+    string Text;
+};
+
+struct TOutcome {
+    TOutcomeState State = TOutcomeState::Done;
+    QList<TReason> Reasons;
+    string Result; ///< path of the published result; empty without one
+    int Pages = 0; ///< of the result
+};
