@@ -131,7 +131,7 @@ void TfrmJavaScriptEditor::jsScriptGetAutoCompletionList(const string& AToken, T
 
 void TfrmJavaScriptEditor::TeButton1Click() {
     const string text = jsScript->Text();
-    if (!FEngine || text.isEmpty() || FEngine->Global().Compile(text, ":inline:"))
+    if (FEngine == nullptr || text.isEmpty() || FEngine->Global().Compile(text, ":inline:"))
         accept();
     else
         ShowError();

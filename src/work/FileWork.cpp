@@ -4,6 +4,7 @@
 #include "base/Journal.h"
 #include "base/Reflection.h"
 #include "engine/Document.h"
+#include "scripting/Occasion.h"
 #include "scripting/ParkedDocuments.h"
 #include "work/Surroundings.h"
 
@@ -27,6 +28,7 @@ string StepName(int index, const TPDFAction& action) {
 /// False if a stop cut the actions short. What a stop does to an interruptible action can't be told from what
 /// it would have done, so such a one counts as cut short, too.
 bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& reporter, string& step) {
+    const TScriptOccasion occasion(work.Source, work.ActionName);
     for (int i = 0; i < work.Actions->Count(); ++i) {
         TPDFAction& action = *(*work.Actions)[i];
         if (reporter.Terminated())
