@@ -1,12 +1,17 @@
 #include "desktop/ScriptEditorDialog.h"
 
+#include "desktop/ScriptChecker.h"
 #include "desktop/memo/MemoPane.h"
 #include "editor/style/JSMemoStyler.h"
+#include "editor/text/TextForm.h"
 #include "scripting/host/Engine.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QSessionManager>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -14,6 +19,7 @@
 namespace {
 
 const string DefaultKey = QStringLiteral("{DEFAULT}");
+const string Caption = QStringLiteral("Javascript editor");
 
 TCompletionEntry EntryOf(const string& source) {
     string method;
@@ -29,10 +35,10 @@ string RemoveFirst(string text, const string& part) {
 
 } // namespace
 
-TfrmJavaScriptEditor::TfrmJavaScriptEditor(QWidget* owner)
-    : QDialog(owner), FPane(new TMemoPane(this)), jsScript(&FPane->Editor().Memo()),
+TfrmJavaScriptEditor::TfrmJavaScriptEditor(QWidget* owner, TManners manners)
+    : QDialog(owner), FManners(manners), FPane(new TMemoPane(this)), jsScript(&FPane->Editor().Memo()),
       AdvJSMemoStyler1(std::make_unique<TAdvJSMemoStyler>()) {
-    setWindowTitle(QStringLiteral("Javascript editor"));
+    setWindowTitle(Caption);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     setSizeGripEnabled(/*enabled=*/true);
     auto* rows = new QVBoxLayout(this);
@@ -44,6 +50,8 @@ TfrmJavaScriptEditor::TfrmJavaScriptEditor(QWidget* owner)
     buttons->addWidget(TeButton2);
     rows->addLayout(buttons);
     SetUpScript();
+    if (FManners == TManners::Comfortable)
+        SetUpComforts();
     constexpr QSize InitialSize(760, 560);
     resize(InitialSize);
     FPane->Editor().setFocus();
@@ -81,6 +89,24 @@ void TfrmJavaScriptEditor::SetUpScript() {
     };
 }
 
+void TfrmJavaScriptEditor::SetUpComforts() {
+    constexpr int Steps = 10'000;
+    constexpr int RestTime = 700; // milliseconds
+    AdvJSMemoStyler1->UseTodaysLanguage();
+    jsScript->Rules().FCaseSensitive = true;
+    jsScript->SetStyler(AdvJSMemoStyler1.get());
+    jsScript->Settings.TurnOnComforts();
+    jsScript->KeepExactHistory(Steps);
+    FPane->Editor().YieldCompletion();
+    auto* save = new QShortcut(QKeySequence::Save, this);
+    connect(save, &QShortcut::activated, this, [this] { Save(); });
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &TfrmJavaScriptEditor::SessionEnds,
+            Qt::DirectConnection);
+    connect(&FPane->Editor(), &TMemoWidget::StateChanged, this, [this] { TakeState(); });
+    FRest.setSingleShot(/*singleShot=*/true);
+    FRest.setInterval(RestTime);
+}
+
 void TfrmJavaScriptEditor::FormCreate() {
     jsScript->SetText({});
 }
@@ -90,17 +116,50 @@ void TfrmJavaScriptEditor::GetMethodAndHint(const string& source, string& method
     hint = RemoveFirst(RemoveFirst(source, QStringLiteral("procedure ")), QStringLiteral("function "));
 }
 
-bool TfrmJavaScriptEditor::ScriptEdit(string& jsSource, TJSEngine* Engine, TJSCompletion* AutoCompletion) {
-    TfrmJavaScriptEditor form(QApplication::activeWindow());
-    form.FEngine = Engine;
-    form.FAutoCompletion = AutoCompletion;
-    form.jsScript->SetText(jsSource);
-    if (AutoCompletion)
-        form.OfferCompletion();
-    if (form.exec() != QDialog::Accepted)
-        return false;
-    jsSource = form.jsScript->Text();
-    return true;
+bool TfrmJavaScriptEditor::ScriptEdit(string& jsSource, TJSEngine* Engine, TJSCompletion* AutoCompletion,
+                                      TManners manners) {
+    TfrmJavaScriptEditor form(QApplication::activeWindow(), manners);
+    bool saved = false;
+    const auto take = [&jsSource, &saved, original = jsSource](const string& text) {
+        jsSource = WithFormOf(original, text, TMemoSettings().FTabSize);
+        return saved = true;
+    };
+    form.Begin({{}, jsSource, /*ReadOnly=*/false, take}, Engine, AutoCompletion);
+    const bool accepted = form.exec() == QDialog::Accepted;
+    if (manners == TManners::Rule && accepted)
+        jsSource = form.jsScript->Text();
+    return manners == TManners::Rule ? accepted : saved;
+}
+
+void TfrmJavaScriptEditor::EditFile(const TEditedScript& script, TJSEngine* Engine,
+                                    TJSCompletion* AutoCompletion) {
+    TfrmJavaScriptEditor form(QApplication::activeWindow(), TManners::Comfortable);
+    form.Begin(script, Engine, AutoCompletion);
+    form.exec();
+}
+
+void TfrmJavaScriptEditor::Begin(const TEditedScript& script, TJSEngine* engine, TJSCompletion* table) {
+    FScript = script;
+    FEngine = engine;
+    FAutoCompletion = table;
+    if (FManners == TManners::Rule)
+        jsScript->SetText(script.Text);
+    else
+        jsScript->SetWholeText(script.Text);
+    if (FAutoCompletion)
+        OfferCompletion();
+    if (FManners == TManners::Rule)
+        return;
+    jsScript->Settings.FReadOnly = script.ReadOnly;
+    const string file = script.Name + (script.ReadOnly ? QStringLiteral(" (read-only)") : string());
+    setWindowTitle(script.Name.isEmpty() ? windowTitle() + QStringLiteral("[*]")
+                                         : file + QStringLiteral("[*] - ") + windowTitle());
+    FRevision = jsScript->Lines().Revision();
+    if (!FEngine)
+        return;
+    FChecker = std::make_unique<TScriptChecker>();
+    connect(FChecker.get(), &TScriptChecker::Checked, this, &TfrmJavaScriptEditor::TakeCheck);
+    connect(&FRest, &QTimer::timeout, this, [this] { FChecker->Check(jsScript->WholeText()); });
 }
 
 void TfrmJavaScriptEditor::OfferCompletion() {
@@ -122,36 +181,118 @@ void TfrmJavaScriptEditor::OfferCompletion() {
 }
 
 void TfrmJavaScriptEditor::jsScriptGetAutoCompletionList(const string& AToken, TCompletionList& AList) const {
-    if (!FAutoCompletion || !FAutoCompletion->contains(AToken))
+    if (!FAutoCompletion)
         return;
-    AList.clear();
-    for (const string& source : FAutoCompletion->value(AToken))
-        AList.push_back(EntryOf(source));
+    const bool members =
+        FManners == TManners::Comfortable && AToken.endsWith(u'.') && !AToken.startsWith(u'{');
+    if (FAutoCompletion->contains(AToken)) {
+        AList.clear();
+        for (const string& source : FAutoCompletion->value(AToken))
+            AList.push_back(EntryOf(source));
+    } else if (members && FPane->Editor().Completion().Requested()) {
+        // Whatever is before the dot may be a document: members come before what is global.
+        TCompletionList all;
+        for (auto entry = FAutoCompletion->cbegin(); entry != FAutoCompletion->cend(); ++entry) {
+            for (const string& source : entry.key() == DefaultKey ? QStringList() : entry.value())
+                all.push_back(EntryOf(source));
+        }
+        AList.insert(AList.begin(), all.begin(), all.end());
+    }
+}
+
+bool TfrmJavaScriptEditor::IsRight() {
+    const string text = FManners == TManners::Rule ? jsScript->Text() : jsScript->WholeText();
+    return !FEngine || text.isEmpty() || FEngine->Global().Compile(text, ":inline:");
 }
 
 void TfrmJavaScriptEditor::TeButton1Click() {
-    const string text = jsScript->Text();
-    if (FEngine == nullptr || text.isEmpty() || FEngine->Global().Compile(text, ":inline:"))
+    if (FManners == TManners::Rule && !IsRight())
+        return ShowError();
+    if (FManners == TManners::Rule || FScript.ReadOnly || Save())
         accept();
-    else
-        ShowError();
 }
 
-/// The dialog stays open; the engine's word on the error shows where it is, if it is anywhere.
-void TfrmJavaScriptEditor::ShowError() {
-    const TJSMessage message = FEngine->LastMessage();
+/// The engine's word on an error is shown where it is, if it is anywhere.
+void TfrmJavaScriptEditor::MarkError(const TJSMessage& message) {
     jsScript->ErrorMarks().Clear();
-    if (message.Line <= 0) {
-        FPane->ShowMessage(message.Text, TMessageKind::Error);
+    if (message.Line <= 0)
         return;
-    }
     const int row = message.Line - 1;
     const int column = std::max(0, message.Column - 1);
     int wordStart = 0;
     int wordEnd = 0;
     jsScript->Words().WordBounds(column, row, wordStart, wordEnd);
     jsScript->ErrorMarks().Set(row, column, wordEnd - column);
+}
+
+/// The dialog stays open.
+void TfrmJavaScriptEditor::ShowError() {
+    const TJSMessage message = FEngine->LastMessage();
+    MarkError(message);
+    if (message.Line <= 0) {
+        FPane->ShowMessage(message.Text, TMessageKind::Error);
+        return;
+    }
     FPane->GoTo(message.Line, message.Column);
     FPane->ShowMessage(QStringLiteral("Line %1: %2").arg(message.Line).arg(message.Text),
                        TMessageKind::Error);
+}
+
+/// What is found while the user writes moves nothing.
+void TfrmJavaScriptEditor::TakeCheck(const TJSMessage& message) {
+    if (FRevision != jsScript->Lines().Revision())
+        return;
+    MarkError(message);
+    if (message.Line > 0)
+        FPane->ShowMessage(QStringLiteral("Line %1: %2").arg(message.Line).arg(message.Text),
+                           TMessageKind::Error);
+}
+
+void TfrmJavaScriptEditor::TakeState() {
+    setWindowModified(!FScript.ReadOnly && !jsScript->UndoList().IsAtSaved());
+    if (FChecker && std::exchange(FRevision, jsScript->Lines().Revision()) != jsScript->Lines().Revision())
+        FRest.start();
+}
+
+bool TfrmJavaScriptEditor::Save() {
+    if (FScript.ReadOnly)
+        return false;
+    jsScript->UndoList().Flush();
+    if (!IsRight()) {
+        ShowError();
+        const auto answer = QMessageBox::question(
+            this, Caption, QStringLiteral("The script has an error. Save it all the same?"),
+            QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+        if (answer != QMessageBox::Save)
+            return false;
+    }
+    if (!FScript.Save || !FScript.Save(jsScript->WholeText()))
+        return false;
+    jsScript->MarkSaved();
+    TakeState();
+    return true;
+}
+
+bool TfrmJavaScriptEditor::MayClose() {
+    jsScript->UndoList().Flush();
+    if (FManners == TManners::Rule || FScript.ReadOnly || jsScript->UndoList().IsAtSaved())
+        return true;
+    const auto answer = QMessageBox::question(
+        this, Caption, QStringLiteral("The script has been changed. Save the changes?"),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save());
+}
+
+/// Cancel, Escape and the window's own button.
+void TfrmJavaScriptEditor::reject() {
+    if (MayClose())
+        QDialog::reject();
+}
+
+void TfrmJavaScriptEditor::SessionEnds(QSessionManager& session) {
+    if (jsScript->UndoList().IsAtSaved() || !session.allowsInteraction())
+        return;
+    if (!MayClose())
+        session.cancel();
+    session.release();
 }

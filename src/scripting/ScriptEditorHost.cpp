@@ -17,6 +17,17 @@ THostSlot<TScriptEditorHost, THeadlessScriptEditorHost> Slot;
 
 } // namespace
 
+void TScriptEditorHost::EditFile(const TEditedScript& script, TJSEngine* Engine,
+                                 TJSCompletion* AutoCompletion) {
+    string text = script.Text;
+    while (ScriptEdit(text, Engine, AutoCompletion)) {
+        const bool added = text.endsWith(u'\n') && !script.Text.isEmpty() && !script.Text.endsWith(u'\n') &&
+                           !script.Text.endsWith(u'\r');
+        if (script.Save(added ? text.chopped(1) : text)) // a line end that this editor adds
+            return;
+    }
+}
+
 TScriptEditorHost& ScriptEditorHost() {
     return Slot.Get();
 }

@@ -141,7 +141,7 @@ TEST_F(EditScriptTest, SavesInTheFormThatTheFileHad) {
         {"a;\n", "a;\n", "b;\n\xC3\xBC;\n", "b;\n\xC3\xBC;\n"},
         {"a;", "a;", "b;\nc;\n", "b;\nc;"},
         {"a;\r\nb;\r\n", "a;\r\nb;\r\n", "x;\ny;\n\n", "x;\r\ny;\r\n\r\n"},
-        {"a;\r\nb;\nc;\n", "a;\r\nb;\nc;\n", "x;\r\ny;\n", "x;\ny;\n"}, // as most lines
+        {"a;\r\nb;\nc;\n", "a;\r\nb;\nc;\n", "x;\r\ny;\n", "x;\r\ny;\n"}, // each line as it was
         {"\xEF\xBB\xBF"
          "a;\r\n",
          "a;\r\n", "b;\n",

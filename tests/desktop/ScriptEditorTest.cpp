@@ -5,6 +5,7 @@
 #include "desktop/memo/MemoPane.h"
 #include "platform/StopSignal.h"
 
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
@@ -38,6 +39,12 @@ public:
         return texts;
     }
     void Type(const char* text) { RealInput::Type(&Editor(), QString::fromUtf8(text)); }
+    /// A question has taken the focus.
+    void Return() {
+        FForm.activateWindow();
+        Editor().setFocus();
+        (void)QTest::qWaitForWindowActive(&FForm);
+    }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         RealInput::Click(QApplication::focusWidget(), key, modifiers);
     }
@@ -69,7 +76,7 @@ protected:
             if (form.isVisible())
                 form.reject();
         });
-        return ScriptEditorHost().ScriptEdit(source, engine, table) ? Answer::Yes : Answer::No;
+        return TfrmJavaScriptEditor::ScriptEdit(source, engine, table) ? Answer::Yes : Answer::No;
     }
     Answer Edit(string& source, const std::function<void(TOpenEditor&)>& user) {
         TJSCompletion table = BuildCompletion();
@@ -215,6 +222,174 @@ TEST_F(ScriptEditorTest, AnEmptyScriptIsNotCompiled) {
     string source;
     EXPECT_EQ(Edit(source, [](TOpenEditor& editor) { editor.Click("OK"); }), Answer::Yes);
     EXPECT_EQ(source, "");
+}
+
+/// The dialog as people have it: with a file behind it.
+class ComfortableEditorTest : public ScriptEditorTest {
+protected:
+    void EditFile(const string& text, const std::function<void(TOpenEditor&, TfrmJavaScriptEditor&)>& user) {
+        OnShown<TfrmJavaScriptEditor>([&user](TfrmJavaScriptEditor& form) {
+            TOpenEditor editor(form);
+            user(editor, form);
+            if (form.isVisible()) {
+                Answer(QMessageBox::Discard);
+                form.close();
+            }
+        });
+        TJSCompletion table = BuildCompletion();
+        ScriptEditorHost().EditFile({"a.js", text, ReadOnly,
+                                     [this](const string& now) {
+                                         if (!Refuses)
+                                             Saved.append(now);
+                                         return !Refuses;
+                                     }},
+                                    &GetDocumentScripting(), &table);
+    }
+    /// Answers the next question.
+    static void Answer(QMessageBox::StandardButton button) {
+        OnShown<QMessageBox>([button](QMessageBox& box) {
+            ++Questions;
+            box.button(button)->click();
+        });
+    }
+    void SetUp() override { Questions = 0; }
+
+    QStringList Saved;
+    bool Refuses = false;
+    bool ReadOnly = false;
+    static inline int Questions = 0;
+};
+
+TEST_F(ComfortableEditorTest, ClosingWithChangesAsks) {
+    const struct {
+        QMessageBox::StandardButton Button;
+        bool Stays;
+        QStringList Saved;
+    } cases[] = {{QMessageBox::Cancel, true, {}},
+                 {QMessageBox::Discard, false, {}},
+                 {QMessageBox::Save, false, {"xa"}}};
+    for (const auto& c : cases)
+        for (const char* way : {"Cancel", "close", "Escape"}) {
+            Saved.clear();
+            Questions = 0;
+            EditFile("a", [&](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
+                EXPECT_FALSE(form.isWindowModified());
+                editor.Type("x");
+                EXPECT_TRUE(QTest::qWaitFor([&] { return form.isWindowModified(); }));
+                Answer(c.Button);
+                if (way[0] == 'C')
+                    editor.Click("Cancel");
+                else if (way[0] == 'c')
+                    form.close();
+                else
+                    form.reject();
+                EXPECT_EQ(editor.IsOpen(), c.Stays) << way;
+                EXPECT_EQ(Questions, 1) << way;
+                EXPECT_EQ(editor.Text(), "xa\n");
+            });
+            EXPECT_EQ(Saved, c.Saved) << way;
+        }
+    Questions = 0;
+    EditFile("a", [](TOpenEditor& editor, TfrmJavaScriptEditor&) {
+        editor.Type("x");
+        editor.Key(Qt::Key_Z, Qt::ControlModifier); // as it was
+        editor.Click("Cancel");
+        EXPECT_FALSE(editor.IsOpen());
+    });
+    EXPECT_EQ(Questions, 0);
+}
+
+TEST_F(ComfortableEditorTest, SavingStaysAndARefusalKeepsEverything) {
+    EditFile("a\n", [this](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
+        TAdvMemo& memo = form.Script();
+        EXPECT_EQ(memo.Lines().Count(), 2); // the empty last line shows
+        EXPECT_TRUE(form.windowTitle().startsWith("a.js"));
+        editor.Type("x");
+        Refuses = true;
+        editor.Key(Qt::Key_S, Qt::ControlModifier);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return form.isWindowModified(); }));
+        EXPECT_TRUE(memo.Caret().IsAt(1, 0));
+        EXPECT_TRUE(memo.CanUndo());
+        EXPECT_EQ(memo.GetModifiedState(0), lmModified);
+        Refuses = false;
+        editor.Key(Qt::Key_S, Qt::ControlModifier);
+        EXPECT_EQ(Saved, QStringList("xa\n"));
+        EXPECT_FALSE(form.isWindowModified());
+        EXPECT_EQ(memo.GetModifiedState(0), lmSaved);
+        EXPECT_TRUE(memo.CanUndo());
+        editor.Click("OK");
+        EXPECT_FALSE(editor.IsOpen());
+    });
+    EXPECT_EQ(Questions, 0);
+}
+
+TEST_F(ComfortableEditorTest, AnErrorIsMarkedWhileTypingAndSavedOnlyAfterAQuestion) {
+    EditFile("", [this](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
+        editor.Type("var b = ;");
+        const auto marked = [&form] { return !form.Script().ErrorMarks().Of(0).empty(); };
+        EXPECT_TRUE(QTest::qWaitFor(marked));
+        EXPECT_TRUE(form.Script().Caret().IsAt(9, 0)); // that moves nothing
+        Answer(QMessageBox::Cancel);
+        editor.Click("OK");
+        EXPECT_TRUE(editor.IsOpen());
+        EXPECT_EQ(Saved, QStringList());
+        editor.Return();
+        Answer(QMessageBox::Save);
+        editor.Key(Qt::Key_S, Qt::ControlModifier);
+        EXPECT_EQ(Saved, QStringList("var b = ;"));
+        EXPECT_TRUE(editor.IsOpen());
+        editor.Return();
+        editor.Key(Qt::Key_Left);
+        editor.Type("1");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !marked(); }));
+    });
+    EXPECT_EQ(Questions, 3); // the last one on leaving
+}
+
+TEST_F(ComfortableEditorTest, KeysArriveAsTypedWhereverTheListOpens) {
+    const string script = "for (var i = 0; i < 3; i++) { f(\"a, b\"); }\nif (Document.PageCount() > 1) {\n"
+                          "    Document.Save();\n}\n";
+    EditFile("", [&script](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
+        editor.Completion().FAutoCompletion.Delay = 0; // between any two keys
+        for (const QString& line : script.split('\n', Qt::SkipEmptyParts)) {
+            RealInput::Type(&editor.Editor(), line.trimmed());
+            editor.Key(Qt::Key_Return);
+        }
+        EXPECT_EQ(form.Script().WholeText(), script);
+        for (int i = 0; i < 200 && form.Script().CanUndo(); ++i)
+            editor.Key(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(form.Script().WholeText(), "");
+        for (int i = 0; i < 200 && form.Script().CanRedo(); ++i)
+            editor.Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(form.Script().WholeText(), script);
+    });
+}
+
+TEST_F(ComfortableEditorTest, AFileThatCannotBeWrittenIsRead) {
+    ReadOnly = true;
+    EditFile("a", [](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
+        EXPECT_TRUE(form.windowTitle().contains("read-only"));
+        editor.Type("x");
+        EXPECT_EQ(editor.Text(), "a\n");
+        editor.Key(Qt::Key_S, Qt::ControlModifier);
+        editor.Click("OK");
+        EXPECT_FALSE(editor.IsOpen());
+    });
+    EXPECT_EQ(Saved, QStringList());
+}
+
+TEST_F(ComfortableEditorTest, AScriptWithoutAFileKeepsItsForm) {
+    string source = "a\r\n\tb";
+    OnShown<TfrmJavaScriptEditor>([](TfrmJavaScriptEditor& form) {
+        TOpenEditor editor(form);
+        editor.Type("x");
+        editor.Key(Qt::Key_S, Qt::ControlModifier); // confirms, and stays
+        editor.Type("y");
+        Answer(QMessageBox::Discard);
+        editor.Click("Cancel");
+    });
+    EXPECT_TRUE(ScriptEditorHost().ScriptEdit(source, nullptr, nullptr));
+    EXPECT_EQ(source, "xa\r\n\tb");
 }
 
 TEST(ScriptEditorEntries, AHintHasNoLeadingKeyword) {

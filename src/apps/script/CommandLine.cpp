@@ -19,7 +19,7 @@ Options:
   -h, --help               Print this.
   -v, --version            Print the version.
 
-A file that does not exist yet is made when the editor is left with OK.
+A file that does not exist yet is made on the first save.
 
 Exit codes: 0 done, 1 a file could not be used, or there is no desktop, 2 wrong usage,
 4 faults in a script.)";

@@ -5,6 +5,8 @@
 #include "platform/MessageBox.h"
 #include "scripting/ScriptEditorHost.h"
 
+#include <QFileInfo>
+
 namespace {
 
 int ShowBox(const string& text, int flags) {
@@ -20,11 +22,24 @@ bool MayReplaceChanged(const TScriptFile& file) {
 }
 
 /// False if the text is in no file yet; the user knows.
-bool Saved(const TScriptFile& file, const string& text) {
+bool Saved(TScriptFile& file, const string& text) {
     try {
-        return file.Save(text, Replace::No) || (MayReplaceChanged(file) && file.Save(text, Replace::Yes));
+        return !file.WouldChange(text) || file.Save(text, Replace::No) ||
+               (MayReplaceChanged(file) && file.Save(text, Replace::Yes));
     } catch (const Exception& e) {
         (void)ShowBox(e.Message(), MB_OK | MB_ICONERROR);
+        return false;
+    }
+}
+
+/// A file that is there and can't be written may be read at least.
+bool IsSavable(const TScriptFile& file) {
+    try {
+        file.RequireSavable();
+        return true;
+    } catch (const Exception&) {
+        if (!file.Exists())
+            throw;
         return false;
     }
 }
@@ -32,15 +47,14 @@ bool Saved(const TScriptFile& file, const string& text) {
 } // namespace
 
 TExitCode EditScript(const string& path) {
-    const TScriptFile file(path);
-    file.RequireSavable();
+    TScriptFile file(path);
+    bool refused = false;
+    const TEditedScript script{QFileInfo(path).fileName(), file.Text(), !IsSavable(file),
+                               [&file, &refused](const string& text) {
+                                   refused = !Saved(file, text);
+                                   return !refused;
+                               }};
     TJSCompletion completion = BuildCompletion();
-    string text = file.Text();
-    TExitCode cancelled = ExitDone;
-    while (ScriptEditorHost().ScriptEdit(text, &GetDocumentScripting(), &completion)) {
-        if (!file.WouldChange(text) || Saved(file, text))
-            return ExitDone;
-        cancelled = ExitFailed;
-    }
-    return cancelled;
+    ScriptEditorHost().EditFile(script, &GetDocumentScripting(), &completion);
+    return refused ? ExitFailed : ExitDone;
 }

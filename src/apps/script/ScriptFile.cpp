@@ -5,6 +5,7 @@
 #include "base/Paths.h"
 #include "editor/text/LineStore.h"
 #include "editor/text/MemoSettings.h"
+#include "editor/text/TextForm.h"
 
 #include <QFileInfo>
 #include <QStringDecoder>
@@ -23,20 +24,6 @@ string WithLineFeeds(string text) {
 /// As the editor shows it, which has blanks for tabs.
 string AsShown(const string& text) {
     return TabsToBlanks(WithLineFeeds(text), TMemoSettings().FTabSize);
-}
-
-QStringView WithoutLastLineEnd(const string& text) {
-    return text.endsWith(u'\n') ? QStringView(text).chopped(1) : QStringView(text);
-}
-
-/// What most lines end with; a line feed where no line ends.
-string LineEndOf(const string& text) {
-    const qsizetype pairs = text.count(QStringLiteral("\r\n"));
-    const qsizetype feeds = text.count(u'\n') - pairs;
-    const qsizetype returns = text.count(u'\r') - pairs;
-    if (pairs > feeds && pairs >= returns)
-        return QStringLiteral("\r\n");
-    return returns > feeds ? QStringLiteral("\r") : LineFeed;
 }
 
 /// The file behind a link, so that saving replaces it and not the link.
@@ -88,7 +75,6 @@ void TScriptFile::Decode() {
     if (FEncoding == QStringConverter::Utf32LE || FEncoding == QStringConverter::Utf32BE ||
         decode.hasError() || FText.contains(QChar::Null) || Encode(FText) != *FContents)
         throw Exception(QStringLiteral("\"%1\" is no UTF-8 or UTF-16 text.").arg(FPath));
-    FLineEnd = LineEndOf(FText);
 }
 
 QByteArray TScriptFile::Encode(const string& text) const {
@@ -103,9 +89,7 @@ void TScriptFile::RequireSavable() const {
 }
 
 bool TScriptFile::WouldChange(const string& text) const {
-    const string now = AsShown(text);
-    const string then = AsShown(FText);
-    return !Exists() || WithoutLastLineEnd(now) != WithoutLastLineEnd(then);
+    return !Exists() || AsShown(text) != AsShown(FText);
 }
 
 bool TScriptFile::HoldsOther() const {
@@ -113,20 +97,20 @@ bool TScriptFile::HoldsOther() const {
     return now && now != FContents; // one that has gone is made again
 }
 
-bool TScriptFile::Save(const string& text, Replace changed) const {
+bool TScriptFile::Save(const string& text, Replace changed) {
     if (changed == Replace::No && HoldsOther())
         return false;
-    string lines = WithLineFeeds(text);
-    const bool endedOpen = !FText.isEmpty() && !WithLineFeeds(FText).endsWith(u'\n');
-    if (endedOpen)
-        lines = WithoutLastLineEnd(lines).toString();
-    const QByteArray contents = Encode(lines.replace(u'\n', FLineEnd));
+    const string formed = WithFormOf(FText, AsShown(text), TMemoSettings().FTabSize);
+    const QByteArray contents = Encode(formed);
     TPartFile file(FTarget);
     file.TakeModeOf(FFile.handle()); // before the text: what was private never shows
     file.TakeModeOf(FTarget);
     file.Write(contents.constData(), size_t(contents.size()));
-    if (!Exists() && changed == Replace::No)
-        return file.PublishNew();
-    file.PublishReplacing();
+    if (Exists() || changed == Replace::Yes)
+        file.PublishReplacing();
+    else if (!file.PublishNew())
+        return false;
+    FContents = contents;
+    FText = formed;
     return true;
 }

@@ -23,13 +23,14 @@ public:
 
     /// Raises EFileError where the file could not be saved now.
     void RequireSavable() const;
-    /// Whether saving the text would leave another text in the file. Line ends don't count, neither does one
-    /// at the end of the text, which editors add, nor blanks in the place of tabs.
+    /// Whether saving the text would leave another text in the file. The kind of line ends
+    /// doesn't count, nor do blanks in the place of tabs.
     [[nodiscard]] bool WouldChange(const string& text) const;
-    /// Saves the text whole or not at all, with the permissions, the encoding and the line ends that the file
-    /// had. False, and nothing is written, if the file holds something else by now than what was read, unless
-    /// that is to be replaced. Raises EFileError.
-    [[nodiscard]] bool Save(const string& text, Replace changed) const;
+    /// Saves the text, which has a line feed between lines, whole or not at all: with the permissions and the
+    /// encoding that the file had, and the tabs and line ends of every line that wasn't edited. False, and
+    /// nothing is written, if the file holds something else by now than what was read, unless that is to be
+    /// replaced. Raises EFileError.
+    [[nodiscard]] bool Save(const string& text, Replace changed);
 
 private:
     /// What the path leads to, links followed; nothing where there is no such file.
@@ -45,5 +46,4 @@ private:
     string FText;
     QStringConverter::Encoding FEncoding = QStringConverter::Utf8;
     bool FMarked = false; ///< begins with a byte order mark
-    string FLineEnd = QStringLiteral("\n");
 };

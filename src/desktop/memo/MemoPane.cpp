@@ -4,8 +4,21 @@
 #include "desktop/memo/bars/GoToLine.h"
 #include "editor/place/LinePlace.h"
 
+#include <QMenu>
 #include <QShortcut>
 #include <QVBoxLayout>
+
+namespace {
+
+void Fold(TAdvMemo& memo) {
+    memo.Folding().CollapseAround(memo.Caret().Y());
+}
+
+void Unfold(TAdvMemo& memo) {
+    memo.Folding().ExpandNode(memo.Caret().Y());
+}
+
+} // namespace
 
 TMemoPane::TMemoPane(QWidget* parent)
     : QWidget(parent), FEditor(new TMemoWidget(this)), FSearch(FEditor->Memo()), FCommands(FEditor->Memo()),
@@ -20,9 +33,8 @@ TMemoPane::TMemoPane(QWidget* parent)
     setFocusProxy(FEditor);
     FEditor->Memo().Events.FOnFind = [this] { FFindBar->Open(TFindBar::TReplace::No); };
     FEditor->Memo().Events.FOnReplace = [this] { FFindBar->Open(TFindBar::TReplace::Yes); };
-    FEditor->MarkedColumns = [this](int row) {
-        return FFindBar->isVisible() ? FSearch.ColumnsOf(row) : std::vector<TColumnRange>();
-    };
+    FEditor->MarkedColumns = [this](int row) { return MarkedColumns(row); };
+    FEditor->ExtendMenu = [this](QMenu& menu) { ExtendMenu(menu); };
     AddKey(*this, Qt::Key_F3, [this] { FFindBar->FindNext(); });
     AddKey(*this, Qt::SHIFT | Qt::Key_F3, [this] { FFindBar->FindPrevious(); });
     AddKey(*this, Qt::CTRL | Qt::Key_G, [this] { FGoTo->Open(); });
@@ -30,6 +42,11 @@ TMemoPane::TMemoPane(QWidget* parent)
     AddKey(*FEditor, Qt::ALT | Qt::Key_Up, [this] { FCommands.MoveUp(); });
     AddKey(*FEditor, Qt::ALT | Qt::Key_Down, [this] { FCommands.MoveDown(); });
     AddKey(*FEditor, Qt::CTRL | Qt::Key_D, [this] { FCommands.Duplicate(); });
+    for (const Qt::Key bracket :
+         {Qt::Key_BracketLeft, Qt::Key_BraceLeft}) // where Shift makes the one the other
+        AddKey(*FEditor, Qt::CTRL | Qt::SHIFT | bracket, [this] { Fold(FEditor->Memo()); });
+    for (const Qt::Key bracket : {Qt::Key_BracketRight, Qt::Key_BraceRight})
+        AddKey(*FEditor, Qt::CTRL | Qt::SHIFT | bracket, [this] { Unfold(FEditor->Memo()); });
     connect(FEditor, &TMemoWidget::StateChanged, this, [this] { TakeState(); });
     connect(FFindBar, &TFindBar::Said, this,
             [this](const QString& text, TMessageKind kind) { TakeFindMessage(text, kind); });
@@ -39,6 +56,31 @@ TMemoPane::TMemoPane(QWidget* parent)
 }
 
 TMemoPane::~TMemoPane() = default;
+
+/// The matches of an open find bar, or else the word at the caret wherever it stands.
+std::vector<TColumnRange> TMemoPane::MarkedColumns(int row) {
+    if (FFindBar->isVisible())
+        return FSearch.ColumnsOf(row);
+    return FEditor->hasFocus() && FEditor->Memo().Settings.FMarkEqualWords ? FEqualWords.ColumnsOf(row)
+                                                                           : std::vector<TColumnRange>();
+}
+
+void TMemoPane::ExtendMenu(QMenu& menu) {
+    TAdvMemo& memo = FEditor->Memo();
+    const bool edits = !memo.Settings.FReadOnly && memo.EditingAllowed();
+    const bool comments = edits && memo.GetStyler() != nullptr && !memo.GetStyler()->FLineComment.isEmpty();
+    const auto add = [&](const char* caption, const char* keys, bool enabled, std::function<void()> call) {
+        menu.addAction(QString(caption) + u'\t' + QString(keys), &menu, std::move(call))->setEnabled(enabled);
+    };
+    menu.addSeparator();
+    add("&Find...", "Ctrl+F", true, [this] { FFindBar->Open(TFindBar::TReplace::No); });
+    add("Co&mment", "Ctrl+/", comments, [this] { FCommands.ToggleComment(); });
+    const bool expanded = memo.Folding().IsExpanded(memo.Caret().Y());
+    if (expanded)
+        add("F&old", "Ctrl+Shift+[", memo.Folding().Enabled(), [&memo] { Fold(memo); });
+    else
+        add("Unf&old", "Ctrl+Shift+]", true, [&memo] { Unfold(memo); });
+}
 
 /// Works wherever in `where` the focus is.
 void TMemoPane::AddKey(QWidget& where, const QKeySequence& key, const std::function<void()>& call) {

@@ -5,9 +5,11 @@
 #include "desktop/memo/bars/StatusLine.h"
 #include "editor/edit/LineCommands.h"
 #include "editor/edit/TextSearch.h"
+#include "editor/place/EqualWords.h"
 
 class TFindBar;
 class TGoToLine;
+class QMenu;
 
 class TMemoPane : public QWidget {
     Q_OBJECT
@@ -27,6 +29,8 @@ public:
 private:
     void AddKey(QWidget& where, const QKeySequence& key, const std::function<void()>& call);
     void TakeState();
+    [[nodiscard]] std::vector<TColumnRange> MarkedColumns(int row);
+    void ExtendMenu(QMenu& menu);
     void TakeFindMessage(const string& text, TMessageKind kind);
 
     TMemoWidget* const FEditor; // Qt's parents own the windows
@@ -36,5 +40,6 @@ private:
     TGoToLine* FGoTo = nullptr;
     TStatusLine* FStatus = nullptr;
     unsigned FMessageRevision = 0; // the text's, when the message came
+    TEqualWords FEqualWords{FEditor->Memo()};
     bool FMessageFromFind = false;
 };

@@ -39,7 +39,26 @@ TMemoWidget::~TMemoWidget() {
 void TMemoWidget::SetFont(const TMemoFont& font) {
     FFont = font;
     FGeometry.SetFont(FFont, FZoom);
+    SizeCompletion();
     viewport()->update();
+}
+
+void TMemoWidget::YieldCompletion() {
+    FCompletion.FAutoCompletion.Yielding = true;
+    SizeCompletion();
+}
+
+void TMemoWidget::SizeCompletion() {
+    constexpr int Widest = 600;
+    constexpr int Height = 200;
+    TAutoCompletion& settings = FCompletion.FAutoCompletion;
+    if (!settings.Yielding)
+        return;
+    FCompletion.CloseCompletionList();
+    settings.Font.Name = FFont.Name;
+    settings.Font.Size = FFont.Size + FZoom;
+    settings.MaxWidth = Widest * settings.Font.Size / std::max(1, FFont.Size);
+    settings.Height = Height * settings.Font.Size / std::max(1, FFont.Size);
 }
 
 void TMemoWidget::SetZoom(int points) {

@@ -8,6 +8,7 @@
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
 
+class QMenu;
 class TAssistWindows;
 class TMemoAccessibility;
 class TMemoInput;
@@ -37,12 +38,18 @@ public:
     void SetZoom(int points);
     [[nodiscard]] int Zoom() const { return FZoom; }
 
+    /// The completion list yields to typing (TAutoCompletion::Yielding), is 600 pixels wide at most, and
+    /// follows the zoom.
+    void YieldCompletion();
+
     bool ShowModified = true;    ///< marks of changed and saved lines in the gutter
     bool ShowRightMargin = true; ///< a line at the control's FRightMargin
     bool ShowLineNumbers = true;
     /// What is marked in a row, such as the matches of a search; may be empty. Repaint the viewport when it
     /// answers differently.
     std::function<std::vector<TColumnRange>(int row)> MarkedColumns;
+    /// Adds to the context menu; may be empty.
+    std::function<void(QMenu& menu)> ExtendMenu;
     /// The caret is in its visible phase.
     [[nodiscard]] bool CaretShows() const { return FCaretShows && hasFocus(); }
 
@@ -89,6 +96,7 @@ private:
     void RestartCaretBlink() override;
     void ScrollChanged(const TScrollRange& range) override;
     void Settle();
+    void SizeCompletion();
     void SettleLater();
 
     TAdvMemo FMemo;

@@ -66,6 +66,7 @@ void TMemoCompletion::TimerFired() {
     FAutoCompleteDot = true;
     FDotX = FMemo.Caret().X();
     FDotY = FMemo.Caret().Y();
+    FRequested = false;
     if (!FAutoCompletion.Yielding || DotOffers())
         ShowCompletionList();
 }
@@ -96,6 +97,7 @@ void TMemoCompletion::Ask(bool parameterHint) {
     }
     if (!FAutoCompletion.Active)
         return;
+    FRequested = true;
     FAutoCompleteDot = HasStartToken(FMemo.Words().FullWordAtCursor());
     FDotX = FMemo.Caret().X() - int(FMemo.Words().WordTillCursor().size());
     FDotY = FMemo.Caret().Y();

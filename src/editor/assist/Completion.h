@@ -47,6 +47,8 @@ public:
     void ListDeactivated();
     void TimerFired();
     [[nodiscard]] bool IsOpen() const override { return FListCompletion != nullptr; }
+    /// The list is there because the user asked for it.
+    [[nodiscard]] bool Requested() const { return FRequested; }
     [[nodiscard]] const TAutoCompletionListBox& ListCompletion() const { return *FListCompletion; }
 
     bool TakesKey(int key, TShiftState shift) override;
@@ -94,5 +96,6 @@ private:
     TCompletionList FAutoCompleteList;                       // the entries before filtering
     bool FAutoCompleteDot = false;                           // opened behind a start token
     int FDotX = 0, FDotY = 0;                                // where the completed word begins then
-    bool FMoved = false;                                     // the user moved the selection in the list
+    bool FRequested = false;
+    bool FMoved = false; // the user moved the selection in the list
 };

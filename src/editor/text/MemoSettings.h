@@ -31,6 +31,7 @@ struct TMemoSettings {
     bool FCloseBrackets = false;   ///< brackets and quotes come in pairs; with an exact history
     bool FSmartHome = false;       ///< Home goes to the text of a line first
     bool FRightOverBlanks = false; ///< Right goes over blanks at a line's end, too
+    bool FMarkEqualWords = false;  ///< a window marks the word at the caret wherever it stands
     void TurnOnComforts();
 
     bool FCodeFolding = false; ///< change through TMemoFolding::SetEnabled
@@ -45,6 +46,6 @@ struct TMemoSettings {
 
 inline void TMemoSettings::TurnOnComforts() {
     for (bool* comfort : {&FGuardFolds, &FMoreKeys, &FIndentSelection, &FIndentBlocks, &FCloseBrackets,
-                          &FSmartHome, &FRightOverBlanks})
+                          &FSmartHome, &FRightOverBlanks, &FMarkEqualWords})
         *comfort = true;
 }

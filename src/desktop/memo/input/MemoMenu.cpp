@@ -38,6 +38,8 @@ void ShowMemoMenu(TMemoWidget& widget, QContextMenuEvent& event) {
     menu->addSeparator();
     // With a read-only text the key does nothing; there is no harm in the menu's doing it.
     Add(*menu, "Select &All", "Ctrl+A", holdsText, [&memo] { memo.SelectAll(); });
+    if (widget.ExtendMenu)
+        widget.ExtendMenu(*menu);
     const QRect caret = widget.Geometry().CaretRect();
     const bool byKey = event.reason() == QContextMenuEvent::Keyboard;
     menu->popup(byKey ? widget.viewport()->mapToGlobal(caret.bottomLeft()) : event.globalPos());
