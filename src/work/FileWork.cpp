@@ -8,6 +8,8 @@
 #include "scripting/ParkedDocuments.h"
 #include "work/Surroundings.h"
 
+#include <QScopeGuard>
+
 namespace {
 
 TOutcome Ended(TOutcomeState state, TReasonCode code, const string& text) {
@@ -42,13 +44,18 @@ bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& 
     return true;
 }
 
-/// The run log has no words for them.
-void TellWarnings(const TFileWork& work, const TZQPDFDocument& document, TOutcome& outcome) {
-    for (const TPDFWarning& warning : document.Warnings()) {
+/// Also of a file that fails: the run log has no words for them.
+void JournalWarnings(const TFileWork& work, const TZQPDFDocument& document) noexcept try {
+    for (const TPDFWarning& warning : document.Warnings())
         JournalLine(QStringLiteral("\"%1\": %2: %3")
                         .arg(work.Source, QLatin1String(CodeOf(warning.Kind)), warning.Text));
+} catch (const std::exception& e) {
+    JournalLine(MessageOf(e));
+}
+
+void TakeWarnings(const TZQPDFDocument& document, TOutcome& outcome) {
+    for (const TPDFWarning& warning : document.Warnings())
         outcome.Reasons.append({ReasonOf(warning.Kind), {}, warning.Text});
-    }
     if (!outcome.Reasons.isEmpty())
         outcome.State = TOutcomeState::DoneWithWarnings;
 }
@@ -66,6 +73,10 @@ TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step)
     auto document = std::make_unique<TZQPDFDocument>(nullptr);
     const TParkOnException park(document);
     AmongSurroundings([&] { document->OpenFromFile(work.Source, /*password=*/{}, work.Descriptor); });
+    const auto told = qScopeGuard([&] {
+        if (document != nullptr)
+            JournalWarnings(work, *document);
+    });
     if (work.Actions == nullptr) {
         const string text =
             QStringLiteral("Excution failed. Invalid action specified \"%1\".").arg(work.ActionName);
@@ -89,6 +100,6 @@ TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step)
         worked.Result->Flush();
     });
     worked.Outcome.Pages = document->GetPageCount();
-    TellWarnings(work, *document, worked.Outcome);
+    TakeWarnings(*document, worked.Outcome);
     return worked;
 }
