@@ -107,8 +107,6 @@ TLineScan::TNext TLineScan::Step() {
             Consume(FText.size() - FAt);
             return TNext::End;
         }
-        if (FExpressions >= 0 && Here() == u'/' && !FState.isBracket && Expression())
-            return TNext::Loop;
         const bool open = FState.isBracket && FState.StartBracket != 0;
         const TNext next = open ? InBracket(Here()) : FState.isBracket ? TNext::On : OpenBracket(Here());
         if (next != TNext::On)
@@ -206,6 +204,8 @@ bool TLineScan::Expression() {
 
 void TLineScan::Symbol() {
     if (!IsDelimiter(Here()))
+        return;
+    if (FExpressions >= 0 && Here() == u'/' && Expression())
         return;
     for (int i = 0; i < FElements.Count(); ++i) {
         if (FElements[i].StyleType() != stSymbol || !FElements[i].Symbols().contains(Here()))
