@@ -3,6 +3,7 @@
 #include "engine/Document.h"
 #include "engine/EmbeddedFiles.h"
 #include "engine/layers/LayerImage.h"
+#include "engine/layers/LayerText.h"
 #include "fuzz/Target.h"
 
 #include <QFile>
@@ -37,6 +38,9 @@ string PictureIn(const QTemporaryDir& folder) {
 
 void Change(TZQPDFDocument& document, const string& picture) {
     (new TZQPDFImage(&document.Pages().getItem(0).Layers()))->LoadFromFile(picture); // the collection's
+    (new TZQPDFText(&document.Pages().getItem(0).Layers()))->SetText(QStringLiteral("a"));
+    document.GetEmbeddedFiles().Add(picture, {}, {}, {});
+    document.GetEmbeddedFiles().Update();
     document.SetInfoString("Title", QStringLiteral("t"), false /* keepExisting */);
     document.RotatePages(QStringLiteral("1"), 90);
     document.InsertPages(1, 1, 100, 100, true /* before */);

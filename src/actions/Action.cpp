@@ -35,8 +35,8 @@ bool TPDFAction::Config() {
     return dialog->ShowModal() == OkResult;
 }
 
-void TPDFAction::PropertiesToFormFields(TComponent&) {}
-void TPDFAction::FormdFieldsToProperties(TComponent&) {}
+void TPDFAction::PropertiesToFormFields(TComponent& /*form*/) {}
+void TPDFAction::FormdFieldsToProperties(TComponent& /*form*/) {}
 
 std::unique_ptr<TPDFAction> TPDFAction::CreateInstance(const QMetaObject& AClass) {
     if (!AClass.inherits(&TPDFAction::staticMetaObject))

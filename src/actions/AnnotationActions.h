@@ -5,7 +5,7 @@
 class TPDFActionAddNoteAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddNoteAnnotation() {}
+    Q_INVOKABLE TPDFActionAddNoteAnnotation() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(TColor, Color, FColor) = 0x000000FF;
@@ -14,7 +14,7 @@ public:
 class TPDFActionAddStampAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddStampAnnotation() {}
+    Q_INVOKABLE TPDFActionAddStampAnnotation() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(string, Text, FText);
@@ -27,7 +27,7 @@ public:
 class TPDFActionAddFileAttachAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddFileAttachAnnotation() {}
+    Q_INVOKABLE TPDFActionAddFileAttachAnnotation() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(TFileName, Filename, FFilename);
@@ -36,7 +36,7 @@ public:
 class TPDFActionAddLinkAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddLinkAnnotation() {}
+    Q_INVOKABLE TPDFActionAddLinkAnnotation() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(Single, width, Fwidth) = 0;
@@ -49,7 +49,7 @@ public:
 class TPDFActionAddWebLinkAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddWebLinkAnnotation() {}
+    Q_INVOKABLE TPDFActionAddWebLinkAnnotation() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(Single, width, Fwidth) = 0;
@@ -60,7 +60,7 @@ public:
 class TPDFActionAddFreeTextAnnotation : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddFreeTextAnnotation() {}
+    Q_INVOKABLE TPDFActionAddFreeTextAnnotation() = default;
     PUBLISHED(string, Text, FText);
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;

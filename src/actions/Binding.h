@@ -14,3 +14,11 @@
 /// method pass.
 void InvokeByClassName(const QObject& action, const QMetaObject& receiverType,
                        const std::function<QObject&()>& receiver);
+
+/// What becomes of such a call.
+enum class TBinding {
+    Calls,   ///< a method, with an argument for each parameter
+    Nothing, ///< there is no method of that name
+    Raises   ///< a parameter has no source
+};
+[[nodiscard]] TBinding BindingOf(const QMetaObject& action, const QMetaObject& receiverType);

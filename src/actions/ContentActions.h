@@ -9,7 +9,7 @@
 class TPDFActionAddText : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddText() {}
+    Q_INVOKABLE TPDFActionAddText() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(string, Text, FText);
@@ -21,7 +21,7 @@ public:
 class TPDFActionAddImage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddImage() {}
+    Q_INVOKABLE TPDFActionAddImage() = default;
     PUBLISHED(Single, x, Fx) = 0;
     PUBLISHED(Single, y, Fy) = 0;
     PUBLISHED(TFileName, Filename, FFilename);
@@ -30,7 +30,7 @@ public:
 class TPDFActionAddFileAttachment : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddFileAttachment() {}
+    Q_INVOKABLE TPDFActionAddFileAttachment() = default;
     FIELD(TFileName, fileName);
     /// Asks for a file, and forgets it, on purpose: whoever shows the dialog keeps what was chosen.
     bool Config() override;
@@ -41,14 +41,14 @@ public:
 class TPDFActionDocumentInitialView : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionDocumentInitialView() {}
+    Q_INVOKABLE TPDFActionDocumentInitialView() = default;
     FIELD(TPDFDocumentInitialView, InitialView);
 };
 
 class TPDFActionAddDocumentDescription : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddDocumentDescription() {}
+    Q_INVOKABLE TPDFActionAddDocumentDescription() = default;
     FIELD(TPDFDocumentDescription, Description);
 };
 
@@ -56,7 +56,7 @@ public:
 class TPDFActionAddBatesNumbering : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddBatesNumbering() {}
+    Q_INVOKABLE TPDFActionAddBatesNumbering() = default;
     PUBLISHED(TZQPDFBatesSetting, bates, Fbates);
     PUBLISHED(string, pageRange, FpageRange);
 };

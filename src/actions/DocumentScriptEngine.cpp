@@ -3,6 +3,7 @@
 #include "actions/ActionDocument.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
+#include "scripting/Occasion.h"
 
 #include <atomic>
 
@@ -18,11 +19,10 @@ struct TScriptEngine {
     TScriptEngine() : Document(ActionDocument()), Engine(/*Document=*/nullptr, HeapLimit) {
         const TJSClass bound(Document, Engine, QStringLiteral("Document"), DocumentOptions);
         Engine.OnMessage = [](const TJSMessage& message) {
-            JournalLine(QStringLiteral("%1:%2:%3: %4")
-                            .arg(message.ScriptName)
-                            .arg(message.Line)
-                            .arg(message.Column)
-                            .arg(message.Text));
+            const string occasion = TScriptOccasion::Text();
+            JournalLine(message.ScriptName +
+                        QStringLiteral(":%1:%2: ").arg(message.Line).arg(message.Column) + message.Text +
+                        (occasion.isEmpty() ? QString() : QStringLiteral(" (") + occasion + u')'));
         };
     }
     ~TScriptEngine() { EngineExists.store(false); }

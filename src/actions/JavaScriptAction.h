@@ -6,7 +6,7 @@
 class TPDFActionJavaScript : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionJavaScript() {}
+    Q_INVOKABLE TPDFActionJavaScript() = default;
     PUBLISHED(string, Javascript, FJavascript);
 
     /// 0 if the script ran to success, else 1. What it has changed stays either way. All scripts share one

@@ -6,7 +6,7 @@
 class TPDFActionGotoPage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionGotoPage() {}
+    Q_INVOKABLE TPDFActionGotoPage() = default;
     FIELD(Integer, PageNumber) = 1;
     FIELD(Integer, PageIndex) = 0;
 };
@@ -14,7 +14,7 @@ public:
 class TPDFActionGotoNextPage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionGotoNextPage() {}
+    Q_INVOKABLE TPDFActionGotoNextPage() = default;
     FIELD(Integer, Dummy) = 0;
     bool Config() override { return true; }
 };
@@ -22,7 +22,7 @@ public:
 class TPDFActionGotoPreviousPage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionGotoPreviousPage() {}
+    Q_INVOKABLE TPDFActionGotoPreviousPage() = default;
     FIELD(Integer, Dummy) = 0;
     bool Config() override { return true; }
 };
@@ -30,7 +30,7 @@ public:
 class TPDFActionGotoFirstPage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionGotoFirstPage() {}
+    Q_INVOKABLE TPDFActionGotoFirstPage() = default;
     FIELD(Integer, Dummy) = 0;
     bool Config() override { return true; }
 };
@@ -38,7 +38,7 @@ public:
 class TPDFActionGotoLastPage : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionGotoLastPage() {}
+    Q_INVOKABLE TPDFActionGotoLastPage() = default;
     FIELD(Integer, Dummy) = 0;
     bool Config() override { return true; }
 };

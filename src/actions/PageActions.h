@@ -8,7 +8,7 @@
 class TPDFActionInsertPages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionInsertPages() {}
+    Q_INVOKABLE TPDFActionInsertPages() = default;
     PUBLISHED(Integer, Index, FIndex) = 1;
     PUBLISHED(Integer, Count, FCount) = 1;
     PUBLISHED(Single, width, Fwidth) = 595;
@@ -19,7 +19,7 @@ public:
 class TPDFActionDeletePages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionDeletePages() {}
+    Q_INVOKABLE TPDFActionDeletePages() = default;
     PUBLISHED(Integer, Index, FIndex) = 1;
     PUBLISHED(Integer, Count, FCount) = 1;
 };
@@ -27,14 +27,14 @@ public:
 class TPDFActionDeletePagesEx : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionDeletePagesEx() {}
+    Q_INVOKABLE TPDFActionDeletePagesEx() = default;
     PUBLISHED(string, pageRange, FPageRange) = QStringLiteral("1");
 };
 
 class TPDFActionExtractPages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionExtractPages() {}
+    Q_INVOKABLE TPDFActionExtractPages() = default;
     PUBLISHED(string, pageRange, FPageRange);
     PUBLISHED(string, fileName, FfileName);
     PUBLISHED(bool, OverwriteExisting, FOverwriteExisting) = false;
@@ -43,7 +43,7 @@ public:
 class TPDFActionCropPages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionCropPages() {}
+    Q_INVOKABLE TPDFActionCropPages() = default;
     PUBLISHED(string, pageRange, FText);
     PUBLISHED(Single, top, Ftop) = 0;
     PUBLISHED(Single, left, Fleft) = 0;
@@ -55,7 +55,7 @@ public:
 class TPDFActionImportPages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionImportPages() {}
+    Q_INVOKABLE TPDFActionImportPages() = default;
     PUBLISHED(TFileName, fileName, FfileName);
     PUBLISHED(string, pageRange, fpageRange);
     PUBLISHED(bool, insertAfter, finsertAfter) = true;
@@ -65,7 +65,7 @@ public:
 class TPDFActionRotatePages : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionRotatePages() {}
+    Q_INVOKABLE TPDFActionRotatePages() = default;
     PUBLISHED(string, pageRange, FText);
     PUBLISHED(Integer, Angle, FAngle) = 90;
 };

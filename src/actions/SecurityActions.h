@@ -7,7 +7,7 @@
 class TPDFActionEncrypt : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionEncrypt() {}
+    Q_INVOKABLE TPDFActionEncrypt() = default;
     PUBLISHED(string, OwnerPassword, FOwnerPassword);
     PUBLISHED(string, OpenPassword, FOpenPassword);
     PUBLISHED(Integer, Algorithm, FAlgo) = 0;
@@ -24,6 +24,6 @@ private:
 class TPDFActionDecrypt : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionDecrypt() {}
+    Q_INVOKABLE TPDFActionDecrypt() = default;
     bool Config() override { return true; }
 };

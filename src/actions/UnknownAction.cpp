@@ -2,6 +2,6 @@
 
 #include "base/Exceptions.h"
 
-Cardinal TPDFUnknownAction::Execute(TZQPDFDocument&) {
+Cardinal TPDFUnknownAction::Execute(TZQPDFDocument& /*Document*/) {
     throw Exception(QStringLiteral("Unknown action class \"%1\".").arg(FClassName));
 }

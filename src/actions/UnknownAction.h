@@ -9,7 +9,7 @@ class TPDFUnknownAction : public TPDFAction {
     Q_PROPERTY(string ClassName MEMBER FClassName STORED false)
     Q_PROPERTY(string Xml MEMBER FXml STORED false)
 public:
-    Q_INVOKABLE TPDFUnknownAction() {}
+    Q_INVOKABLE TPDFUnknownAction() = default;
     Cardinal Execute(TZQPDFDocument& Document) override;
 
 private:

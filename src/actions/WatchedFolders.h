@@ -4,8 +4,8 @@
 
 #include <QList>
 
-/// What a folder may say beyond the rules that hold for all. A file without the element, or without one of its
-/// members, means the defaults, and only what differs from them is written.
+/// What a folder may say beyond the rules that hold for all. A file without the element, or without one of
+/// its members, means the defaults, and only what differs from them is written.
 struct TPDFFolderPolicy {
     Q_GADGET
     XML_SPARSE

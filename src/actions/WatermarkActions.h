@@ -8,7 +8,7 @@
 class TPDFActionAddWatermarkDefined : public TPDFAction {
     Q_OBJECT
 public:
-    Q_INVOKABLE TPDFActionAddWatermarkDefined() {}
+    Q_INVOKABLE TPDFActionAddWatermarkDefined() = default;
     PUBLISHED(string, FileName, FfileName);
 };
 
@@ -18,7 +18,7 @@ class TPDFActionAddWatermark : public TPDFAction {
     Q_OBJECT
     Q_PROPERTY(TPDFWatermarkSettings* Watermark READ Watermark WRITE SetWatermark)
 public:
-    Q_INVOKABLE TPDFActionAddWatermark() {}
+    Q_INVOKABLE TPDFActionAddWatermark() = default;
 
     /// Owned by the action.
     [[nodiscard]] TPDFWatermarkSettings* Watermark() { return &Fw; }

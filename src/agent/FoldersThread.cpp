@@ -38,6 +38,7 @@ TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost 
 
 TWatchedFoldersThread::~TWatchedFoldersThread() {
     Stop();
+    StopSignal().Lower(); // nothing is left to be stopped by it
 }
 
 void TWatchedFoldersThread::Terminate() {

@@ -1,6 +1,7 @@
 #include "base/Convert.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeNames.h"
 
 #include <QObject>
 
@@ -39,7 +40,8 @@ Kind KindOf(QMetaType type) {
     default:
         break;
     }
-    if (type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>())
+    if (type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>() ||
+        type == QMetaType::fromType<PWideChar>())
         return Kind::Text;
     if (type == QMetaType::fromType<TColor>() || type == QMetaType::fromType<ARGB>())
         return Kind::Color;
@@ -55,6 +57,8 @@ string TextOf(const QVariant& value) {
         return value.value<TFileName>();
     if (value.metaType() == QMetaType::fromType<TFontName>())
         return value.value<TFontName>();
+    if (value.metaType() == QMetaType::fromType<PWideChar>())
+        return value.value<PWideChar>();
     if (value.metaType() == QMetaType::fromType<QByteArray>())
         return Widen(value.toByteArray());
     return value.toString();
@@ -154,6 +158,8 @@ std::optional<QVariant> ToText(const QVariant& value, Kind from, QMetaType targe
     if (target == QMetaType::fromType<TFileName>())
         return text.contains(QChar::Null) ? std::nullopt
                                           : std::optional(QVariant::fromValue(TFileName(text)));
+    if (target == QMetaType::fromType<PWideChar>())
+        return QVariant::fromValue(PWideChar(text));
     if (target == QMetaType::fromType<TFontName>())
         return QVariant::fromValue(TFontName(text));
     if (target == QMetaType::fromType<QByteArray>())
@@ -254,5 +260,5 @@ QVariant ConvertTo(const QVariant& value, QMetaType target, const string& what) 
     given.replace(QChar::Null, QStringLiteral("\\0")); // or messages end there
     throw EConvertError(QStringLiteral("%1: %2 is no %3")
                             .arg(what, given.isEmpty() ? QString::fromLatin1(value.metaType().name()) : given,
-                                 QString::fromLatin1(target.name())));
+                                 TypeNameWithValues(target)));
 }

@@ -25,7 +25,7 @@ namespace {
 constexpr char Prefix[] = ".morvane-";
 constexpr char Suffix[] = ".part";
 constexpr int RandomLength = 6;
-constexpr time_t Day = 24 * 3600;
+constexpr time_t Day = 86'400;
 
 QByteArray TemporaryName() {
     static constexpr char Letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
@@ -100,7 +100,7 @@ string TPartFile::FinalPath() const {
 }
 
 EFileError TPartFile::Failure(int error) const {
-    return EFileError(QStringLiteral("write"), FinalPath(), error);
+    return {QStringLiteral("write"), FinalPath(), error};
 }
 
 void TPartFile::Create() {

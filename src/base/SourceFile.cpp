@@ -117,7 +117,7 @@ string TSourceFile::PublishCopy() {
     if (::fstat(FDescriptor, &info) != 0 || !StateOf(info).SameContents(FOpened))
         throw EFileError(QStringLiteral("\"%1\" was written to while it was moved.").arg(Path()), EBUSY);
     PublishFree(*FCopy);
-    const string name = ExtractFileName(FCopy->FinalPath());
+    string name = ExtractFileName(FCopy->FinalPath());
     FCopy.reset();
     const QByteArray bytes = PathBytes(FName);
     if (WithFaultPoint("unlink source",

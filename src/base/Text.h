@@ -1,8 +1,9 @@
 #pragma once
 // Text and the small value types that members and parameters are declared with.
 //
-// TFileName, TFontName and TColor are types of their own, not aliases: the run-time tables hand out
-// resolved type names, and forms and files must still tell a path from a caption and a colour from a count.
+// TFileName, TFontName, PWideChar and TColor are types of their own, not aliases: the run-time tables hand
+// out resolved type names, and forms and files must still tell a path from a caption and a colour from a
+// count.
 #include <QByteArray>
 #include <QMetaType>
 #include <QString>
@@ -26,6 +27,13 @@ struct TFontName : QString {
     using QString::QString;
     TFontName() = default;
     TFontName(const QString& text) : QString(text) {}
+};
+
+/// A text that may be null, which scripts have a word for; null and empty are the same here.
+struct PWideChar : QString {
+    using QString::QString;
+    PWideChar() = default;
+    PWideChar(const QString& text) : QString(text) {}
 };
 
 /// A colour 0xAABBGGRR, red in the low byte; the top byte is zero or an alpha, as its user says.

@@ -21,7 +21,7 @@ constexpr int LongestWaitMs = 60'000;
 /// Where the file itself lies, whichever links lead to it: the one place for its lock.
 string RealPath(const string& fileName) {
     const QFileInfo file(fileName);
-    const string real = file.canonicalFilePath();
+    string real = file.canonicalFilePath();
     if (!real.isEmpty())
         return real;
     const string folder = QFileInfo(file.path()).canonicalFilePath();

@@ -58,7 +58,7 @@ public:
     void SaveToFreeName(const string& fileName);
     /// Path of the document's file; empty for a new document.
     [[nodiscard]] const string& FileName() const;
-    /// What was wrong with the file and could be lived with, and what a save invalidates.
+    /// What was wrong with the file and could be lived with, what was refused, and what a save invalidates.
     [[nodiscard]] TPDFWarnings Warnings() const;
     /// Gives back the file and everything read from it. A document so emptied has no pages, takes a few
     /// hundred bytes and can only be freed or used to open another file.
@@ -94,6 +94,7 @@ public:
 
     [[nodiscard]] bool getIsEncrypted() const;
     /// What the password that the document was opened with allows; the owner password allows everything.
+    /// Asked before an operation: a no is recorded as a refusal (Warnings).
     [[nodiscard]] bool GetCanModify() const;
     [[nodiscard]] bool GetCanModifyAnnots() const;
     [[nodiscard]] bool GetCanModifyPages() const;

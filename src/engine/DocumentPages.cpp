@@ -188,8 +188,14 @@ void TZQPDFDocument::WritePending(const NarrowString& range) {
             continue;
         if (!Core().Source)
             Core().Source = NewSource();
-        ApplyPages(Core());
-        ApplyContent(Core());
+        try {
+            ApplyPages(Core());
+            ApplyContent(Core());
+        } catch (const Exception&) {
+            throw;
+        } catch (const std::exception& e) {
+            throw Translated(e, QStringLiteral("copy pages of"), FileName());
+        }
         return;
     }
 }

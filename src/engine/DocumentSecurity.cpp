@@ -11,8 +11,14 @@ constexpr quint32 ModifyBit = 1U << 3;
 constexpr quint32 AnnotateBit = 1U << 5;
 constexpr quint32 AssembleBit = 1U << 10;
 
-bool Allows(const TDocumentCore& core, quint32 bits) {
-    return !core.Source || (PermissionBits(*core.Source) & bits) != 0;
+/// Asked before an operation, which does nothing where the answer is no: that is on record then.
+bool Allows(TDocumentCore& core, quint32 bits, const char* what) {
+    if (!core.Source || (PermissionBits(*core.Source) & bits) != 0)
+        return true;
+    core.Warnings.Add(
+        TWarningKind::PermissionRefused,
+        QStringLiteral("The document's permissions don't allow changing %1.").arg(QLatin1String(what)));
+    return false;
 }
 
 } // namespace
@@ -59,23 +65,23 @@ bool TPDFDocument::getIsEncrypted() const {
 }
 
 bool TPDFDocument::GetCanModify() const {
-    return Allows(Core(), ModifyBit);
+    return Allows(Core(), ModifyBit, "its contents");
 }
 
 bool TPDFDocument::GetCanModifyAnnots() const {
-    return Allows(Core(), AnnotateBit);
+    return Allows(Core(), AnnotateBit, "its annotations");
 }
 
 bool TPDFDocument::GetCanModifyPages() const {
-    return Allows(Core(), AssembleBit | ModifyBit);
+    return Allows(Core(), AssembleBit | ModifyBit, "its pages");
 }
 
 bool TPDFDocument::GetCanModifyOutlines() const {
-    return Allows(Core(), AssembleBit | ModifyBit);
+    return Allows(Core(), AssembleBit | ModifyBit, "its outline");
 }
 
 bool TPDFDocument::GetCanChangeDocument() const {
-    return Allows(Core(), ModifyBit);
+    return Allows(Core(), ModifyBit, "the document");
 }
 
 TPDFSecurityHandler* TPDFDocument::SecurityHandler() const {

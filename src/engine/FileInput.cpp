@@ -59,7 +59,7 @@ TFileInput::~TFileInput() {
 }
 
 void TFileInput::MoveTo(std::shared_ptr<TSourceStore> store) {
-    if (FStore)
+    if (FStore || FStored < FInfo.st_size) // the holes of a sparse file would be there in the store
         return;
     FStart = store->Take(FDescriptor, FInfo.st_size, FPath);
     ::close(FDescriptor);

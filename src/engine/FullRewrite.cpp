@@ -62,7 +62,8 @@ private:
         const int drawn = core.Drawing ? core.Drawing->MinorVersion() : 0;
         writer.setMinimumPDFVersion(PDFVersion(1, std::max(core.MinorVersion, drawn)));
         for (const auto& copied : core.Source->Kept)
-            writer.setMinimumPDFVersion(copied->Pdf->getVersionAsPDFVersion());
+            if (const PDFVersion version = copied->Pdf->getVersionAsPDFVersion(); version < PDFVersion(2, 1))
+                writer.setMinimumPDFVersion(version); // a header may also say nonsense
     }
 
     static void WriteObjects(const TDocumentCore& core, TPartFile& file) {

@@ -24,7 +24,7 @@ int OpenNameless(const NarrowString& folder) {
 
 /// /tmp is memory on many systems.
 NarrowString TemporaryFolder() {
-    const NarrowString chosen = qgetenv("TMPDIR");
+    NarrowString chosen = qgetenv("TMPDIR");
     if (!chosen.isEmpty())
         return chosen;
     return ::access("/var/tmp", W_OK) == 0 ? "/var/tmp" : "/tmp";

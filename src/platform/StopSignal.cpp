@@ -42,7 +42,7 @@ TStopListener::TStopListener(std::function<void()> called) {
     signal.FListeners.emplace(this, std::move(called));
 }
 
-TStopListener::~TStopListener() {
+TStopListener::~TStopListener() { // NOLINT(bugprone-exception-escape)
     TStopSignal& signal = StopSignal();
     const std::lock_guard guard(signal.FLock);
     signal.FListeners.erase(this);

@@ -40,7 +40,7 @@ private:
 class TStopListener {
 public:
     explicit TStopListener(std::function<void()> called);
-    ~TStopListener();
+    ~TStopListener(); // NOLINT(bugprone-exception-escape): a lock fails only for who holds it
     TStopListener(const TStopListener&) = delete;
     TStopListener& operator=(const TStopListener&) = delete;
 };

@@ -1,6 +1,5 @@
 #include "scripting/AskForPassword.h"
 
-#include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
 #include "engine/Document.h"
@@ -32,15 +31,9 @@ void SetPasswordPrompt(TPasswordPrompt* prompt) {
     Slot.Set(prompt);
 }
 
-NarrowString PasswordBytes(const string& password) {
-    if (password.contains(QChar::Null))
-        throw Exception(QStringLiteral("A password cannot hold a NUL character."));
-    return Narrow(password);
-}
-
 bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {
     TPDFSecurityHandlerType handlerType{};
-    return TPDFDocument::IsPasswordOk(fileName, PasswordBytes(password), handlerType, option);
+    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
 }
 
 bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password) {

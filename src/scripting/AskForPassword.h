@@ -23,10 +23,6 @@ public:
 /// Not owned; null takes the registered one away. Prompts that are open keep theirs.
 void SetPasswordPrompt(TPasswordPrompt* prompt);
 
-/// The password as files have it. Raises Exception for one with a NUL character: what stands before it would
-/// be taken for another one.
-[[nodiscard]] NarrowString PasswordBytes(const string& password);
-
 /// Whether it is a password of that kind for the file; true for a file without protection. Raises what
 /// TPDFDocument::IsPasswordOk raises.
 [[nodiscard]] bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option);

@@ -5,6 +5,7 @@
 #include "base/Paths.h"
 #include "platform/MessageBox.h"
 #include "platform/StopSignal.h"
+#include "scripting/Occasion.h"
 #include "scripting/host/Engine.h"
 
 #include <QCoreApplication>
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <dirent.h>
+#include <memory>
 
 TJSEngine* GlobalScriptEngine = nullptr;
 
@@ -42,7 +45,10 @@ void TJSGlobalFunctions::ShowMessage(const string& S) {
 }
 
 int TJSGlobalFunctions::MessageBox(const string& Text, int flags) {
-    return MessageBoxHost().Show(Text, QCoreApplication::applicationName(), flags);
+    const string occasion = TScriptOccasion::Text();
+    const string caption = QCoreApplication::applicationName();
+    return MessageBoxHost().Show(
+        Text, occasion.isEmpty() ? caption : caption + QStringLiteral(": ") + occasion, flags);
 }
 
 bool TJSGlobalFunctions::FileExists(const string& n) {
@@ -51,12 +57,18 @@ bool TJSGlobalFunctions::FileExists(const string& n) {
 
 namespace {
 
+/// An empty answer would say that nothing is there.
+void CheckListable(const string& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> listed(::opendir(PathBytes(folder).constData()), ::closedir);
+    if (listed == nullptr)
+        throw EFileError(QStringLiteral("read"), folder, errno);
+}
+
 void AddFiles(const string& folder, const string& mask, bool topOnly, QStringList& found) {
     if (StopSignal().Raised())
         throw Exception(QStringLiteral("The agent is stopping."));
+    CheckListable(folder);
     const QDir directory(folder);
-    if (!directory.exists())
-        throw EFileError(QStringLiteral("read"), folder, ENOENT);
     const string prefix = IncludeTrailingDelimiter(folder);
     const auto sorted = [&directory](QDir::Filters filters) {
         QStringList names = directory.entryList(filters | QDir::Hidden | QDir::NoDotAndDotDot, QDir::NoSort);
@@ -81,7 +93,8 @@ string WithoutDelimiters(string path) {
 
 QStringList TJSGlobalFunctions::FindFiles(const string& p, const string& filter, bool TopDirOnly) {
     QStringList found;
-    AddFiles(p, filter, TopDirOnly, found);
+    if (!p.isEmpty()) // no folder, not the agent's own one
+        AddFiles(p, filter, TopDirOnly, found);
     return found;
 }
 

@@ -28,8 +28,9 @@ public:
     /// opened by the desktop's opener. Waits for nothing. 42 if something was started; 2 where there is no
     /// such file, 5 where access is denied, 31 where nothing opens it. `hWnd` and `ShowCmd` mean nothing
     /// here; of `Operation`, empty, "open", "edit" and "explore" are known and the same.
-    Q_INVOKABLE static quint64 ShellExecute(qint64 hWnd, const string& Operation, const string& fileName,
-                                            const string& Parameters, const string& Directory, int ShowCmd);
+    Q_INVOKABLE static quint64 ShellExecute(qint64 hWnd, const PWideChar& Operation,
+                                            const PWideChar& fileName, const PWideChar& Parameters,
+                                            const PWideChar& Directory, int ShowCmd);
     /// Starts a program without a shell. Words of `cmd` are separated by blanks; double quotes hold a word
     /// together, three of them are one quote. A failure to start gives the errno value, 2 for a missing file.
     /// With `wait` the result is the exit code, 128 and the signal's number for a program that a signal
@@ -38,13 +39,15 @@ public:
     Q_INVOKABLE static quint32 CreateProcess(const string& cmd, quint32 ShowCmd, bool wait);
 
     Q_INVOKABLE static void ShowMessage(const string& S);
-    /// The code of the button that ended the box (platform/MessageBox.h). Without a desktop the text goes to
-    /// the journal and the answer is that of a closed box.
+    /// The code of the button that ended the box (platform/MessageBox.h), whose caption names the file and
+    /// the list that the script runs for. Without a desktop the text goes to the journal and the answer is
+    /// that of a closed box.
     Q_INVOKABLE static int MessageBox(const string& Text, int flags);
 
     Q_INVOKABLE static bool FileExists(const string& n);
     /// Paths of the files in the folder `p` whose names fit the mask, "*" and "?", in natural order, those of
-    /// each folder before those of its subfolders. Links to folders aren't followed.
+    /// each folder before those of its subfolders. Links to folders aren't followed. Raises EFileError for a
+    /// folder that can't be listed; an empty path is none, and holds nothing.
     Q_INVOKABLE static QStringList FindFiles(const string& p, const string& filter, bool TopDirOnly);
     Q_INVOKABLE static string ExtractFileName(const string& name);
     /// `ext` holds its dot.

@@ -45,8 +45,9 @@ bool IsAddress(const string& target) {
 
 } // namespace
 
-quint64 TJSGlobalFunctions::ShellExecute(qint64 /*hWnd*/, const string& Operation, const string& fileName,
-                                         const string& Parameters, const string& Directory, int /*ShowCmd*/) {
+quint64 TJSGlobalFunctions::ShellExecute(qint64 /*hWnd*/, const PWideChar& Operation,
+                                         const PWideChar& fileName, const PWideChar& Parameters,
+                                         const PWideChar& Directory, int /*ShowCmd*/) {
     static const QStringList operations{QString(), QStringLiteral("open"), QStringLiteral("edit"),
                                         QStringLiteral("explore")};
     if (!operations.contains(Operation.toLower()))

@@ -106,12 +106,12 @@ string FindProgram(const string& name, const string& folder, AnyFile any) {
     if (name.isEmpty())
         return {};
     if (name.contains(u'/')) {
-        const string path = AgainstFolder(name, folder);
+        string path = AgainstFolder(name, folder);
         return any == AnyFile::Yes || IsExecutableFile(path) ? path : QString();
     }
     const QStringList folders = qEnvironmentVariable("PATH").split(u':', Qt::SkipEmptyParts);
     for (const string& candidate : folders)
-        if (const string path = IncludeTrailingDelimiter(candidate) + name; IsExecutableFile(path))
+        if (string path = IncludeTrailingDelimiter(candidate) + name; IsExecutableFile(path))
             return path;
     return {};
 }
@@ -126,6 +126,7 @@ TStartedProgram StartProgram(const string& path, const QStringList& arguments, c
     for (const string& argument : arguments)
         words.push_back(PathBytes(argument));
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -9,7 +9,7 @@ class TJSBatesDictionary : public TZQPDFBatesDictionary {
     Q_CLASSINFO("ScriptName", "TZQPDFBatesDictionary")
     Q_PROPERTY(QStringList Numbers MEMBER BatesStrl STORED false)
 public:
-    Q_INVOKABLE TJSBatesDictionary() {}
+    Q_INVOKABLE TJSBatesDictionary() = default;
 
     /// The names of the stored schemes, in the order of the file.
     Q_INVOKABLE QStringList FindSchemes() { return GetSchemes(); }

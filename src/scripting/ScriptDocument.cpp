@@ -37,7 +37,7 @@ bool TJSPDFDocument::Load(const string& fileName, const string& Password) {
     string password = Password;
     if (!AskForPassword(fileName, TIsPasswordOkOption::poPermission, password))
         return false;
-    const bool opened = Document().OpenFromFile(fileName, PasswordBytes(password));
+    const bool opened = Document().OpenFromFile(fileName, Narrow(password));
     FFilename = fileName;
     SetCurrentPage(1);
     return opened;

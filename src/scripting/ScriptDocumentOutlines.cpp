@@ -36,9 +36,9 @@ bool TJSPDFDocument::SetOutlineColor(TPDFIndirect* Outline, TColor Color) {
     if (item == nullptr)
         return false;
     const auto part = [&](int shift) {
-        return document.ObjectsList().NewNumeric((Color.Value >> shift & 0xFF) / 255.0);
+        return TPDFObjectsList::NewNumeric((Color.Value >> shift & 0xFF) / 255.0);
     };
     const TPDFObjectPtr parts[] = {part(0), part(8), part(16)}; // red, green, blue
-    item->Add("C", document.ObjectsList().NewArray(parts, 2));
+    item->Add("C", TPDFObjectsList::NewArray(parts, 2));
     return false; // on purpose; callers look at the item
 }

@@ -1,4 +1,5 @@
 #include "engine/Document.h"
+#include "engine/Numbers.h"
 #include "engine/Security.h"
 #include "scripting/AskForPassword.h"
 #include "scripting/ScriptDocument.h"
@@ -44,8 +45,8 @@ bool TJSPDFDocument::Encrypt(const string& OwnerPassword, const string& OpenPass
     TZQPDFDocument& document = Document();
     if (document.getIsEncrypted() || !MayProtect(document))
         return false;
-    const NarrowString owner = PasswordBytes(OwnerPassword);
-    const NarrowString open = PasswordBytes(OpenPassword);
+    RequireNoNul("The owner password", OwnerPassword); // before the document gets a handler
+    RequireNoNul("The open password", OpenPassword);
     auto* handler = new THandler(nullptr);
     document.SetSecurityHandler(handler);
     // Any other value leaves the cipher unchosen, on purpose: saving the document then raises.
@@ -56,8 +57,8 @@ bool TJSPDFDocument::Encrypt(const string& OwnerPassword, const string& OpenPass
         handler->SetStreamEncryptionKeyBits(algorithm.KeyBits);
         handler->SetStringEncryptionKeyBits(algorithm.KeyBits);
     }
-    document.SetUserPassword(open);
-    document.SetOwnerPassword(owner);
+    document.SetUserPassword(Narrow(OpenPassword));
+    document.SetOwnerPassword(Narrow(OwnerPassword));
     handler->Permissions()->Load(Perms);
     handler->SetOwnerPassword(Widen(document.OwnerPassword()));
     handler->SetUserPassword(Widen(document.UserPassword()));

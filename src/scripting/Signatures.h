@@ -1,9 +1,7 @@
 #pragma once
 // How methods and types are written for people: in the completion of the script editor and in the reference.
 #include "base/Reflection.h"
-
-/// As scripts know it: "string" for text of any kind, "TPDFDocument" for an object of that class.
-[[nodiscard]] string TypeName(QMetaType type);
+#include "base/TypeNames.h"
 
 /// "(fileName: string, Password: string)"; empty for a method without parameters.
 [[nodiscard]] string ParameterList(const QMetaMethod& method);

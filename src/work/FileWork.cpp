@@ -4,8 +4,11 @@
 #include "base/Journal.h"
 #include "base/Reflection.h"
 #include "engine/Document.h"
+#include "scripting/Occasion.h"
 #include "scripting/ParkedDocuments.h"
 #include "work/Surroundings.h"
+
+#include <QScopeGuard>
 
 namespace {
 
@@ -27,6 +30,7 @@ string StepName(int index, const TPDFAction& action) {
 /// False if a stop cut the actions short. What a stop does to an interruptible action can't be told from what
 /// it would have done, so such a one counts as cut short, too.
 bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& reporter, string& step) {
+    const TScriptOccasion occasion(work.Source, work.ActionName);
     for (int i = 0; i < work.Actions->Count(); ++i) {
         TPDFAction& action = *(*work.Actions)[i];
         if (reporter.Terminated())
@@ -40,13 +44,18 @@ bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& 
     return true;
 }
 
-/// The run log has no words for them.
-void TellWarnings(const TFileWork& work, const TZQPDFDocument& document, TOutcome& outcome) {
-    for (const TPDFWarning& warning : document.Warnings()) {
+/// Also of a file that fails: the run log has no words for them.
+void JournalWarnings(const TFileWork& work, const TZQPDFDocument& document) noexcept try {
+    for (const TPDFWarning& warning : document.Warnings())
         JournalLine(QStringLiteral("\"%1\": %2: %3")
                         .arg(work.Source, QLatin1String(CodeOf(warning.Kind)), warning.Text));
+} catch (const std::exception& e) {
+    JournalLine(MessageOf(e));
+}
+
+void TakeWarnings(const TZQPDFDocument& document, TOutcome& outcome) {
+    for (const TPDFWarning& warning : document.Warnings())
         outcome.Reasons.append({ReasonOf(warning.Kind), {}, warning.Text});
-    }
     if (!outcome.Reasons.isEmpty())
         outcome.State = TOutcomeState::DoneWithWarnings;
 }
@@ -64,6 +73,10 @@ TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step)
     auto document = std::make_unique<TZQPDFDocument>(nullptr);
     const TParkOnException park(document);
     AmongSurroundings([&] { document->OpenFromFile(work.Source, /*password=*/{}, work.Descriptor); });
+    const auto told = qScopeGuard([&] {
+        if (document != nullptr)
+            JournalWarnings(work, *document);
+    });
     if (work.Actions == nullptr) {
         const string text =
             QStringLiteral("Excution failed. Invalid action specified \"%1\".").arg(work.ActionName);
@@ -87,6 +100,6 @@ TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step)
         worked.Result->Flush();
     });
     worked.Outcome.Pages = document->GetPageCount();
-    TellWarnings(work, *document, worked.Outcome);
+    TakeWarnings(*document, worked.Outcome);
     return worked;
 }

@@ -2,6 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Exceptions.h"
+#include "base/TypeNames.h"
 #include "xml/XmlEscape.h"
 
 #include <array>
@@ -145,7 +146,7 @@ QVariant ParseEnumeration(const string& text, QMetaType type) {
     try {
         return ConvertTo(whole.isValid() ? whole : QVariant(text), type, string());
     } catch (const EConvertError&) {
-        Raise(text, QStringLiteral("value of ") + QString::fromLatin1(type.name()));
+        Raise(text, TypeNameWithValues(type));
     }
 }
 

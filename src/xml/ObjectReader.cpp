@@ -1,5 +1,6 @@
 #include "xml/ObjectReader.h"
 
+#include "base/NearestName.h"
 #include "xml/Instance.h"
 #include "xml/Lexical.h"
 #include "xml/XmlMarks.h"
@@ -9,15 +10,29 @@
 
 namespace {
 
+/// What is wrong with an element; a review goes on behind it.
+class EElementFault : public EXmlError {
+public:
+    EElementFault(const string& source, const TXmlElement& element, const string& what)
+        : EXmlError(QStringLiteral("%1, line %2: %3").arg(source, QString::number(element.Line), what)),
+          FLine(element.Line), FWhat(what) {}
+    void Tell(const TReview& review) const { review.Fault(FLine, FWhat); }
+
+private:
+    int FLine;
+    string FWhat;
+};
+
 class TObjectReader {
 public:
-    TObjectReader(const TXmlDocument& document, const TNoteSkipped& noteSkipped)
-        : FDocument(document), FNoteSkipped(noteSkipped) {}
+    /// Without a review the first fault ends the reading.
+    explicit TObjectReader(const TXmlDocument& document, const TReview* review = nullptr)
+        : FDocument(document), FReview(review) {}
 
     void ReadRoot(QObject& object, const string& rootName) const;
 
 private:
-    void ReadMembers(TInstance target, const TXmlElement& element) const;
+    void ReadMembers(TInstance target, const TXmlElement& element, const QStringList& attributes = {}) const;
     void ReadMember(TInstance& target, const QMetaProperty& member, const TXmlElement& element) const;
     [[nodiscard]] QVariant ReadRecord(QVariant record, const TXmlElement& element) const;
     [[nodiscard]] QVariant ReadValue(QMetaType type, const TXmlElement& element) const;
@@ -33,10 +48,14 @@ private:
     [[nodiscard]] std::unique_ptr<QObject> Make(const QMetaObject& type, const TXmlElement& element) const;
     void CheckItemName(const TXmlElement& item, const string& name) const;
     void NoteSkipped(const TXmlElement& element, const string& what) const;
+    void NoteAttributes(const TXmlElement& element, const QStringList& used,
+                        const QStringList& members) const;
+    /// True if the work was done; a review is told of a fault in it, else it passes.
+    [[nodiscard]] bool Try(const std::function<void()>& work) const;
     [[noreturn]] void Raise(const TXmlElement& element, const string& what) const;
 
     const TXmlDocument& FDocument;
-    const TNoteSkipped& FNoteSkipped;
+    const TReview* FReview;
 };
 
 /// Index of the member whose element is `name`, -1 if there is none.
@@ -51,13 +70,41 @@ int FindElement(const QStringList& names, const string& name) {
 }
 
 void TObjectReader::Raise(const TXmlElement& element, const string& what) const {
-    throw EXmlError(
-        QStringLiteral("%1, line %2: %3").arg(FDocument.Source, QString::number(element.Line), what));
+    throw EElementFault(FDocument.Source, element, what);
+}
+
+bool TObjectReader::Try(const std::function<void()>& work) const {
+    try {
+        work();
+        return true;
+    } catch (const EElementFault& e) {
+        if (FReview == nullptr)
+            throw;
+        e.Tell(*FReview);
+        return false;
+    }
 }
 
 void TObjectReader::NoteSkipped(const TXmlElement& element, const string& what) const {
-    if (FNoteSkipped)
-        FNoteSkipped(element.Line, what);
+    if (FReview != nullptr)
+        FReview->Fault(element.Line, what);
+}
+
+/// Nothing reads attributes but those in `used`; who writes them mostly means an element, one of `members`.
+void TObjectReader::NoteAttributes(const TXmlElement& element, const QStringList& used,
+                                   const QStringList& members) const {
+    for (const auto& [name, value] : element.Attributes) {
+        if (used.contains(name) || name.startsWith(u"xml") || name.startsWith(u"xsi:"))
+            continue;
+        const int member = FindElement(members, name);
+        NoteSkipped(
+            element,
+            member < 0
+                ? QStringLiteral("the attribute \"%1\" of \"%2\" is not looked at").arg(name, element.Name)
+                : QStringLiteral("\"%1\" stands as an attribute of \"%2\" and is not looked "
+                                 "at: it must be an element, <%3>%4</%3>")
+                      .arg(name, element.Name, members[member], value));
+    }
 }
 
 void TObjectReader::ReadRoot(QObject& object, const string& rootName) const {
@@ -66,28 +113,37 @@ void TObjectReader::ReadRoot(QObject& object, const string& rootName) const {
         Raise(root,
               QStringLiteral("the root element is \"%1\", expected is \"%2\"").arg(root.Name, rootName));
     ReadMembers(TInstance(object), root);
+    if (FReview != nullptr)
+        FReview->Read(object, root);
 }
 
-void TObjectReader::ReadMembers(TInstance target, const TXmlElement& element) const {
-    if (!element.Text.trimmed().isEmpty())
-        Raise(element, QStringLiteral("text between the elements of \"%1\"").arg(element.Name));
+void TObjectReader::ReadMembers(TInstance target, const TXmlElement& element,
+                                const QStringList& attributes) const {
+    if (!element.Text.trimmed().isEmpty() && !Try([&] {
+            Raise(element, QStringLiteral("text between the elements of \"%1\"").arg(element.Name));
+        }))
+        return;
     QList<QMetaProperty> members = Reflection::Members(target.Type());
     members.removeIf([](const QMetaProperty& member) { return KindOf(member) == MemberKind::None; });
     QStringList names;
     for (const QMetaProperty& member : members)
         names.append(XmlMarks::ElementName(target.Type(), member));
+    NoteAttributes(element, attributes, names);
     QSet<int> seen;
     for (const TXmlElement& child : element.Children) {
         const int index = FindElement(names, child.Name);
         if (index < 0) {
             NoteSkipped(child,
-                        QStringLiteral("unknown element \"%1\" in \"%2\"").arg(child.Name, element.Name));
+                        QStringLiteral("unknown element \"%1\" in \"%2\"").arg(child.Name, element.Name) +
+                            DidYouMean(child.Name, names));
             continue;
         }
-        if (seen.contains(index))
-            Raise(child, QStringLiteral("\"%1\" appears twice in \"%2\"").arg(child.Name, element.Name));
-        seen.insert(index);
-        ReadMember(target, members[index], child);
+        [[maybe_unused]] const bool read = Try([&] {
+            if (seen.contains(index))
+                Raise(child, QStringLiteral("\"%1\" appears twice in \"%2\"").arg(child.Name, element.Name));
+            seen.insert(index);
+            ReadMember(target, members[index], child);
+        });
     }
 }
 
@@ -132,6 +188,7 @@ QVariant TObjectReader::ReadRecord(QVariant record, const TXmlElement& element) 
 QVariant TObjectReader::ReadValue(QMetaType type, const TXmlElement& element) const {
     if (!element.Children.empty())
         Raise(element, QStringLiteral("\"%1\" holds a value and no elements").arg(element.Name));
+    NoteAttributes(element, {}, {});
     try {
         return Lexical::Parse(element.Text, type);
     } catch (const EConvertError& e) {
@@ -153,9 +210,14 @@ QVariant TObjectReader::ReadValues(const TInstance& target, const QMetaProperty&
     const string name = XmlMarks::ItemName(target.Type(), member, DefaultItemName(type));
     if (!element.Text.trimmed().isEmpty())
         Raise(element, QStringLiteral("text in the list \"%1\"").arg(element.Name));
+    NoteAttributes(element, {}, {});
     for (const TXmlElement& item : element.Children) {
-        CheckItemName(item, name);
-        values.addValue(Lexical::IsSimple(type) ? ReadValue(type, item) : ReadRecord(QVariant(type), item));
+        QVariant value(type);
+        [[maybe_unused]] const bool read = Try([&] {
+            CheckItemName(item, name);
+            value = Lexical::IsSimple(type) ? ReadValue(type, item) : ReadRecord(value, item);
+        });
+        values.addValue(value);
     }
     return list;
 }
@@ -177,11 +239,26 @@ void TObjectReader::ReadObjects(const TInstance& target, const QMetaProperty& me
         Raise(element, QStringLiteral("text in the list \"%1\"").arg(element.Name));
     const QMetaObject& itemClass = list->ItemClass();
     const string name = XmlMarks::ItemName(target.Type(), member, XmlMarks::RootName(itemClass));
+    NoteAttributes(element, {}, {});
     list->Clear();
     for (const TXmlElement& item : element.Children) {
-        CheckItemName(item, name);
-        list->Append(ReadItem(itemClass, item));
+        [[maybe_unused]] const bool read = Try([&] {
+            CheckItemName(item, name);
+            std::unique_ptr<QObject> object = ReadItem(itemClass, item);
+            if (FReview != nullptr)
+                FReview->Read(*object, item);
+            list->Append(std::move(object));
+        });
     }
+}
+
+/// The classes that items of a list may have.
+QStringList NamesBelow(const QMetaObject& itemClass) {
+    QStringList names;
+    for (const QMetaObject* type : Reflection::KnownClasses())
+        if (type->inherits(&itemClass) && type != XmlMarks::Placeholder(itemClass))
+            names.append(Reflection::ClassName(*type));
+    return names;
 }
 
 /// Null for a class that isn't known, or is no item of this list.
@@ -203,11 +280,13 @@ std::unique_ptr<QObject> TObjectReader::ReadItem(const QMetaObject& itemClass,
         const string className = element.Attribute(u"Class");
         if (placeholder == nullptr)
             Raise(element, QStringLiteral("unknown class \"%1\"").arg(className));
-        NoteSkipped(element, QStringLiteral("unknown class \"%1\"").arg(className));
+        NoteSkipped(element, QStringLiteral("unknown class \"%1\"").arg(className) +
+                                 DidYouMean(className, NamesBelow(itemClass)));
         return KeepUnknown(*placeholder, className, element);
     }
     std::unique_ptr<QObject> item = Make(*type, element);
-    ReadMembers(TInstance(*item), element);
+    ReadMembers(TInstance(*item), element,
+                XmlMarks::ItemsTellClass(itemClass) ? QStringList(QStringLiteral("Class")) : QStringList());
     return item;
 }
 
@@ -229,7 +308,11 @@ std::unique_ptr<QObject> TObjectReader::KeepUnknown(const QMetaObject& placehold
 
 } // namespace
 
-void ReadDocument(QObject& object, const TXmlDocument& document, const string& rootName,
-                  const TNoteSkipped& noteSkipped) {
-    TObjectReader(document, noteSkipped).ReadRoot(object, rootName);
+void ReadDocument(QObject& object, const TXmlDocument& document, const string& rootName) {
+    TObjectReader(document).ReadRoot(object, rootName);
+}
+
+void ReviewDocument(QObject& object, const TXmlDocument& document, const string& rootName,
+                    const TReview& review) {
+    TObjectReader(document, &review).ReadRoot(object, rootName);
 }

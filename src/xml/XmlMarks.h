@@ -5,7 +5,8 @@
 //     XML_ROOT("Action", true)                    the element's name; true: subclasses bear it too
 //     XML_ELEMENT(Folders, "Folders", "Folder")   list property, its container element, its item element
 //     XML_PLACEHOLDER("TUnknownAction")           class whose objects keep items of unknown classes
-//     XML_SPARSE                                  record whose members are written only where they differ from
+//     XML_SPARSE                                  record whose members are written only where they differ
+//     from
 //                                                 their defaults; without any such, it isn't written at all
 // A property that XML skips is declared with STORED false.
 #include "base/Reflection.h"

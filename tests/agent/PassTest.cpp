@@ -200,7 +200,8 @@ TEST_F(Pass, AFolderThatCannotBeServedHoldsUpNoOther) {
             QFile::link(linked, FWorkspace.Path("broken/output"));
         Drop("a.pdf");
         Play();
-        EXPECT_TRUE(FWorkspace.Has("in/output/a.pdf") && FWorkspace.Has("broken/b.pdf")) << linked.toStdString();
+        EXPECT_TRUE(FWorkspace.Has("in/output/a.pdf") && FWorkspace.Has("broken/b.pdf"))
+            << linked.toStdString();
         QDir(FWorkspace.Path("in")).removeRecursively();
         QDir().mkpath(FWorkspace.Path("in"));
         QFile::remove(FWorkspace.Path("broken/output"));

@@ -208,7 +208,7 @@ TEST_F(EditScriptTest, AsksBeforeItReplacesWhatChangedMeanwhile) {
 
 TEST_F(EditScriptTest, AFailedSaveBringsTheTextBack) {
     static const char* failing;
-    for (const char* call : {"create part", "write", "fsync", "rename"}) {
+    for (const char* call : {"create part", "write", "fsync", "publish over"}) {
         FFiles.Write("a.js", "before");
         failing = call;
         Shown.clear();

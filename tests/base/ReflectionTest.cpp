@@ -74,7 +74,7 @@ TEST(Reflection, CallsConvertAndLetExceptionsPass) {
         Reflection::Call(sample, method(u"Twice"), {QStringLiteral("x")});
         FAIL() << "no exception";
     } catch (const EConvertError& e) {
-        EXPECT_EQ(e.Message(), "parameter \"Value\" of Twice: \"x\" is no double");
+        EXPECT_EQ(e.Message(), "parameter \"Value\" of Twice: \"x\" is no Double");
     }
 }
 

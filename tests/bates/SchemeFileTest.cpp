@@ -228,7 +228,7 @@ TEST_F(SchemeFile, AFailedWriteLeavesTheOldFileAndIsNotThrownByTheDestructor) {
     Give("<batestamp id='a'/>");
     const QByteArray before = Text();
     Load("a");
-    SetFaultHook([](const char* call) { return qstrcmp(call, "rename") == 0 ? ENOSPC : 0; });
+    SetFaultHook([](const char* call) { return qstrcmp(call, "publish over") == 0 ? ENOSPC : 0; });
     EXPECT_THROW(Store().SaveCurrSchemeToName("b"), EFileError);
     EXPECT_EQ(Names(), QStringList({"a", "b"})); // the store keeps the change
     testing::internal::CaptureStderr();

@@ -195,7 +195,7 @@ TEST_F(Stamp, AFailureLeavesTheFileAndIsMetBeforeTheFirstPage) {
         {"none", 0, "<BN:0:1:1:0>=2147483645", 0}, // the third page has no next number
         {"create part", EROFS, "<BN:0:1:1:0>=1", 0}, {"write", ENOSPC, "<BN:0:1:1:0>=1", 0},
         {"fsync", EIO, "<BN:0:1:1:0>=1", 0},         {"flock", ENOLCK, "<BN:0:1:1:0>=1", 0},
-        {"rename", EIO, "<BN:0:1:1:0>=1", 3},
+        {"publish over", EIO, "<BN:0:1:1:0>=1", 3},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.Call);

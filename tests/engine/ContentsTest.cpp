@@ -103,7 +103,8 @@ TEST_F(TContents, ThatAreDamagedKeepWhatTheyShowAndTakeMore) {
         {"ends in a string", StreamOf("BT /F1 8 Tf 40 40 Td (before) Tj ET BT (and so on"), true},
         {"nests without end",
          StreamOf("BT /F1 8 Tf 40 40 Td (before) Tj ET" + QByteArray(" q").repeated(1'100'000)), true},
-        {"a checksum that nobody reads", StreamOf(whole.chopped(4), "/Filter /FlateDecode"), false},
+        {"a wrong checksum", StreamOf(whole.chopped(1) + char(~whole.back()), "/Filter /FlateDecode"), true},
+        {"a checksum that is missing", StreamOf(whole.chopped(4), "/Filter /FlateDecode"), false},
         {"whole", StreamOf(whole, "/Filter /FlateDecode"), false},
     };
     for (const auto& c : cases) {
@@ -142,6 +143,17 @@ TEST_F(TContents, PagesThatAreLostAreTold) {
     Open(pdf.replace("/Count 1 /Kids [", "/Count 3 /Kids [9 0 R 10 0 R "));
     EXPECT_EQ(Document.GetPageCount(), 1);
     EXPECT_TRUE(Document.Warnings().Has(TWarningKind::DamagePagesLost));
+}
+
+TEST_F(TContents, RefusedChangesAreTold) {
+    MakePdf(In, 1, {.OwnerPassword = "owner", .Restrictions = {"--modify=none"}});
+    Document.OpenFromFile(In, {});
+    EXPECT_FALSE(Document.Warnings().Has(TWarningKind::PermissionRefused));
+    EXPECT_FALSE(Document.GetCanModify());
+    EXPECT_FALSE(Document.GetCanModify());
+    const TPDFWarnings warnings = Document.Warnings();
+    ASSERT_EQ(warnings.end() - warnings.begin(), 1); // each once
+    EXPECT_STREQ(CodeOf(warnings.begin()->Kind), "permission.refused");
 }
 
 } // namespace

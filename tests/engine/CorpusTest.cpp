@@ -25,7 +25,12 @@ TEST_F(TCorpus, GoodAndRepairableFilesAreRotatedDescribedAndSaved) {
         document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
         EXPECT_LE(QpdfCheck(out), file.QpdfExit == 3 ? 3 : 0);
         EXPECT_EQ(PdfInfo(out, QStringLiteral("Pages")).toInt(), file.Pages);
-        EXPECT_EQ(PdfInfo(out, QStringLiteral("Title")), QStringLiteral("Titel Ω"));
+        // What had no /Info and may be a PDF 2.0 says it in its XMP packet alone.
+        const string told = PdfInfo(out, QStringLiteral("Title"));
+        EXPECT_TRUE(
+            told == QStringLiteral("Titel Ω") ||
+            (told.isEmpty() &&
+             RunProgram(QStringLiteral("pdfinfo"), {QStringLiteral("-meta"), out}).Out.contains("Titel Ω")));
         TZQPDFDocument saved(nullptr);
         saved.OpenFromFile(out, {});
         ASSERT_EQ(saved.GetPageCount(), file.Pages);

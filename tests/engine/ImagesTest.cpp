@@ -4,6 +4,8 @@
 #include "engine/SampleImages.h"
 #include "engine/content/FormContent.h"
 #include "engine/images/DocumentImages.h"
+#include "engine/images/ImageCache.h"
+#include "engine/images/ImageData.h"
 #include "engine/images/ImageFile.h"
 
 #include <QBuffer>
@@ -214,6 +216,7 @@ TEST(Images, EveryFormIsSeenAsItWasMade) {
         {"tiff photo", "rgb 8", TiffOf(colors, {YCbCr, JpegCode}), SeenColors, 40},
         {"tiff ycbcr", "rgb 8", TiffOf(ycc, {YCbCr}), SeenYcc, 3},
         {"tiff lab", "rgb 8", TiffOf(Blocks(8, Labs), {Lab}), SeenLabs, 12},
+        {"tiff lab 16", "rgb 16", TiffOf(Blocks(16, Deep(Labs)), {Lab}), SeenLabs, 28},
         {"tiff palette", "index 4",
          TiffOf(Blocks(4, Indexes), {.Photometric = Palette, .Compression = Plain, .Palette = palette})},
         {"tiff cmyk", "cmyk 8", TiffOf(inks, {Cmyk}), SeenInks, Ink},
@@ -305,6 +308,46 @@ TEST(Images, OrientationAndResolutionAreTheFilesOwn) {
 /// The dictionary of a page's only image.
 QPDFObjectHandle ImageOf(QPDFObjectHandle page) {
     return page.getKey("/Resources").getKey("/XObject").getKey("/X0").getDict();
+}
+
+TEST(Images, TilesGiveEveryRow) {
+    const TWorkspace files;
+    for (const int orientation : {1, 6}) { // one row of tiles, and two whose second is half outside
+        const TSampleImage blocks = Blocks(8, Colors, orientation);
+        const auto load = [&](const char* name, bool tiled) {
+            return TImageFile::Load(
+                files.Write(QString::fromLatin1(name),
+                            TiffOf(blocks, {.Photometric = Rgb, .Compression = Plain, .Tiled = tiled})));
+        };
+        EXPECT_EQ(load("tiles.tif", true)->Data()->Data, load("rows.tif", false)->Data()->Data);
+    }
+}
+
+TEST(ImageCache, KeepsTheLastUsedWithinItsLimit) {
+    struct stat info {};
+    info.st_mtim.tv_sec = info.st_ctim.tv_sec = 1'000'000;
+    const TFileStamp stamp(info);
+    TImageCache cache(100);
+    const auto add = [&](const char* name, qint64 bytes) {
+        cache.Add(name, stamp, std::make_shared<const TImageFile>(name, std::make_shared<const TImageData>()),
+                  bytes);
+    };
+    const auto known = [&](const char* name) { return cache.Find(name, stamp) != nullptr; };
+    add("a", 40);
+    add("b", 60);
+    EXPECT_TRUE(known("b"));
+    EXPECT_TRUE(known("a")); // last
+    add("c", 60);
+    EXPECT_TRUE(known("a") && known("c"));
+    EXPECT_FALSE(known("b")) << "the one used least lately goes";
+    add("huge", 101);
+    EXPECT_FALSE(known("huge"));
+    EXPECT_TRUE(known("a") && known("c")) << "what is beyond the limit alone drives nothing out";
+    const auto held = std::make_shared<const TImageFile>("huge", std::make_shared<const TImageData>());
+    cache.Add("held", stamp, held, 101);
+    EXPECT_EQ(cache.Find("held", stamp), held) << "known while somebody uses it";
+    info.st_size = 1;
+    EXPECT_EQ(cache.Find("a", TFileStamp(info)), nullptr);
 }
 
 TEST(Images, ANewerProfileNeedsANewerPdf) {

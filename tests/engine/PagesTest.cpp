@@ -231,23 +231,34 @@ TEST_F(TPages, WhateverLedToADeletedPageIsPruned) {
 }
 
 TEST_F(TPages, LabelsFollowTheirPages) {
-    QByteArray pdf = SamplePdf(6).replace(
-        "<< /Type /Catalog",
-        "<< /PageLabels << /Nums [0 << /S /r >> 2 << /S /D /P (A-) /St 5 >>] >> /Type /Catalog");
-    Files.Write(QStringLiteral("in.pdf"), pdf); // i ii A-5 A-6 A-7 A-8
-    Document.OpenFromFile(In, {});
-    Document.DeletePageRange(QStringLiteral("1,4"));
-    Document.InsertPages(1, 1, 99, 99, /*before*/ false);
-    Save(); // ii (blank) A-5 A-7 A-8
-    QStringList labels;
-    for (const QJsonValue& label : PdfJson(Out)["pagelabels"].toArray()) {
-        const QJsonObject entry = label.toObject()["label"].toObject();
-        labels.append(QStringLiteral("%1:%2%3%4")
-                          .arg(label.toObject()["index"].toInt())
-                          .arg(entry["/P"].toString(), entry["/S"].toString())
-                          .arg(entry["/St"].toInt(1)));
+    const struct {
+        const char* Runs;
+        const char* Deleted;
+        const char* Left;
+    } cases[] = {
+        {"0 << /S /r >> 2 << /S /D /P (A-) /St 5 >>", "1,4", "0:/r2 1:1 2:u:A-/D5 3:u:A-/D7"},
+        // The style and the number go on, the prefix doesn't.
+        {"0 << /S /D /P (A-) >> 3 << /S /D /P (B-) /St 3 >>", "3", "0:u:A-/D1 1:1 2:u:A-/D2 3:u:B-/D3"},
+        {"0 << /P (Cover) >> 3 << /P (Cover) >> 4 << /P (Back) >>", "6",
+         "0:u:Cover1 1:1 2:u:Cover2 5:u:Back1"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Runs);
+        Open(SamplePdf(6).replace("<< /Type /Catalog",
+                                  QByteArray("<< /PageLabels << /Nums [") + c.Runs + "] >> /Type /Catalog"));
+        Document.DeletePageRange(QString::fromLatin1(c.Deleted));
+        Document.InsertPages(1, 1, 99, 99, /*before*/ false); // has no label
+        Save();
+        QStringList labels;
+        for (const QJsonValue& label : PdfJson(Out)["pagelabels"].toArray()) {
+            const QJsonObject entry = label.toObject()["label"].toObject();
+            labels.append(QStringLiteral("%1:%2%3%4")
+                              .arg(label.toObject()["index"].toInt())
+                              .arg(entry["/P"].toString(), entry["/S"].toString())
+                              .arg(entry["/St"].toInt(1)));
+        }
+        EXPECT_EQ(labels.join(u' '), c.Left);
     }
-    EXPECT_EQ(labels.join(u' '), "0:/r2 1:1 2:u:A-/D5 3:u:A-/D7");
 }
 
 TEST_F(TPages, InheritedAttributesAndSharedNodesSurviveReordering) {

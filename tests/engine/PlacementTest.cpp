@@ -195,6 +195,32 @@ TEST(TPlacement, WhatChangesAfterASaveIsWrittenAgain) {
     EXPECT_TRUE(PageTexts(out)[0].contains("third"));
 }
 
+TEST(TPlacement, AMovedLayerGoesByThePageAsItLiesThen) {
+    const TWorkspace files;
+    const string path = files.Path(QStringLiteral("in.pdf"));
+    MakePdf(path, 1);
+    TZQPDFDocument document(nullptr);
+    document.OpenFromFile(path, {});
+    auto* text = new TZQPDFText(&document.Pages().getItem(0).Layers());
+    text->SetText(Token);
+    text->MoveTo(136, 146);
+    TPDFMargins margins = TPDFMargins::Create(40, 50, 0, 0);
+    document.CropPages({}, margins);
+    const auto left = [&] {
+        document.SaveToPath(path, /*keepSource*/ true, /*takeName*/ false);
+        const auto place = TokenPlaces(path)[0].value_or(TWord{});
+        return std::pair(std::lround(place.Left),
+                         std::lround(place.Top / 2)); // its height is the font's affair
+    };
+    const auto kept = left();
+    EXPECT_EQ(kept.first, 86) << "the layer went with its page";
+    text->MoveTo(86, 106);
+    EXPECT_EQ(left(), kept) << "the same place, as the page lies now";
+    document.RotatePages({}, 90);
+    text->MoveTo(86, 106);
+    EXPECT_EQ(left(), kept);
+}
+
 TEST(TPlacement, GoesAlongWhenThePageIsCopied) {
     const TWorkspace files;
     const string out = files.Path(QStringLiteral("out.pdf"));

@@ -187,13 +187,15 @@ QByteArray TiffOf(const TSampleImage& image, const TTiffForm& form) {
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, Side);
         TIFFSetField(tiff, TIFFTAG_TILELENGTH, Side);
         const int pixel = image.Bits * image.Samples / 8;
-        for (int x = 0; x < image.Width; x += Side) {
-            QByteArray tile;
-            for (int y = 0; y < Side; ++y)
-                tile +=
-                    rows.mid(y * rowSize, rowSize).mid(x * pixel, Side * pixel).leftJustified(Side * pixel);
-            TIFFWriteTile(tiff, tile.data(), quint32(x), 0, 0, 0);
-        }
+        for (int top = 0; top < image.Height; top += Side)
+            for (int x = 0; x < image.Width; x += Side) {
+                QByteArray tile;
+                for (int y = top; y < top + Side; ++y)
+                    tile += rows.mid(y * rowSize, rowSize)
+                                .mid(x * pixel, Side * pixel)
+                                .leftJustified(Side * pixel);
+                TIFFWriteTile(tiff, tile.data(), quint32(x), quint32(top), 0, 0);
+            }
     } else {
         TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, form.RowsPerStrip > 0 ? form.RowsPerStrip : image.Height);
         for (int plane = 0; plane < (form.Separate ? image.Samples : 1); ++plane) {

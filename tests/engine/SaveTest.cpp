@@ -49,6 +49,25 @@ TEST_F(TSaveCase, TheFirstHalfOfTheIdStaysAndTheSecondIsRenewed) {
     EXPECT_NE(written[1].toString(), written[0].toString());
 }
 
+/// Names for which the rule gives the same answer again and again.
+TEST_F(TSaveCase, AFreeNameReplacesNothingWhateverTheName) {
+    for (const char* name : {"a (final).pdf", ".hidden.pdf", "linked.pdf"}) {
+        const TWorkspace place;
+        if (name == QByteArray("linked.pdf"))
+            QFile::link(QStringLiteral("elsewhere.pdf"), place.Path(QLatin1String(name)));
+        for (int i = 0; i < 4; ++i) {
+            Open(SamplePdf(1 + i));
+            Document.SaveToFreeName(place.Path(QLatin1String(name)));
+        }
+        QStringList pages;
+        for (const string& made : place.Names())
+            if (place.Has(made))
+                pages.append(PdfInfo(place.Path(made), QStringLiteral("Pages")));
+        pages.sort();
+        EXPECT_EQ(pages, QStringList({"1", "2", "3", "4"})) << name;
+    }
+}
+
 TEST_F(TSaveCase, StreamsAreCopiedAsTheyStand) {
     const QByteArray badlyDeflated = "x\x9C this is no deflated data";
     Open(PdfOf({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Count 1 /Kids [3 0 R] >>",

@@ -115,6 +115,7 @@ protected:
 
 TEST_P(KillSweep, AtEachFileSystemCall) {
     Case = &GetParam();
+    const bool poor = qEnvironmentVariableIsSet("MORVANE_POOR_FILES"); // the file system itself
     int doubled = 0;
     int at = 1;
     for (bool through = false; !through; ++at) {
@@ -130,14 +131,16 @@ TEST_P(KillSweep, AtEachFileSystemCall) {
                 CallsMade = 0;
                 DieAt = die;
                 SetFaultHook(CountFailAndDie);
-                PlayTicks(workspace, 1);
+                PlayTicks(workspace,
+                          poor || Case->Error == ENOLCK ? 4 : 1); // the configuration is looked at twice, too
             }));
         };
         through = run(at);
         const TConservation found = drops.Look();
         EXPECT_EQ(found.Lost + found.MoreCopies, 0);
-        EXPECT_LE(found.SecondCopies, Case->Failing.empty() ? 0 : 1);
-        EXPECT_LE(found.BadResults, Case->Failing.size() > 3 ? 1 : 0) << "but for a name that is reserved";
+        EXPECT_LE(found.SecondCopies, poor || !Case->Failing.empty() ? 1 : 0);
+        EXPECT_LE(found.BadResults, poor || Case->Failing.size() > 3 ? 1 : 0)
+            << "but for a name that is reserved";
         Copies = Case->Error == EXDEV ? 1 : 0;
         ASSERT_TRUE(run(0));
         const TConservation after = drops.Look();

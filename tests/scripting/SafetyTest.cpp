@@ -165,7 +165,7 @@ TEST_F(ScriptSafety, StopEndsScripts) {
              "({toString() { for (;;); }}) + ''",
              "throw {toString() { for (;;); }}",
              "IncludeResource('endless.js'); for (;;);",
-             "CreateProcess('sleep 3600', 0, true)",
+             "CreateProcess('sh -c \"exec sleep 90 >/dev/null 2>&1\"', 0, true)",
              "for (;;) FindFiles('/usr', '*', false)",
              "for (let i = 0; ; ++i) new Uint8Array(1e6)",
          }) {

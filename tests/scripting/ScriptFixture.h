@@ -14,12 +14,14 @@ class TPlayedBoxes : public TMessageBoxHost {
 public:
     TPlayedBoxes() { SetMessageBoxHost(this); }
     ~TPlayedBoxes() override { SetMessageBoxHost(nullptr); }
-    int Show(const string& text, const string& /*caption*/, int flags) override {
+    int Show(const string& text, const string& caption, int flags) override {
         Said.append(text);
+        Caption = caption;
         Flags = flags;
         return Answer;
     }
     QStringList Said;
+    string Caption;
     int Flags = -1;
     int Answer = IDOK;
 };

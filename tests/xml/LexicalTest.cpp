@@ -93,8 +93,8 @@ TEST(Lexical, RefusesWhatIsNoValue) {
         {colour, "0x", "\"0x\" is no colour (as 0xFF336699)"},
         {colour, "4294967296", "\"4294967296\" is no colour (as 0xFF336699)"},
         {colour, "red", "\"red\" is no colour (as 0xFF336699)"},
-        {size, "szHuge", "\"szHuge\" is no value of TSampleSizes::TSize"},
-        {size, "2", "\"2\" is no value of TSampleSizes::TSize"},
+        {size, "szHuge", "\"szHuge\" is no TSize (szSmall, szLarge)"},
+        {size, "2", "\"2\" is no TSize (szSmall, szLarge)"},
         {integer, string(1000, u'x'), "\"" + string(80, u'x') + "...\" is no whole number"},
     };
     for (const TBadForm& row : table) {

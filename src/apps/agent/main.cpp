@@ -3,6 +3,7 @@
 #include "agent/WorkMarks.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
+#include "base/Module.h"
 #include "desktop/Desktop.h"
 #include "platform/AppInstances.h"
 #include "platform/DescriptorLimit.h"
@@ -16,6 +17,7 @@ int main() {
     try {
         IgnoreDisruptiveSignals();
         RaiseDescriptorLimit();
+        HoldModules();
         MarkFatalSignals();
         [[maybe_unused]] const bool service = ServiceNotice().Listening(); // before there are threads
         const TTimerManagerUse timers;

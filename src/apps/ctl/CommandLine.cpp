@@ -73,7 +73,7 @@ const TCommand& FindCommand(const string& name) {
 
 /// The one word behind the command, empty if there is none. Raises EUsage if it is no word of the command.
 string ArgumentOf(const TCommand& command, const QStringList& words) {
-    const string argument = words.mid(1).join(u' ');
+    string argument = words.mid(1).join(u' ');
     if (command.Arguments == Folder) {
         if (words.size() > 2)
             throw EUsage(QStringLiteral("The command \"%1\" takes one folder.").arg(words[0]));

@@ -13,11 +13,14 @@ constexpr char ExampleActions[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 <ActionManager>
   <ManagerActions>
     <ActionList>
-      <Name>Upright</Name>
+      <Name>Received</Name>
       <Actions>
-        <Action Class="TPDFActionRotatePages">
-          <pageRange>odd</pageRange>
-          <Angle>90</Angle>
+        <!-- A stamp is an annotation: it covers nothing for good, and a reader can move it or take it away. -->
+        <Action Class="TPDFActionAddStampAnnotation">
+          <x>36</x>
+          <y>36</y>
+          <Text>Received [date]</Text>
+          <Subject>Incoming mail</Subject>
         </Action>
       </Actions>
     </ActionList>
@@ -34,7 +37,10 @@ constexpr char ExampleFolders[] = R"(<?xml version="1.0" encoding="UTF-8"?>
       <Enabled>true</Enabled>
       <OverwriteExistingFiles>false</OverwriteExistingFiles>
       <CheckEvery>1</CheckEvery>
-      <Action>Upright</Action>
+      <Action>Received</Action>
+      <Policy>
+        <RepeatLines>OnChange</RepeatLines>
+      </Policy>
     </Folder>
   </Folders>
 </WatchedFolder>
@@ -58,6 +64,11 @@ string SettingsText(string folder) {
     return QStringLiteral("[General]\nConfigurationFolder=\"%1\"\n").arg(folder);
 }
 
+/// The folder of the example: where people look, unless the configuration is to lie in a place of its own.
+string InboxOf(const string& wanted, const string& path) {
+    return wanted.isEmpty() ? QDir::homePath() + QStringLiteral("/Morvane") : path + QStringLiteral("/inbox");
+}
+
 } // namespace
 
 TCommandResult Init(const string& folder, const TCommandOptions& /*options*/) {
@@ -67,13 +78,15 @@ TCommandResult Init(const string& folder, const TCommandOptions& /*options*/) {
     if (path.isEmpty())
         throw Exception(QStringLiteral("The configuration folder's path is too long."));
     ForceDirectories(path);
-    const string inbox = path + QStringLiteral("/inbox");
+    const string inbox = InboxOf(folder, path);
     QStringList done;
     const bool first = !NameTaken(path + QStringLiteral("/watchedfolders.xml"));
     done += MakeFile(path + QStringLiteral("/watchedfolders.xml"),
                      string(QLatin1String(ExampleFolders)).arg(inbox.toHtmlEscaped()));
-    if (first)
+    if (first) {
         ForceDirectories(inbox);
+        done += QStringLiteral("drop files into %1").arg(inbox);
+    }
     done += MakeFile(path + QStringLiteral("/actions.xml"), QLatin1String(ExampleActions));
     done += MakeFile(SettingsFile(), SettingsText(wanted));
     const string used = ExpandEnvironment(GetEditorSettings().ConfigurationFolder);

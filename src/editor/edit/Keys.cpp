@@ -33,14 +33,12 @@ void TMemoKeys::KeyDown(int key, TShiftState shift) {
 bool TMemoKeys::Shortcut(int key, TShiftState shift) {
     const bool ctrl = Held(shift, ssCtrl);
     const bool alt = Held(shift, ssAlt);
-    if (FMemo.Settings.FMoreKeys && ctrl && !alt && Held(shift, ssShift) && key == keyZ) {
+    const bool shiftZ = FMemo.Settings.FMoreKeys && !alt && Held(shift, ssShift) && key == keyZ;
+    if (ctrl && (shiftZ || key == keyY)) {
         if (!FMemo.Settings.FReadOnly)
             FMemo.Redo();
     } else if (ctrl && !alt && key == keyZ) {
         FMemo.Undo(); // also when read-only, on purpose; redo isn't
-    } else if (ctrl && key == keyY) {
-        if (!FMemo.Settings.FReadOnly)
-            FMemo.Redo();
     } else if (alt && key == keyBackspace) {
         if (Held(shift, ssShift))
             FMemo.Redo();

@@ -16,7 +16,8 @@ bool IsWhole(const TAdvMemoStrings& lines) {
 /// The step switches overwriting itself.
 bool TogglesOverwrite(const TAdvUndoList& list, THistoryStep step) {
     const int index = list.Position() - (step == THistoryStep::Redo ? 1 : 0);
-    return index >= 0 && index < list.Count() && dynamic_cast<TInsertOverwriteUndo*>(&list.Get(index));
+    return index >= 0 && index < list.Count() &&
+           dynamic_cast<TInsertOverwriteUndo*>(&list.Get(index)) != nullptr;
 }
 
 /// Halves of pairs that a history out of step leaves (an undone entry may grow, and its redo then takes more

@@ -77,7 +77,7 @@ QRegularExpressionMatchIterator TTextSearch::MatchesFrom(int offset) const {
 QRegularExpressionMatch TTextSearch::MatchAt(int offset) {
     const bool inPair = offset > 0 && offset < FSubject.size() && FSubject[offset].isLowSurrogate();
     offset += inPair ? 1 : 0;
-    const QRegularExpressionMatch match =
+    QRegularExpressionMatch match =
         FPattern.match(FSubject, offset, QRegularExpression::NormalMatch, Unchecked);
     if (!match.isValid())
         FailForWork();

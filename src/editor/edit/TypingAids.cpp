@@ -35,7 +35,7 @@ bool TTypingAids::InCode(int x) const {
     if (x > 0 || FMemo.Caret().Y() >= FMemo.Lines().Count())
         return true;
     const TLineProp* prop = FMemo.Lines().GetLineProp(FMemo.Caret().Y());
-    return !prop || !prop->CachedStyle || (!prop->Style.isComment && !prop->Style.isBracket);
+    return prop == nullptr || !prop->CachedStyle || (!prop->Style.isComment && !prop->Style.isBracket);
 }
 
 void TTypingAids::Remember() {

@@ -7,7 +7,7 @@
 #include <algorithm>
 
 std::optional<TLinePlace> ReadPlace(const string& text) {
-    static const QRegularExpression Form("^\\s*([0-9]{1,9})\\s*(?:[:,]\\s*([0-9]{1,9})?\\s*)?$");
+    static const QRegularExpression Form(R"(^\s*([0-9]{1,9})\s*(?:[:,]\s*([0-9]{1,9})?\s*)?$)");
     const QRegularExpressionMatch match = Form.match(text);
     if (!match.hasMatch())
         return {};

@@ -29,7 +29,7 @@ bool IsCaretStop(QStringView line, int column) {
     // A piece of the line is enough: characters with more marks than that are torn.
     constexpr int Reach = 64;
     const int from = WholeColumn(line, std::max(0, column - Reach));
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line.mid(from, 2 * Reach));
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line.mid(from, qsizetype(2) * Reach));
     finder.setPosition(column - from);
     return finder.isAtBoundary();
 }

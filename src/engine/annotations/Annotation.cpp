@@ -90,8 +90,8 @@ void TZQPDFAnnotation::WriteCommonEntries(const TAnnotationDrawing& to, QPDFObje
 }
 
 void TZQPDFAnnotation::WriteAppearance(TAnnotationDrawing& to, QPDFObjectHandle& annotation) {
-    const Double width = Double(Width());
-    const Double height = Double(Height());
+    const auto width = Double(Width());
+    const auto height = Double(Height());
     if (!HasAppearance() || !(width > 0 && height > 0))
         return;
     TFormContent content;
@@ -106,8 +106,8 @@ void TZQPDFAnnotation::WriteAppearance(TAnnotationDrawing& to, QPDFObjectHandle&
 }
 
 TPageBox TZQPDFAnnotation::Rect() const {
-    const Double left = Double(X());
-    const Double top = Double(Y());
+    const auto left = Double(X());
+    const auto top = Double(Y());
     const TPageGeometry& page = Geometry();
     if (Turning() == TTurning::WithPage)
         return page.ToUserSpace(left, top, left + Double(Width()), top + Double(Height()));

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr qint64 MaxContent = 256 << 20;     // of a page, decoded
-constexpr qint64 MaxContents = 1LL << 30;    // of all pages, whatever the size of the file
+constexpr qint64 MaxContents = 512 << 20;    // of all pages, whatever the size of the file
 constexpr qint64 ContentsPerStoredByte = 16; // and on top of that; pages compress to a fifth or a tenth
 
 std::vector<QPDFObjectHandle> StreamsOf(QPDFObjectHandle contents) {
@@ -140,7 +140,7 @@ TReadContent TContentReader::ReadStreams(std::vector<QPDFObjectHandle> streams) 
         const TDecodeScope scope(FBudget);
         content = DecodedAll(result.Streams, whole);
     }
-    FBudget.RequireKept(QStringLiteral("The contents of its pages"));
+    FBudget.RequireKept(QStringLiteral("The contents of the document's pages"));
     TContentBalance balance = ScanContent(content);
     result.Damaged = !whole || balance.CutOff;
     if (result.Damaged) {

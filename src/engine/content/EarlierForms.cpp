@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 std::vector<QPDFObjectHandle> FontsOfEarlierForms(const TDocumentCore& core) {
+    constexpr size_t MostFonts = 24; // each is tried for each face, which takes a while
     std::vector<QPDFObjectHandle> fonts;
     std::unordered_set<quint64> seen; // forms and fonts
     const auto take = [&](QPDFObjectHandle form) {
@@ -14,10 +15,12 @@ std::vector<QPDFObjectHandle> FontsOfEarlierForms(const TDocumentCore& core) {
         if (!used.isDictionary())
             return;
         for (auto& [name, font] : used.getDictAsMap())
-            if (font.isIndirect() && seen.insert(KeyOf(font)).second)
+            if (fonts.size() < MostFonts && font.isIndirect() && seen.insert(KeyOf(font)).second)
                 fonts.push_back(font);
     };
     for (const auto& item : core.Pages.Items()) {
+        if (fonts.size() >= MostFonts)
+            break;
         QPDFObjectHandle drawn = Entry(item->Object().Attribute("/Resources"), "/XObject");
         for (int i = 0; drawn.isDictionary(); ++i) {
             QPDFObjectHandle form = drawn.getKey(FormName(i));

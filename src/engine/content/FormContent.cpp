@@ -26,7 +26,7 @@ void AppendNumber(std::string& data, Double value) {
         value = 0;
     const qint64 scaled = std::llround(std::clamp(value, -1e9, 1e9) * 10'000);
     char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, std::abs(scaled) / 10'000).ptr;
+    auto* const end = std::to_chars(digits, digits + sizeof digits, std::abs(scaled) / 10'000).ptr;
     if (scaled < 0)
         data += '-';
     qint64 fraction = std::abs(scaled) % 10'000;

@@ -75,7 +75,7 @@ private:
     /// One form for each run of layers that were placed on the same geometry, which is nearly always one.
     void DrawLayers(const TPlacedContent& placed) {
         const auto& layers = placed.Layers.Items();
-        for (size_t i = size_t(placed.Layers.FirstLive()); i < layers.size();) {
+        for (auto i = size_t(placed.Layers.FirstLive()); i < layers.size();) {
             const TPageGeometry geometry = layers[i]->Geometry();
             TFormContent content;
             TDrawing drawing(FDrawing, content, geometry.Width(), geometry.Height());
@@ -214,7 +214,7 @@ private:
         };
         TAnnotationDrawing drawing{FDrawing, page.Dict, {}};
         const auto& layers = placed.Layers.Items();
-        for (size_t i = size_t(placed.Layers.FirstLive()); i < layers.size(); ++i)
+        for (auto i = size_t(placed.Layers.FirstLive()); i < layers.size(); ++i)
             layers[i]->WriteAnnotation(drawing);
         if (drawing.Annotations.empty() && placed.Annotations.empty())
             return;

@@ -23,9 +23,11 @@ TDecodeScope::~TDecodeScope() {
 void TDecodeBudget::RequireKept(const string& of) const {
     RequireGoingOn();
     if (FExceeded)
-        throw EPDFError(QStringLiteral("%1 decode to more than a document can need (%2 MB for one stream).")
-                            .arg(of)
-                            .arg(FStage >> 20));
+        throw EPDFError(
+            QStringLiteral("%1 decode to more than any document needs: %2 MB for one, %3 MB for all.")
+                .arg(of)
+                .arg(FStage >> 20)
+                .arg(FAll >> 20));
 }
 
 void TStageCount::Add(size_t bytes) {

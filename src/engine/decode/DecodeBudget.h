@@ -6,7 +6,7 @@
 class TDecodeBudget {
 public:
     /// Bytes for one stage of a stream, and for all stages of all streams.
-    TDecodeBudget(qint64 stage, qint64 all) : FStage(stage), FLeft(all) {}
+    TDecodeBudget(qint64 stage, qint64 all) : FStage(stage), FAll(all), FLeft(all) {}
 
     /// Whether a decoding ended because of it. The library takes what that raises for damage.
     [[nodiscard]] bool Exceeded() const { return FExceeded; }
@@ -17,6 +17,7 @@ public:
 private:
     friend class TStageCount;
     qint64 FStage;
+    qint64 FAll;
     qint64 FLeft;
     bool FExceeded = false;
 };

@@ -41,7 +41,7 @@ void TInflate::write(unsigned char const* data, size_t size) {
             const size_t got = Room - stream.avail_out;
             if (got > 0)
                 getNext()->write(room.data(), got);
-            FState->Ended = outcome == Z_STREAM_END || IsChecksum(stream, outcome);
+            FState->Ended = outcome == Z_STREAM_END;
             if (!FState->Ended && outcome != Z_OK && outcome != Z_BUF_ERROR)
                 throw std::runtime_error(stream.msg != nullptr ? stream.msg : "flate data is damaged");
         } while (!FState->Ended && (stream.avail_in > 0 || stream.avail_out == 0));

@@ -11,8 +11,8 @@ public:
     explicit TInflate(Pipeline* to);
     ~TInflate() override;
 
-    /// Raises behind what could be decoded where the data is damaged. A checksum that is wrong or missing is
-    /// no damage: no reader minds.
+    /// Raises behind what could be decoded where the data is damaged. A checksum that is missing is no
+    /// damage; a wrong one tells of wrong bytes that make other data all the same.
     void write(unsigned char const* data, size_t size) override;
     void finish() override;
 

@@ -125,7 +125,7 @@ void TZQLayerText::Draw(TDrawing& to) {
     const TTextPaint paint{FFillColor, FStrokeColor, Double(FStrokePenWidth)};
     if (!BeginText(to, paint))
         return;
-    Double top = Double(Y());
+    auto top = Double(Y());
     for (int i = 0; i < FSource->LineCount(); ++i) {
         const TShapedLine& line = FSource->Line(i);
         to.Fonts.ShowLine(to.Content, line, style.Size, Double(X()), to.Height - top - line.Ascent);

@@ -4,7 +4,7 @@
 #include "engine/outlines/Objects.h"
 
 struct TPDFObject::THandle {
-    explicit THandle(QPDFObjectHandle object) : Object(std::move(object)) {}
+    explicit THandle(const QPDFObjectHandle& object) : Object(object) {}
     QPDFObjectHandle Object;
 };
 

@@ -2,6 +2,8 @@
 // loads.
 #include "engine/render/PagePainter.h"
 
+#include "base/Module.h"
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageWriter>
@@ -68,6 +70,8 @@ private:
 };
 
 } // namespace
+
+MORVANE_MODULE
 
 extern "C" Q_DECL_EXPORT TPagePainter* NewPagePainter() {
     return new TQtPdfPainter;

@@ -60,7 +60,7 @@ QPDFObjectHandle TurnedAppearance(QPDFObjectHandle appearance, int quarters) {
 
 } // namespace
 
-void TurnUpright(QPDFObjectHandle page, int rotation) {
+void TurnUpright(const QPDFObjectHandle& page, int rotation) {
     QPDFObjectHandle annotations = Entry(page, "/Annots");
     if (rotation == 0 || !annotations.isArray())
         return;

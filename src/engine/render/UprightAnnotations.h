@@ -6,4 +6,4 @@
 /// Gives each such annotation of a page that is turned by `rotation` the rectangle and the appearance with
 /// which it is seen upright when it is turned along. Their appearance streams must be objects of the page's
 /// own.
-void TurnUpright(QPDFObjectHandle page, int rotation);
+void TurnUpright(const QPDFObjectHandle& page, int rotation);

@@ -1,5 +1,7 @@
 #include "scripting/mozjs/Core.h"
 
+#include "base/Module.h"
+
 #include <js/ArrayBuffer.h>
 #include <js/CompilationAndEvaluation.h>
 #include <js/CompileOptions.h>
@@ -62,7 +64,7 @@ void UseLibrary() {
 
 /// Scripts get half of what their thread has, so that what they call finds room too.
 size_t StackQuota() {
-    constexpr size_t Most = 2 * 1024 * 1024;
+    constexpr size_t Most = size_t(2) << 20;
     pthread_attr_t attributes;
     void* lowest = nullptr;
     size_t size = 2 * Most;
@@ -250,7 +252,7 @@ bool TMozCore::Ended() const {
 bool TMozCore::RunScript(const string& script, const string& scriptName) {
     JSContext* cx = FContext.get();
     const JS::RootedScript compiled(cx, CompileText(script, scriptName, TUse::Once));
-    const bool ran = compiled && Guarded(cx, [&] {
+    const bool ran = compiled.get() != nullptr && Guarded(cx, [&] {
                          JS::RootedValue result(cx);
                          Must(JS_ExecuteScript(cx, compiled, &result));
                      });
@@ -477,6 +479,8 @@ void TMozCore::OnRejection(JSContext* /*cx*/, bool /*muted*/, JS::HandleObject p
         if (rejected[i - 1] == promise)
             rejected.erase(rejected.begin() + (i - 1));
 }
+
+MORVANE_MODULE
 
 extern "C" [[gnu::visibility("default")]] TScriptCore* MorvaneMakeScriptCore(const TScriptCoreHost& host);
 TScriptCore* MorvaneMakeScriptCore(const TScriptCoreHost& host) {

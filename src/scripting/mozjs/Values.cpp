@@ -2,6 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
+#include "base/TypeNames.h"
 #include "scripting/mozjs/Core.h"
 
 #include <js/Array.h>
@@ -22,7 +23,8 @@ enum class Shape { None, Boolean, Whole, Float, Text, Color, Enumeration, Record
 
 bool IsText(QMetaType type) {
     return type.id() == QMetaType::QString || type.id() == QMetaType::QByteArray ||
-           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>();
+           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>() ||
+           type == QMetaType::fromType<PWideChar>();
 }
 
 Shape ShapeOf(QMetaType type) {
@@ -52,8 +54,7 @@ Shape ShapeOf(QMetaType type) {
 }
 
 [[noreturn]] void Refuse(const string& what, const string& given, QMetaType target) {
-    throw EConvertError(
-        QStringLiteral("%1: %2 is no %3").arg(what, given, QString::fromLatin1(target.name())));
+    throw EConvertError(QStringLiteral("%1: %2 is no %3").arg(what, given, TypeNameWithValues(target)));
 }
 
 /// A text on its way into a call, which may hold many.
@@ -206,7 +207,7 @@ QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType targe
     JSContext* cx = classes.Context();
     const Shape shape = ShapeOf(target);
     if (value.isNullOrUndefined()) {
-        if (shape == Shape::Object)
+        if (shape == Shape::Object || (value.isNull() && target == QMetaType::fromType<PWideChar>()))
             return QVariant(target);
         Refuse(what, value.isNull() ? QStringLiteral("null") : QStringLiteral("undefined"), target);
     }

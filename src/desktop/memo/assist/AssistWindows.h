@@ -5,6 +5,7 @@
 
 #include <QBasicTimer>
 #include <QFont>
+#include <QObject>
 #include <QPointer>
 #include <QRect>
 

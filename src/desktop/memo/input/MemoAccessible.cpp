@@ -26,14 +26,14 @@ public:
             return static_cast<QAccessibleEditableTextInterface*>(this);
         return QAccessibleWidget::interface_cast(type);
     }
-    QAccessible::State state() const override {
+    [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
         state.multiLine = state.selectableText = true;
         state.readOnly = FWidget.Memo().Settings.FReadOnly;
         state.editable = !state.readOnly;
         return state;
     }
-    QString text(QAccessible::Text kind) const override {
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Value)
             return AccessibleText(FWidget);
         const QString text = QAccessibleWidget::text(kind);
@@ -51,23 +51,25 @@ public:
         *start = index == 0 ? Offset(range.StartX, range.StartY) : 0;
         *end = index == 0 ? Offset(range.EndX, range.EndY) : 0;
     }
-    int selectionCount() const override { return Memo().Selection().IsEmpty() ? 0 : 1; }
+    [[nodiscard]] int selectionCount() const override { return Memo().Selection().IsEmpty() ? 0 : 1; }
     void addSelection(int start, int end) override { setSelection(0, start, end); }
     void removeSelection(int /*index*/) override { Memo().ClearSelection(); }
     void setSelection(int index, int start, int end) override {
         if (index == 0)
             Select(start, end);
     }
-    int cursorPosition() const override { return Offset(Memo().Caret().X(), Memo().Caret().Y()); }
+    [[nodiscard]] int cursorPosition() const override {
+        return Offset(Memo().Caret().X(), Memo().Caret().Y());
+    }
     void setCursorPosition(int position) override { Select(position, position); }
 
-    QString text(int start, int end) const override;
-    int characterCount() const override {
+    [[nodiscard]] QString text(int start, int end) const override;
+    [[nodiscard]] int characterCount() const override {
         const int last = std::max(0, Memo().Lines().Count() - 1);
         return Offset(Memo().LineLength(last), last);
     }
-    QRect characterRect(int offset) const override;
-    int offsetAtPoint(const QPoint& point) const override;
+    [[nodiscard]] QRect characterRect(int offset) const override;
+    [[nodiscard]] int offsetAtPoint(const QPoint& point) const override;
     void scrollToSubstring(int start, int end) override;
     QString attributes(int /*offset*/, int* start, int* end) const override {
         *start = 0;

@@ -55,7 +55,7 @@ void TMemoDrag::Start() {
 }
 
 bool TMemoDrag::IsOwn(const QDropEvent& event) const {
-    return FDragging || (event.source() && event.source() == &FWidget);
+    return FDragging || (event.source() != nullptr && event.source() == &FWidget);
 }
 
 bool TMemoDrag::Takes(const QDropEvent& event) const {

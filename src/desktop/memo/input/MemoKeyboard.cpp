@@ -25,7 +25,7 @@ bool Has(const QKeyEvent& event, Qt::KeyboardModifier modifier) {
 string TypedText(const QKeyEvent& event) {
     const auto printable = [](QChar c) { return c.unicode() >= 32 && c.unicode() != 127; };
     const auto plain = [](QChar c) { return c.unicode() < 128 && c.isLetterOrNumber(); };
-    const string text = event.text();
+    string text = event.text();
     const bool ctrl = Has(event, Qt::ControlModifier);
     const bool alt = Has(event, Qt::AltModifier);
     if (text.isEmpty() || ctrl != alt || Has(event, Qt::MetaModifier) ||

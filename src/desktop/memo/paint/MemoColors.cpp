@@ -14,7 +14,7 @@ double Luminance(const QColor& color) {
 }
 
 QColor Plain(TColor color) {
-    return QColor(int(color & 0xFF), int(color >> 8 & 0xFF), int(color >> 16 & 0xFF));
+    return {int(color & 0xFF), int(color >> 8 & 0xFF), int(color >> 16 & 0xFF)};
 }
 
 constexpr TColor Hint = 0xFF000018;
