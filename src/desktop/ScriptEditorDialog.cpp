@@ -257,6 +257,7 @@ void TfrmJavaScriptEditor::TakeState() {
 bool TfrmJavaScriptEditor::Save() {
     if (FScript.ReadOnly)
         return false;
+    FPane->Editor().Completion().CloseCompletionList();
     jsScript->UndoList().Flush();
     if (!IsRight()) {
         ShowError();

@@ -2,6 +2,7 @@
 //
 // MORVANE_EDITOR_SESSIONS sets the number of random sessions, MORVANE_EDITOR_SEED the first seed.
 #include "EditorFixture.h"
+#include "PlayedWindow.h"
 #include "editor/edit/LineCommands.h"
 #include "editor/edit/TextSearch.h"
 #include "editor/style/JSMemoStyler.h"
@@ -95,8 +96,12 @@ public:
     explicit TSession(unsigned seed)
         : FRandom(seed),
           FEditor("function f() {\n    if (a) {\n        b(\"c\");\n    }\n}\n|", seed % 3 ? 15 : 1000) {
+        FCompletion.SetWindow(&FWindow);
+        FCompletion.FAutoCompletion.Yielding = true;
+        FEditor.Styler.FlistAuto = {{"Document."}, {"function beta (c: string) Boolean;"}, {"function f ;"}};
         Note();
     }
+    ~TSession() { FCompletion.SetWindow(nullptr); }
 
     void Run() {
         for (int i = 0; i < 80; ++i) {
@@ -105,7 +110,7 @@ public:
                 return;
         }
         TAdvMemo& memo = FEditor.Memo;
-        const std::string last = FEditor.Lines();
+        const std::string last = Text();
         const int undone = memo.UndoList().Position();
         while (memo.CanUndo())
             Back();
@@ -113,7 +118,7 @@ public:
             Forth();
         for (int i = 0; i < undone && !testing::Test::HasFatalFailure(); ++i)
             Back();
-        ASSERT_EQ(FEditor.Lines(), last);
+        ASSERT_EQ(Text(), last); // wrapping may cut otherwise
     }
 
 private:
@@ -185,6 +190,11 @@ private:
             (void)search.ReplaceAll(Below(2) ? "q\\n" : "");
             break;
         }
+        case 12:
+            FEditor.Key(keySpace, ssCtrl); // a completion, accepted
+            FCompletion.AcceptCompletionEntry(AddBrackets::Yes);
+            FCompletion.CloseCompletionList();
+            break;
         case 9:
             memo.CanUndo() ? Back() : void();
             return;
@@ -212,6 +222,8 @@ private:
 
     std::mt19937 FRandom;
     TExactEditor FEditor;
+    TPlayedWindow FWindow;
+    TMemoCompletion FCompletion{FEditor.Memo};
     std::map<unsigned, std::string> FTexts;
     int FLastStep = 0;
     std::string FTrace;

@@ -206,7 +206,7 @@ bool TTypingAids::BreakLine() {
         FMemo.SetModifiedState(y + 2);
         FMemo.Caret().SetLine(y + 1);
     }
-    while (FMemo.Caret().X() < indent)
+    for (int blanks = indent - FMemo.Caret().X(); blanks > 0; --blanks) // word wrap may cut on the way
         FMemo.Editing().InsertChar(u' ');
     FMemo.UndoList().Release(x, y);
     return true;

@@ -29,7 +29,8 @@ public:
     TLineScan(QStringView text, TStyle& state, const TStyleRules& rules, TRunList& runs)
         : FText(text), FState(state), FRules(rules), FElements(rules.Styler->FAllStyles), FRuns(runs),
           FTables(rules.Tables()), FLiteral(rules.Literal()), FMulti(rules.Styler->HasMultiComment()),
-          FStarts(rules.Styler->CommentStarts()), FEnds(rules.Styler->CommentEnds()) {}
+          FExpressions(rules.Styler->FExpressions), FStarts(rules.Styler->CommentStarts()),
+          FEnds(rules.Styler->CommentEnds()) {}
 
     bool Run() {
         while (!AtEnd() && Step() == TNext::Loop) {
@@ -84,6 +85,7 @@ private:
     const TStyleRules::TTables FTables;
     const QChar FLiteral;
     const bool FMulti;
+    const int FExpressions;
     TMarkerFinder FStarts, FEnds;
     bool FWordStart = true;
     bool FHandled = false;
@@ -105,8 +107,6 @@ TLineScan::TNext TLineScan::Step() {
             Consume(FText.size() - FAt);
             return TNext::End;
         }
-        if (Expression())
-            return TNext::Loop;
         const bool open = FState.isBracket && FState.StartBracket != 0;
         const TNext next = open ? InBracket(Here()) : FState.isBracket ? TNext::On : OpenBracket(Here());
         if (next != TNext::On)
@@ -192,14 +192,11 @@ TLineScan::TNext TLineScan::OpenBracket(QChar c) {
 
 /// A regular expression is one run.
 bool TLineScan::Expression() {
-    const int element = FRules.Styler->FExpressions;
-    if (FState.isBracket || element < 0 || Here() != u'/')
-        return false;
     const qsizetype length = ExpressionLength(FText, FAt);
     if (length == 0)
         return false;
     FState.isBracket = true;
-    FState.index = element;
+    FState.index = FExpressions;
     Consume(length);
     FState.isBracket = false;
     return true;
@@ -207,6 +204,8 @@ bool TLineScan::Expression() {
 
 void TLineScan::Symbol() {
     if (!IsDelimiter(Here()))
+        return;
+    if (FExpressions >= 0 && Here() == u'/' && Expression())
         return;
     for (int i = 0; i < FElements.Count(); ++i) {
         if (FElements[i].StyleType() != stSymbol || !FElements[i].Symbols().contains(Here()))

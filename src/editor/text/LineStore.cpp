@@ -60,12 +60,12 @@ int TAdvMemoStrings::DoAdd(const string& text) {
 }
 
 int TAdvMemoStrings::AddObject(const string& text, TLineObject* object) {
+    FListLengths.Add(Integer(text.size()));
+    if (FNoObjCreate) // what was to be told has been told for all lines
+        return RawAdd(text, nullptr);
     if (Journal)
         Journal->Replaces(Count(), 0, {text});
     TellRowsTouched(Count());
-    FListLengths.Add(Integer(text.size()));
-    if (FNoObjCreate)
-        return RawAdd(text, nullptr);
     auto prop = std::make_unique<TLineProp>();
     prop->FObject = object;
     prop->FListIndex = FLinesProp.size();
