@@ -138,7 +138,7 @@ void Randomize(TSample& sample, quint32 seed) {
     sample.FName = random.Text();
     sample.FTag = qint64(random.Bits());
     sample.FText = random.Text();
-    sample.FfileName = random.Text();
+    sample.FfileName = random.Text().remove(QChar::Null); // which no path holds
     sample.FFontName = random.Text();
     sample.FNarrow = QByteArray("\xC3\xA4 ") + QByteArray::number(random.Below(100));
     sample.FEnabled = random.Coin();
