@@ -23,7 +23,7 @@ bool IsDue(const TPDFWatchedFolder& folder, qint32 tick) {
 
 } // namespace
 
-TFolderPass::TFolderPass(TRunHost host, std::function<bool()> terminated)
+TFolderPass::TFolderPass(const TRunHost& host, std::function<bool()> terminated)
     : FHost(host), FTerminated(std::move(terminated)), FMarks(host.StateFolder) {}
 
 void TFolderPass::Run(const TPassInput& input) {

@@ -23,7 +23,7 @@ struct TPassInput {
 
 class TFolderPass {
 public:
-    TFolderPass(TRunHost host, std::function<bool()> terminated);
+    TFolderPass(const TRunHost& host, std::function<bool()> terminated);
 
     /// Serves every folder whose turn it is. One that can't be served is noted, and the others go on.
     void Run(const TPassInput& input);

@@ -28,8 +28,8 @@ std::atomic<int> NoteOfWork = -1; // while a file is at work
 
 void MarkAndDie(int signal) {
     const int note = NoteOfWork.load(std::memory_order_relaxed);
-    if (note >= 0)
-        (void)!::pwrite(note, &Crashed, 1, 0);
+    if (note >= 0) [[maybe_unused]]
+        const ssize_t marked = ::pwrite(note, &Crashed, 1, 0);
     (void)::raise(signal); // the handler has been taken away, so this ends the process
 }
 
@@ -113,7 +113,7 @@ void TWorkMarks::ReadNote() {
         QStringLiteral("The last run ended while it worked on \"%1\"%2.")
             .arg(path, note.front() == Crashed ? QStringLiteral(", by a fault in the program") : string()));
     Save();
-    (void)!::pwrite(FNote, &Idle, 1, 0);
+    [[maybe_unused]] const ssize_t rested = ::pwrite(FNote, &Idle, 1, 0);
 }
 
 void TWorkMarks::Begin(const string& path, const TFileState& state) {
@@ -127,8 +127,8 @@ void TWorkMarks::Begin(const string& path, const TFileState& state) {
 }
 
 void TWorkMarks::End() {
-    if (NoteOfWork.exchange(-1, std::memory_order_relaxed) >= 0)
-        (void)!::pwrite(FNote, &Idle, 1, 0);
+    if (NoteOfWork.exchange(-1, std::memory_order_relaxed) >= 0) [[maybe_unused]]
+        const ssize_t rested = ::pwrite(FNote, &Idle, 1, 0);
 }
 
 const TWorkMarks::TSuspect* TWorkMarks::Find(const string& path, const TFileState& state) const {

@@ -20,7 +20,7 @@
 namespace {
 
 constexpr char Prefix[] = ".morvane-claim-";
-constexpr time_t Forgotten = 15 * 60;
+constexpr time_t Forgotten = 900; // seconds
 
 std::atomic<unsigned> Folders = 0;
 

@@ -3,6 +3,9 @@
 // dropped into and the one that they end in.
 #include "base/Folder.h"
 
+#include <QList>
+#include <QStringList>
+
 class TClaimFolder {
 public:
     /// Makes nothing yet.

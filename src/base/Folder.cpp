@@ -50,7 +50,7 @@ int MakeBelow(const TFolder& parent, const QByteArray& name) {
     if (folder < 0 || made != 0 || ::fstat(parent.Descriptor(), &like) != 0)
         return folder;
     // The mode last: a change of the group takes the set-group bit away.
-    (void)!::fchown(folder, uid_t(-1), like.st_gid);
+    [[maybe_unused]] const int grouped = ::fchown(folder, uid_t(-1), like.st_gid);
     (void)::fchmod(folder, like.st_mode & 06777);
     return folder;
 }
