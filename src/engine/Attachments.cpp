@@ -61,7 +61,7 @@ std::vector<QPDFObjectHandle> AssociatedFiles(QPDF& pdf) {
     return files.isArray() ? files.getArrayAsVector() : std::vector<QPDFObjectHandle>();
 }
 
-/// New contents for the specification, which keeps what else it says and what else refers to it.
+/// New contents for the Filespec dictionary, which keeps what else it says and what else refers to it.
 void Replace(QPDF& pdf, QPDFObjectHandle spec, const TAttachmentChange& change) {
     QPDFObjectHandle stream = NewFileStream(pdf, change).getObjectHandle();
     QPDFObjectHandle streams = QPDFObjectHandle::newDictionary();

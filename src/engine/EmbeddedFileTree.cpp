@@ -7,7 +7,7 @@ namespace {
 
 constexpr size_t FilesPerLeaf = 64;
 
-/// Keys and specifications take turns; one that stands without its counterpart loses nothing but that.
+/// Keys and Filespec dictionaries take turns; one that stands without its counterpart loses nothing but that.
 void ReadLeaf(QPDFObjectHandle names, std::vector<TEmbeddedFile>& files) {
     std::string key;
     for (QPDFObjectHandle item : names.getArrayAsVector()) {

@@ -7,7 +7,7 @@ struct TEmbeddedFile {
     QPDFObjectHandle Spec;
 };
 
-/// The file specifications that can be reached, however damaged the tree is. One without a key has an empty
+/// The Filespec dictionaries that can be reached, however damaged the tree is. One without a key has an empty
 /// one.
 [[nodiscard]] std::vector<TEmbeddedFile> ReadEmbeddedFiles(QPDF& pdf);
 
