@@ -1,59 +1,10 @@
 #include "agent/ConfigurationFile.h"
 
 #include "base/Exceptions.h"
-#include "base/FaultPoint.h"
 #include "base/Paths.h"
 #include "platform/Descriptor.h"
 
-#include <algorithm>
-#include <array>
-#include <cerrno>
-#include <csignal>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/vfs.h>
-
-namespace {
-
-enum class TWriters { None, Some, Unknown };
-
-/// Network file systems may refuse every lease, whether anybody writes or not.
-bool RefusalCounts(int descriptor) {
-    // NFS, SMB of three generations, AFS, 9P, Ceph (linux/magic.h has not all of them).
-    constexpr std::array<quint32, 7> Network = {0x6969,     0x517B,     0xFF534D42, 0xFE534D42,
-                                                0x5346414F, 0x01021997, 0x00C36400};
-    struct statfs info {};
-    return ::fstatfs(descriptor, &info) == 0 &&
-           std::find(Network.begin(), Network.end(), quint32(info.f_type)) == Network.end();
-}
-
-/// Holds a file open with a lease, where it gets one: who opens it for writing then waits until this goes.
-class THeldFile {
-public:
-    explicit THeldFile(const string& path)
-        : FFile(::open(PathBytes(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)) {}
-
-    [[nodiscard]] TWriters Writers() const {
-        // The default signal of a broken lease would end the process; this one is ignored by default.
-        const int taken = WithFaultPoint("lease", [this] {
-            return ::fcntl(FFile.Number(), F_SETSIG, SIGURG) != 0
-                       ? -1
-                       : ::fcntl(FFile.Number(), F_SETLEASE, F_RDLCK);
-        });
-        if (taken == 0)
-            return TWriters::None;
-        return errno == EAGAIN && RefusalCounts(FFile.Number()) ? TWriters::Some : TWriters::Unknown;
-    }
-
-private:
-    TDescriptor FFile; // closing it gives the lease back
-};
-
-qint64 Nanoseconds(const timespec& time) {
-    return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
-}
-
-} // namespace
 
 TConfigurationFile::TConfigurationFile(const string& path, TRead read)
     : FPath(path), FRead(std::move(read)) {}
@@ -62,8 +13,7 @@ TConfigurationFile::TSeen TConfigurationFile::Stamp() const {
     struct stat info {};
     if (::stat(PathBytes(FPath).constData(), &info) != 0 || !S_ISREG(info.st_mode))
         return {};
-    return TStamp{info.st_dev, info.st_ino, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim),
-                  info.st_size};
+    return StateOf(info);
 }
 
 bool TConfigurationFile::Differs() const {
@@ -76,11 +26,21 @@ TConfigurationFile::TFound TConfigurationFile::Look(TLook look) {
         return TFound::Later;
     if (look == TLook::IfChanged && stamp == FStamp)
         return TFound::Read;
-    const THeldFile held(FPath);
-    const TWriters writers = stamp ? held.Writers() : TWriters::None;
-    if (writers == TWriters::Some || !AtRest(writers == TWriters::None, stamp))
+    const TDescriptor held(
+        ::open(PathBytes(FPath).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const TLease lease = stamp ? TakeLease(held.Number()) : TLease::Free;
+    if (lease == TLease::Busy || !AtRest(lease == TLease::Free, stamp))
         return TFound::Later;
     return Read(look, stamp);
+}
+
+/// A lease that is granted keeps writers waiting while the file is read.
+TLease TConfigurationFile::TakeLease(int descriptor) {
+    try {
+        return FLeases.Take(*TFolder::Open(ExtractFilePath(FPath)), descriptor);
+    } catch (const EFileError&) {
+        return TLease::Unknown;
+    }
 }
 
 bool TConfigurationFile::AtRest(bool answered, const TSeen& stamp) {

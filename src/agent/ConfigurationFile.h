@@ -1,6 +1,8 @@
 #pragma once
 // A configuration file as the run remembers it. What is in force is always a whole, good version: a file that
 // is faulty, that is being written or that changes while it is read leaves the last one where it is.
+#include "base/FileState.h"
+#include "base/Lease.h"
 #include "base/Md5.h"
 
 #include <functional>
@@ -37,15 +39,7 @@ public:
     [[nodiscard]] const string& Fault() const { return FFault; }
 
 private:
-    struct TStamp {
-        quint64 Device = 0;
-        quint64 Inode = 0;
-        qint64 Written = 0; // nanoseconds since 1970, as the next
-        qint64 Changed = 0;
-        qint64 Size = 0;
-        bool operator==(const TStamp&) const = default;
-    };
-    using TSeen = std::optional<TStamp>; // nothing for a file that is missing
+    using TSeen = std::optional<TFileState>; // nothing for a file that is missing
 
     struct TReading {
         TMD5Hash::MD5Digest Digest{};
@@ -55,12 +49,14 @@ private:
     };
 
     [[nodiscard]] TSeen Stamp() const;
+    [[nodiscard]] TLease TakeLease(int descriptor);
     [[nodiscard]] bool AtRest(bool answered, const TSeen& stamp);
     [[nodiscard]] TFound Read(TLook look, const TSeen& stamp);
     [[nodiscard]] TReading TryToRead(TLook look, const TSeen& stamp) const;
 
     string FPath;
     TRead FRead;
+    TLeases FLeases;
     TSeen FStamp;                  // at the last look that came to an end
     TMD5Hash::MD5Digest FDigest{}; // of what is in force
     string FFault;

@@ -1,28 +1,7 @@
 #pragma once
 // Is a file still being written? Anybody can open a file here that its writer still holds, so the run
 // asks before it lists a file, and again when it opens it.
-#include "base/Folder.h"
-
-#include <QHash>
-
-/// True while anybody has the file open for writing, as far as the file system can tell.
-[[nodiscard]] bool HeldForWriting(const string& path);
-
-/// Keeps writers out of a file while it is read: whoever opens it for writing waits until this goes. Where
-/// the file system knows no leases, it does nothing.
-class TReadLease {
-public:
-    explicit TReadLease(const string& path);
-    ~TReadLease();
-    TReadLease(const TReadLease&) = delete;
-    TReadLease& operator=(const TReadLease&) = delete;
-    /// Somebody has the file open for writing already.
-    [[nodiscard]] bool Refused() const { return FRefused; }
-
-private:
-    int FDescriptor;
-    bool FRefused = false;
-};
+#include "base/Lease.h"
 
 /// How long a file must have been quiet, in seconds.
 struct TQuietTime {
@@ -43,20 +22,12 @@ public:
     /// The same of a file in the folder that is open for reading, and for reading alone.
     [[nodiscard]] bool IsReady(const TFolder& folder, const string& name, int descriptor, qint64 now,
                                const TQuietTime& quiet = {});
-    /// Whether anybody has the open file open for writing. Network file systems may refuse every lease, so a
-    /// refusal counts only where a file of our own in that folder gets one.
+    /// Whether anybody has the open file open for writing, as far as the file system can tell.
     [[nodiscard]] bool IsHeld(const TFolder& folder, int descriptor);
 
 private:
-    enum class TLease { Free, Busy, NoAnswer };
-    [[nodiscard]] TLease AskLease(const TFolder& folder, int descriptor);
-    [[nodiscard]] bool GrantsLeases(const TFolder& folder, quint64 device);
     [[nodiscard]] bool IsQuiet(const string& path, qint64 changed, qint64 quiet, qint64 now);
 
+    TLeases FLeases;
     QHash<string, qint64> FFuture;
-    struct TProbed {
-        quint64 Device;
-        bool Grants;
-    };
-    QHash<string, TProbed> FProbed; // by folder
 };

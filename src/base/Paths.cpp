@@ -59,13 +59,6 @@ void ForceDirectories(const string& path) {
         throw EFileError("make the folder", folder, errno);
 }
 
-qint64 LastWriteTime(const string& path) {
-    struct stat info {};
-    if (::stat(PathBytes(path).constData(), &info) != 0)
-        return 0;
-    return qint64(info.st_mtim.tv_sec) * 1'000'000'000 + info.st_mtim.tv_nsec;
-}
-
 string ExpandEnvironment(const string& text) {
     constexpr qsizetype Room = 255;
     string result;

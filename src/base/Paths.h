@@ -24,9 +24,6 @@
 /// Makes the folder and its parents where they are missing. Raises EFileError.
 void ForceDirectories(const string& path);
 
-/// Last-write time in nanoseconds since 1970; 0 for a file that can't be asked.
-[[nodiscard]] qint64 LastWriteTime(const string& path);
-
 /// Replaces each %NAME% by the environment's value; unknown names stay as they stand. The result has room
 /// for 255 UTF-16 code units: a longer one is unusable, and empty is returned.
 [[nodiscard]] string ExpandEnvironment(const string& text);

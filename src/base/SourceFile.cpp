@@ -16,12 +16,6 @@
 
 namespace {
 
-constexpr qint64 Second = 1'000'000'000;
-
-qint64 Nanoseconds(const timespec& time) {
-    return qint64(time.tv_sec) * Second + time.tv_nsec;
-}
-
 int OpenRegular(const TFolder& folder, const string& name, struct stat& info) {
     const QByteArray bytes = PathBytes(name);
     const int descriptor = WithFaultPoint("open source", [&] {
@@ -37,15 +31,6 @@ int OpenRegular(const TFolder& folder, const string& name, struct stat& info) {
 }
 
 } // namespace
-
-TFileState StateOf(const struct stat& info) {
-    return {info.st_dev, info.st_ino, info.st_size, Nanoseconds(info.st_mtim), Nanoseconds(info.st_ctim)};
-}
-
-bool TFileState::SameContents(const TFileState& other) const {
-    return Device == other.Device && Inode == other.Inode && Size == other.Size &&
-           ModifyTime == other.ModifyTime;
-}
 
 TSourceFile::TSourceFile(TFolderPtr folder, const string& name) : FHome(std::move(folder)), FName(name) {
     struct stat info {};

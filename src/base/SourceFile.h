@@ -3,20 +3,7 @@
 // settled by another rename where it belongs. Nothing of it is ever copied and deleted but where file systems
 // meet, so what somebody still writes to it is never lost.
 #include "base/ClaimFolder.h"
-
-/// Which file it is and whether it was written to. Renaming changes the ctime of a file and nothing else
-/// here.
-struct TFileState {
-    quint64 Device = 0;
-    quint64 Inode = 0;
-    qint64 Size = -1;
-    qint64 ModifyTime = 0; ///< nanoseconds
-    qint64 ChangeTime = 0; ///< ctime in nanoseconds: copying tools can't set it
-    bool operator==(const TFileState&) const = default;
-    /// The same file with the same contents, renamed or not.
-    [[nodiscard]] bool SameContents(const TFileState& other) const;
-};
-[[nodiscard]] TFileState StateOf(const struct stat& info);
+#include "base/FileState.h"
 
 class TSourceFile {
 public:

@@ -1,5 +1,6 @@
 #include "engine/Source.h"
 
+#include "base/FileState.h"
 #include "base/Interrupt.h"
 #include "base/Paths.h"
 #include "engine/CrossReferences.h"
@@ -60,11 +61,6 @@ void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
                 throw;
         }
     }
-}
-
-bool SameFile(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_ctim.tv_sec == b.st_ctim.tv_sec && a.st_ctim.tv_nsec == b.st_ctim.tv_nsec;
 }
 
 thread_local TPDFSourcePtr Tested;
@@ -169,7 +165,7 @@ TPDFSourcePtr TakeTested(const string& path, const NarrowString& password, int d
     const int looked = descriptor == TFileInput::NotOpen ? ::stat(PathBytes(path).constData(), &now)
                                                          : ::fstat(descriptor, &now);
     if (!source || source->Path != path || source->Password != password || looked != 0 ||
-        !SameFile(now, source->Input->Info()))
+        StateOf(now) != StateOf(source->Input->Info()))
         return nullptr;
     return source;
 }

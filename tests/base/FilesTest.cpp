@@ -92,10 +92,12 @@ TEST_F(BusyFile, WaitsUntilAFileIsQuiet) {
 TEST_F(BusyFile, WaitsForTheWriter) {
     const string path = FWorkspace.Write("a.pdf", "x");
     const int writer = ::open(path.toUtf8(), O_WRONLY);
-    const bool known = HeldForWriting(path); // not every file system can tell
+    const int reader = ::open(path.toUtf8(), O_RDONLY);
+    const bool known = FTest.IsHeld(*FFolder, reader); // not every file system can tell
     EXPECT_NE(IsReady("a.pdf", Now() + 60 * Second), known);
     ::close(writer);
-    EXPECT_FALSE(HeldForWriting(path));
+    EXPECT_FALSE(FTest.IsHeld(*FFolder, reader));
+    ::close(reader);
     EXPECT_TRUE(IsReady("a.pdf", Now() + 60 * Second));
 }
 
@@ -112,7 +114,7 @@ TEST_F(BusyFile, WhereLeasesSayNothingTheQuietTimeDecides) {
     FWorkspace.Write("a.pdf", "x");
     for (const int answer : {EAGAIN, EACCES, EINVAL}) {
         SCOPED_TRACE(std::strerror(answer));
-        const TFailing failing("lease", answer);
+        const TFailing failing({"lease", "probe lease"}, answer);
         TBusyFileTest test;
         EXPECT_FALSE(test.IsReady(*FFolder, "a.pdf", Now() + 2 * Second));
         EXPECT_TRUE(test.IsReady(*FFolder, "a.pdf", Now() + 4 * Second));

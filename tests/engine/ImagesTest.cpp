@@ -326,7 +326,7 @@ TEST(Images, TilesGiveEveryRow) {
 TEST(ImageCache, KeepsTheLastUsedWithinItsLimit) {
     struct stat info {};
     info.st_mtim.tv_sec = info.st_ctim.tv_sec = 1'000'000;
-    const TFileStamp stamp(info);
+    const TFileState stamp = StateOf(info);
     TImageCache cache(100);
     const auto add = [&](const char* name, qint64 bytes) {
         cache.Add(name, stamp, std::make_shared<const TImageFile>(name, std::make_shared<const TImageData>()),
@@ -347,7 +347,7 @@ TEST(ImageCache, KeepsTheLastUsedWithinItsLimit) {
     cache.Add("held", stamp, held, 101);
     EXPECT_EQ(cache.Find("held", stamp), held) << "known while somebody uses it";
     info.st_size = 1;
-    EXPECT_EQ(cache.Find("a", TFileStamp(info)), nullptr);
+    EXPECT_EQ(cache.Find("a", StateOf(info)), nullptr);
 }
 
 TEST(Images, ANewerProfileNeedsANewerPdf) {

@@ -163,6 +163,6 @@ INSTANTIATE_TEST_SUITE_P(
                     TSweepCase{
                         "NeitherThatNorLinks", true, {"publish", "settle", "give back", "link"}, EINVAL},
                     TSweepCase{"BadFileThere", false, {"publish", "settle", "give back", "link"}, EINVAL},
-                    TSweepCase{"NoLocksNoLeases", true, {"flock", "lease"}, ENOLCK},
+                    TSweepCase{"NoLocksNoLeases", true, {"flock", "lease", "probe lease"}, ENOLCK},
                     TSweepCase{"ProcessElsewhere", true, {"settle"}, EXDEV}),
     [](const auto& param) { return param.param.Name; });

@@ -127,7 +127,7 @@ TEST_P(Writers, LoseNothing) {
     {
         TWatchedFoldersThread agent(workspace.Path("c/"), {clock, files, hint, status});
         ASSERT_TRUE(Eventually([&] { return QDir(workspace.Path("in/output")).exists(); }));
-        const TFailing poor("lease", GetParam());
+        const TFailing poor({"lease", "probe lease"}, GetParam());
         std::vector<std::thread> writers;
         for (int i = 0; i < count; ++i) {
             const string path = workspace.Path(QStringLiteral("whole %1.pdf").arg(i));

@@ -1,6 +1,6 @@
 #pragma once
 // Images that were loaded before, so that the same file is read once and not ten thousand times a night.
-#include "base/Text.h"
+#include "base/FileState.h"
 
 #include <QHash>
 
@@ -9,18 +9,6 @@
 #include <mutex>
 
 class TImageFile;
-struct stat;
-
-/// What tells that a file is still the one that was read.
-struct TFileStamp {
-    explicit TFileStamp(const struct stat& info);
-    [[nodiscard]] bool operator==(const TFileStamp&) const = default;
-    /// Whether a further change could leave this stamp as it is, since file systems count time in steps.
-    [[nodiscard]] bool IsFresh() const;
-
-    quint64 Device, Inode;
-    qint64 Size, Modified, Changed; ///< times in nanoseconds since 1970
-};
 
 /// Keeps the images used last up to a limit of bytes, and knows of all others as long as somebody uses them.
 /// Any thread may call it.
@@ -29,13 +17,13 @@ public:
     explicit TImageCache(qint64 limit) : FLimit(limit) {}
 
     /// Null if that file isn't known or has changed.
-    [[nodiscard]] std::shared_ptr<const TImageFile> Find(const string& path, const TFileStamp& stamp);
-    void Add(const string& path, const TFileStamp& stamp, const std::shared_ptr<const TImageFile>& image,
+    [[nodiscard]] std::shared_ptr<const TImageFile> Find(const string& path, const TFileState& stamp);
+    void Add(const string& path, const TFileState& stamp, const std::shared_ptr<const TImageFile>& image,
              qint64 bytes);
 
 private:
     struct TEntry {
-        TFileStamp Stamp;
+        TFileState Stamp;
         qint64 Bytes;
         quint64 LastUse;
         std::weak_ptr<const TImageFile> Image;

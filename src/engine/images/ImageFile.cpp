@@ -19,11 +19,11 @@ TImageCache& Cache() {
     return cache;
 }
 
-TFileStamp StampOf(const string& path) {
+TFileState StampOf(const string& path) {
     struct stat info {};
     if (::stat(PathBytes(path).constData(), &info) != 0)
         throw EFileError(QStringLiteral("open"), path, errno);
-    return TFileStamp(info);
+    return StateOf(info);
 }
 
 std::string ReadWhole(TFileInput& input, const string& path) {
@@ -33,7 +33,7 @@ std::string ReadWhole(TFileInput& input, const string& path) {
     std::string bytes(size_t(input.Info().st_size), '\0');
     const size_t got = input.read(bytes.data(), bytes.size());
     input.RequireSound();
-    if (got != bytes.size() || StampOf(path) != TFileStamp(input.Info()))
+    if (got != bytes.size() || StampOf(path) != StateOf(input.Info()))
         throw EImageError("it was changed while it was read");
     return bytes;
 }
@@ -76,7 +76,7 @@ std::shared_ptr<const TImageFile> TImageFile::Load(const string& path) {
         const QByteArray digest = DigestOf(bytes);
         auto data = std::make_shared<const TImageData>(Read(std::move(bytes)));
         auto image = std::make_shared<const TImageFile>(digest, data);
-        Cache().Add(path, TFileStamp(input.Info()), image, SizeOf(*data));
+        Cache().Add(path, StateOf(input.Info()), image, SizeOf(*data));
         return image;
     } catch (const EImageError& e) {
         reason = e.Message();
