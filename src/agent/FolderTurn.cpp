@@ -295,11 +295,11 @@ void TFolderTurn::LogFailure(const string& reason) {
 
 void TFolderTurn::Fail(std::unique_ptr<TSourceFile> source, const string& reason) {
     LogFailure(reason);
-    FInput.Log.Release();
     try {
         if (!Claim(*source))
             return;
         (void)source->Settle(FError);
+        FInput.Log.Release();
         FInput.Host.Status.CountFailed(FInput.Folder.Name);
         FTroubles = 0;
         FInput.Memory.Waiting.remove(source->Name());
@@ -337,6 +337,7 @@ void TFolderTurn::Wait(const string& name, const EFileError& trouble, TRetry ret
 QStringList SweepFolder(const string& path) {
     const TFolderPtr home = TFolder::Open(path);
     SweepPartFiles(*home);
+    SweepReservations(*home);
     QMap<string, TFolderPtr> folders;
     for (const char* name : {Output, Process, Error}) {
         struct stat info {};

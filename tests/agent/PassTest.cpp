@@ -286,6 +286,19 @@ INSTANTIATE_TEST_SUITE_P(
                     TTrouble{"SyncOfResults", "fsync folder", EIO}),
     [](const auto& param) { return param.param.Name; });
 
+TEST_F(Pass, AFailedFileThatCannotLeaveIsToldOnce) {
+    ConfigureOne();
+    FWorkspace.Write("in/text.pdf", "no PDF");
+    {
+        const TFailing failing("settle", ENOSPC);
+        Play(100);
+        EXPECT_GT(TFailing::Made(), 2);
+    }
+    EXPECT_EQ(Log().count("Excution failed."), 2) << "what is wrong with it, and why it stays";
+    Play(70);
+    EXPECT_EQ(Tree(), "Error/text.pdf");
+}
+
 TEST_F(Pass, ASourceThatCannotBeTakenGivesNoResultAndIsNotTriedAgain) {
     ConfigureOne();
     Drop("a.pdf");
