@@ -14,10 +14,21 @@ public:
     /// folder's last one.
     enum class TRepeatLines { Every, OnChange };
     Q_ENUM(TRepeatLines)
+    /// What becomes of a file of which this is told: its result is taken, with a warning, or the file has
+    /// failed and leaves no result.
+    enum class TOnTrouble { Accept, Fail };
+    Q_ENUM(TOnTrouble)
 
     /// How many seconds a file must have been quiet before it is taken up; 0: 1, or 3 where the file system
     /// doesn't say whether somebody still holds a file open for writing.
     FIELD(Integer, QuietSeconds) = 0;
+    FIELD(TOnTrouble, OnDamage) = TOnTrouble::Accept;      ///< pages or contents of pages are lost
+    FIELD(TOnTrouble, OnRefused) = TOnTrouble::Accept;     ///< permissions denied an operation
+    FIELD(TOnTrouble, OnScriptError) = TOnTrouble::Accept; ///< a script of the list failed
+    FIELD(TOnTrouble, OnSignature) = TOnTrouble::Accept;   ///< a signature no longer covers the document
+    /// Limits of the work on one file in a worker process; 0: those of the settings.
+    FIELD(Integer, WorkSeconds) = 0;
+    FIELD(Integer, WorkMemory) = 0; ///< in MB of 2^20 bytes
     FIELD(TRepeatLines, RepeatLines) = TRepeatLines::Every;
     bool operator==(const TPDFFolderPolicy&) const = default;
 };

@@ -1,17 +1,15 @@
 #pragma once
-// One pass over the watched folders: which are due, which can be served, and what the log says of the others.
-// What happens in a folder is agent/FolderTurn's.
+// One pass over the watched folders: which are due, which can be served, in which order their files are
+// worked on, and what the log says of the others. What becomes of a file is agent/FolderTurn's.
 #include "actions/ActionManager.h"
 #include "actions/WatchedFolders.h"
 #include "agent/FolderMemory.h"
 #include "agent/RunHost.h"
 #include "agent/RunLog.h"
 #include "agent/WorkMarks.h"
+#include "agent/WorkPlace.h"
 
 #include <functional>
-
-class TTurnLog;
-enum class TRound;
 
 /// What a pass works with. The lists don't change while it runs.
 struct TPassInput {
@@ -19,6 +17,9 @@ struct TPassInput {
     TPDFActionManager& Manager;
     string LogFile;
     qint32 TickCounter;
+    /// Asked each second of a pass over several folders at once: the next value of the tick counter, by which
+    /// more folders fall due, or nothing where the pass is to come to its end. None: it isn't asked.
+    std::function<std::optional<qint32>()> NextTick = {};
 };
 
 class TFolderPass {
@@ -29,18 +30,16 @@ public:
     void Run(const TPassInput& input);
 
 private:
-    struct TPass;
+    class TPass;
 
     void Sweep(const TPDFWatchedFolder& folder);
-    void RunFolder(TPass& pass, const TPDFWatchedFolder& folder);
-    void ServeFolder(TPass& pass, const TPDFWatchedFolder& folder, TRound round);
     void NoteTrouble(const TPDFWatchedFolder& folder, const string& trouble);
     [[nodiscard]] TFolderMemory& MemoryOf(const TPDFWatchedFolder& folder) { return FMemory[folder.Name]; }
     [[nodiscard]] QStringList* LastBlockOf(const TPDFWatchedFolder& folder);
-    [[nodiscard]] string CurrentTime() { return LogTime(FHost.Clock.Now()); }
 
     TRunHost FHost;
     std::function<bool()> FTerminated;
     QHash<string, TFolderMemory> FMemory; // by the folder's name
     TWorkMarks FMarks;
+    std::unique_ptr<TWorkPlace> FPlace;
 };

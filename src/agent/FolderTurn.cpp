@@ -9,7 +9,6 @@
 #include "work/Surroundings.h"
 
 #include <QMap>
-#include <QScopeGuard>
 
 #include <algorithm>
 #include <cerrno>
@@ -17,6 +16,7 @@
 namespace {
 
 constexpr size_t GroupSize = 16;   // files that share one wait for the output folder's entries
+constexpr qint64 GroupWaits = 500; // ms, for more
 constexpr int TooManyTroubles = 3; // in a row: it's the folder's, not the files'
 constexpr int TooManyCrashes = 2;
 constexpr int TooManyReadFailures = 3;
@@ -41,18 +41,21 @@ void RequireApart(const QList<TFolderPtr>& folders) {
                                     .arg(folders[j]->Path(), folders[i]->Path()));
 }
 
+TOutcome Failure(const TReason& reason) {
+    TOutcome outcome;
+    outcome.State = TOutcomeState::Failed;
+    outcome.Reasons.append(reason);
+    return outcome;
+}
+
+/// The run log has no place for which action it was, nor for names that aren't ASCII.
+void JournalFailure(const TSourceFile& source, const TReason& reason) {
+    JournalLine(QStringLiteral("\"%1\" failed: %2: %3%4")
+                    .arg(source.Path(), ReasonName(reason.Code),
+                         reason.Step.isEmpty() ? string() : reason.Step + QStringLiteral(": "), reason.Text));
+}
+
 } // namespace
-
-class TFolderTurn::TReporter : public TWorkReporter {
-public:
-    explicit TReporter(const TTurnInput& input) : FInput(input) {}
-    void Log(const string& line) override { FInput.Log.Line(line); }
-    void Hint(const string& text) override { FInput.Host.Hint.SetHint(text); }
-    [[nodiscard]] bool Terminated() const override { return FInput.Terminated(); }
-
-private:
-    const TTurnInput& FInput;
-};
 
 TFolderTurn::TFolderTurn(const TTurnInput& input)
     : FInput(input), FQuiet(QuietTimeOf(input.Folder.Policy)), FHome(TFolder::Open(input.Folder.Name)),
@@ -60,6 +63,8 @@ TFolderTurn::TFolderTurn(const TTurnInput& input)
       FProcess(TFolder::OpenBelow(FHome, QLatin1String(Process))),
       FError(TFolder::OpenBelow(FHome, QLatin1String(Error))), FClaims(FProcess), FNearby(FHome) {
     RequireApart({FHome, FOutput, FProcess, FError});
+    if (const Integer index = input.Manager.IndexOf(input.Folder.Action); index >= 0)
+        FActions = &input.Manager[index];
 }
 
 TFolderTurn::~TFolderTurn() = default;
@@ -68,24 +73,20 @@ qint64 TFolderTurn::TimeOfDay() const {
     return FInput.Host.Clock.Now().toMSecsSinceEpoch() * 1'000'000;
 }
 
-void TFolderTurn::Serve(TRound round) {
-    const auto told = qScopeGuard([this] { TellStatus(); });
-    if (!FInput.Memory.Pause.Over(Now()))
-        return;
-    const QStringList names = List(round);
-    FListed = !names.isEmpty();
-    for (const string& name : names) {
-        if (FInput.Terminated() || FTroubles >= TooManyTroubles)
-            break;
-        ServeFile(name);
-        if (FGroup.size() >= GroupSize)
-            SettleGroup();
-    }
+std::unique_ptr<TJob> TFolderTurn::Next() {
+    while (FNext < FNames.size() && FTroubles < TooManyTroubles && !FInput.Terminated())
+        if (auto job = TakeUp(FNames.at(FNext++)))
+            return job;
+    return nullptr;
+}
+
+void TFolderTurn::End() {
     SettleGroup();
     if (FTroubles >= TooManyTroubles)
         FInput.Memory.Pause.Lengthen(Now());
-    else
+    else if (!FRests)
         FInput.Memory.Pause.End();
+    TellStatus();
 }
 
 void TFolderTurn::TellStatus() const {
@@ -98,8 +99,11 @@ void TFolderTurn::TellStatus() const {
         status.SetState(FInput.Folder.Name, TFolderState::Waiting, waiting.cbegin()->Reason);
 }
 
-/// The files whose turn it is; says so in the log, unless all that is to be done is to try again in silence.
-QStringList TFolderTurn::List(TRound round) {
+/// Says so in the log, unless all that is to be done is to try again in silence.
+void TFolderTurn::List(TRound round) {
+    FRests = !FInput.Memory.Pause.Over(Now());
+    if (FRests)
+        return;
     QStringList names = FInput.Host.Files.ReadyFiles(*FHome, TimeOfDay(), FQuiet);
     auto& waiting = FInput.Memory.Waiting;
     for (auto it = waiting.begin(); it != waiting.end();)
@@ -114,7 +118,8 @@ QStringList TFolderTurn::List(TRound round) {
     });
     if (!std::all_of(names.begin(), names.end(), [&](const string& name) { return waiting.contains(name); }))
         FInput.Log.Begin();
-    return names;
+    FListed = !names.isEmpty();
+    FNames = std::move(names);
 }
 
 bool TFolderTurn::IsDue(const string& name) {
@@ -130,21 +135,31 @@ bool TFolderTurn::IsDue(const string& name) {
     return known->ForGood ? known->Rights != Rights() : known->Pause.Over(Now());
 }
 
-void TFolderTurn::ServeFile(const string& name) {
+std::unique_ptr<TJob> TFolderTurn::TakeUp(const string& name) {
     std::unique_ptr<TSourceFile> source = Open(name);
     if (source == nullptr || !FInput.Host.Files.IsStillReady(*FHome, *source, TimeOfDay(), FQuiet))
-        return;
+        return nullptr;
+    const bool crashes = FInput.Marks.Crashes(source->Path(), source->Opened()) >= TooManyCrashes;
+    auto job =
+        std::make_unique<TJob>(std::move(source), FOutput, FInput.Log, FInput.Terminated, FInput.Host.Hint);
     const auto known = FInput.Memory.Waiting.constFind(name);
     if (known != FInput.Memory.Waiting.constEnd())
-        FInput.Log.Hold();
-    if (known != FInput.Memory.Waiting.constEnd() && known->Published)
-        TakeAway(std::move(source), {});
-    else if (FInput.Marks.Crashes(source->Path(), source->Opened()) >= TooManyCrashes)
-        Fail(std::move(source),
-             QStringLiteral("The program failed twice while it worked on \"%1\"").arg(FHome->Path() + name));
-    else
-        WorkOn(std::move(source));
-    FInput.Log.Release();
+        job->Hold();
+    if (known != FInput.Memory.Waiting.constEnd() && known->Published) {
+        job->Outcome = TOutcome(); // only the rest of its way is left
+    } else if (crashes) {
+        job->Outcome = Failure(
+            {TReasonCode::WorkerCrashed,
+             {},
+             QStringLiteral("The program failed twice while it worked on \"%1\"").arg(job->Work.Source)});
+    } else {
+        try {
+            Plan(*job);
+        } catch (const std::exception& e) {
+            job->Outcome = Failure({TReasonCode::Other, {}, MessageOf(e)});
+        }
+    }
+    return job;
 }
 
 /// Null where there is nothing to work on any more, or nothing that may be followed.
@@ -152,53 +167,55 @@ std::unique_ptr<TSourceFile> TFolderTurn::Open(const string& name) {
     try {
         return std::make_unique<TSourceFile>(FHome, name);
     } catch (const EFileError& e) {
-        if (IsSurroundings(e.Error()))
-            Wait(name, e);
-        else if (e.Error() != ENOENT)
+        if (IsSurroundings(e.Error())) {
+            if (NoteWaiting(name, e, TRetry::AfterPause))
+                FInput.Log.Line(FailureLine(e.Message()));
+        } else if (e.Error() != ENOENT) {
             JournalLine(e.Message());
+        }
         return nullptr; // nothing was begun
     }
 }
 
-TFileWork TFolderTurn::WorkFor(const TSourceFile& source) const {
-    TFileWork work;
-    work.Source = source.Path();
-    work.Descriptor = source.Descriptor();
-    work.DestFolder = FOutput;
-    work.DestName = source.Name();
+void TFolderTurn::Plan(TJob& job) const {
+    job.Work.Dest = FOutput->Path() + job.Source->Name();
     if (!FInput.Folder.OverwriteExistingFiles)
-        work.DestName = ExtractFileName(UniqueFileName(FOutput->Path() + source.Name(), *FOutput));
-    work.ActionName = FInput.Folder.Action;
-    if (const Integer index = FInput.Manager.IndexOf(work.ActionName); index >= 0)
-        work.Actions = FInput.Manager[index].FActions;
-    return work;
+        job.Work.Dest = UniqueFileName(job.Work.Dest, *FOutput);
+    job.Work.ActionName = FInput.Folder.Action;
+    job.Work.Policy = FInput.Folder.Policy;
+    job.List = FActions;
 }
 
-TWorked TFolderTurn::Work(const TSourceFile& source) {
-    TReporter reporter(FInput);
-    string step;
-    FInput.Host.Status.SetWorking(FInput.Folder.Name, source.Name());
-    FInput.Marks.Begin(source.Path(), source.Opened());
-    const auto ended = qScopeGuard([this] { FInput.Marks.End(); });
-    return WorkOnFile(WorkFor(source), reporter, step);
-}
-
-void TFolderTurn::WorkOn(std::unique_ptr<TSourceFile> source) {
-    try {
-        TWorked worked = Work(*source);
-        if (worked.Outcome.State != TOutcomeState::Waiting && worked.Outcome.State != TOutcomeState::Stopped)
-            TakeAway(std::move(source), std::move(worked));
-    } catch (const ESurroundings& e) {
-        TWaitingFile& waiting = FInput.Memory.Waiting[source->Name()];
-        if (e.OfReading() && e.Error() == EIO && ++waiting.ReadFailures >= TooManyReadFailures)
-            Fail(std::move(source), e.Message());
-        else
-            Wait(source->Name(), e);
-    } catch (const std::exception& e) {
-        // What fails while the agent stops may fail for that; the next start sees.
-        if (!FInput.Terminated() && source != nullptr)
-            Fail(std::move(source), MessageOf(e));
+void TFolderTurn::Finish(TJob& job) {
+    job.TakePlace();
+    switch (job.Outcome->State) {
+    case TOutcomeState::Done:
+    case TOutcomeState::DoneWithWarnings:
+        TakeAway(job);
+        break;
+    case TOutcomeState::Failed:
+        Fail(job, job.Outcome->Reasons.first());
+        break;
+    case TOutcomeState::Waiting:
+        MeetTrouble(job);
+        break;
+    case TOutcomeState::Stopped:
+        break;
     }
+    job.Release();
+    if (FGroup.size() >= GroupSize)
+        SettleGroup();
+}
+
+void TFolderTurn::MeetTrouble(TJob& job) {
+    const TOutcome& outcome = *job.Outcome;
+    if (outcome.Error == 0)
+        return; // nobody's fault, and told: a protected file
+    TWaitingFile& waiting = FInput.Memory.Waiting[job.Source->Name()];
+    if (outcome.OfSource && outcome.Error == EIO && ++waiting.ReadFailures >= TooManyReadFailures)
+        Fail(job, outcome.Reasons.first());
+    else
+        Wait(job, EFileError(outcome.Text(), outcome.Error));
 }
 
 /// False, with nothing left behind, where the file isn't ours to take.
@@ -213,42 +230,49 @@ bool TFolderTurn::Claim(TSourceFile& source) {
     return claim == TSourceFile::TClaim::Claimed;
 }
 
-void TFolderTurn::TakeAway(std::unique_ptr<TSourceFile> source, TWorked worked) {
+void TFolderTurn::TakeAway(TJob& job) {
     try {
-        if (!Claim(*source))
+        if (!Claim(*job.Source))
             return;
     } catch (const EFileError& e) {
         const bool refused = e.Error() == EACCES || e.Error() == EPERM || !IsSurroundings(e.Error());
-        Wait(source->Name(), e, refused ? TRetry::WhenChanged : TRetry::AfterPause);
+        Wait(job, e, refused ? TRetry::WhenChanged : TRetry::AfterPause);
         return;
     }
     try {
-        AmongSurroundings([&] { source->PrepareSettling(FProcess); });
-        if (worked.Result != nullptr)
-            AmongSurroundings([&] { Publish(worked); });
+        AmongSurroundings([&] { job.Source->PrepareSettling(FProcess); });
+        if (job.Outcome->Written)
+            AmongSurroundings([&] { Publish(job); });
     } catch (const ESurroundings& e) {
-        source->Unclaim();
-        Wait(source->Name(), e);
+        job.Source->Unclaim();
+        Wait(job, e);
         return;
     } catch (const std::exception& e) {
-        source->Unclaim();
-        Fail(std::move(source), MessageOf(e));
+        job.Source->Unclaim();
+        Fail(job, {TReasonCode::Other, {}, MessageOf(e)});
         return;
     }
     FTroubles = 0;
-    const bool warned = worked.Outcome.State == TOutcomeState::DoneWithWarnings;
-    FGroup.push_back({std::move(source), warned});
+    const bool warned = job.Outcome->State == TOutcomeState::DoneWithWarnings;
+    if (FGroup.empty())
+        FGroupBegun = Now();
+    FGroup.push_back({std::move(job.Source), warned});
 }
 
-void TFolderTurn::Publish(TWorked& worked) {
-    TPartFile& result = *worked.Result;
+void TFolderTurn::Publish(TJob& job) {
+    TPartFile& result = *job.Result;
     result.LeaveFolderSync();
     if (FInput.Folder.OverwriteExistingFiles)
         result.PublishReplacing();
     else
         PublishFree(result);
-    FInput.Log.Release();
-    FInput.Log.Line(QStringLiteral("Saving \"%1\", SUCCESS.").arg(result.FinalPath()));
+    job.Log(QStringLiteral("Saving \"%1\", SUCCESS.").arg(result.FinalPath()));
+    job.Release();
+}
+
+void TFolderTurn::SettleOldGroup() {
+    if (!FGroup.empty() && Now() - FGroupBegun >= GroupWaits)
+        SettleGroup();
 }
 
 /// Sources leave only when the names of their results are on the disk.
@@ -260,10 +284,8 @@ void TFolderTurn::SettleGroup() {
     try {
         FOutput->Sync();
     } catch (const EFileError& e) {
-        for (TPublished& file : group) {
-            file.Source->Unclaim();
-            Wait(file.Source->Name(), e, TRetry::AfterPause, /*published=*/true);
-        }
+        for (TPublished& file : group)
+            KeepPublished(file, e, TRetry::AfterPause);
         return;
     }
     for (TPublished& file : group)
@@ -280,58 +302,70 @@ void TFolderTurn::SettlePublished(TPublished& file) {
         FInput.Memory.Waiting.remove(file.Source->Name());
         FInput.Marks.Forget(file.Source->Path());
     } catch (const EFileError& e) {
-        file.Source->Unclaim();
-        Wait(file.Source->Name(), e, TRetry::AfterPause, /*published=*/true);
+        KeepPublished(file, e, TRetry::AfterPause);
     } catch (const ENameError& e) {
         // The name alone is at fault: the file stays, and what lies behind it is served.
-        file.Source->Unclaim();
-        Wait(file.Source->Name(), EFileError(e.Message(), EINVAL), TRetry::WhenChanged, /*published=*/true);
+        KeepPublished(file, EFileError(e.Message(), EINVAL), TRetry::WhenChanged);
     }
 }
 
-void TFolderTurn::LogFailure(const string& reason) {
-    FInput.Log.Line(QStringLiteral("Excution failed. Unhandled exception %1.").arg(reason));
+/// Its result stays where it is; only the rest of its way is to be tried again.
+void TFolderTurn::KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry) {
+    file.Source->Unclaim();
+    if (NoteWaiting(file.Source->Name(), trouble, retry, /*published=*/true))
+        FInput.Log.Line(FailureLine(trouble.Message()));
 }
 
-void TFolderTurn::Fail(std::unique_ptr<TSourceFile> source, const string& reason) {
-    LogFailure(reason);
+string TFolderTurn::FailureLine(const string& reason) {
+    return QStringLiteral("Excution failed. Unhandled exception %1.").arg(reason);
+}
+
+void TFolderTurn::Fail(TJob& job, const TReason& reason) {
+    job.Log(FailureLine(reason.Text));
     try {
-        if (!Claim(*source))
+        if (!Claim(*job.Source))
             return;
-        (void)source->Settle(FError);
-        FInput.Log.Release();
+        (void)job.Source->Settle(FError);
+        job.Release();
+        JournalFailure(*job.Source, reason);
         FInput.Host.Status.CountFailed(FInput.Folder.Name);
         FTroubles = 0;
-        FInput.Memory.Waiting.remove(source->Name());
-        FInput.Marks.Forget(source->Path());
+        FInput.Memory.Waiting.remove(job.Source->Name());
+        FInput.Marks.Forget(job.Source->Path());
     } catch (const EFileError& e) {
-        source->Unclaim();
-        Wait(source->Name(), e, IsSurroundings(e.Error()) ? TRetry::AfterPause : TRetry::WhenChanged);
+        job.Source->Unclaim();
+        Wait(job, e, IsSurroundings(e.Error()) ? TRetry::AfterPause : TRetry::WhenChanged);
     } catch (const ENameError& e) {
-        source->Unclaim();
-        Wait(source->Name(), EFileError(e.Message(), EINVAL), TRetry::WhenChanged);
+        job.Source->Unclaim();
+        Wait(job, EFileError(e.Message(), EINVAL), TRetry::WhenChanged);
     }
 }
 
 /// Tells why once, and says nothing more while that is so.
-void TFolderTurn::Wait(const string& name, const EFileError& trouble, TRetry retry, bool published) {
+void TFolderTurn::Wait(TJob& job, const EFileError& trouble, TRetry retry) {
+    if (!NoteWaiting(job.Source->Name(), trouble, retry)) {
+        job.Drop();
+        return;
+    }
+    job.Release();
+    job.Log(FailureLine(trouble.Message()));
+}
+
+bool TFolderTurn::NoteWaiting(const string& name, const EFileError& trouble, TRetry retry, bool published) {
     TWaitingFile& waiting = FInput.Memory.Waiting[name];
+    const bool news = waiting.Reason != trouble.Message();
+    if (news)
+        JournalLine(QStringLiteral("\"%1\" waits: %2").arg(FHome->Path() + name, trouble.Message()));
     struct stat info {};
     if (FHome->Look(PathBytes(name), info))
         waiting.State = StateOf(info);
-    if (waiting.Reason == trouble.Message()) {
-        FInput.Log.Drop();
-    } else {
-        waiting.Reason = trouble.Message();
-        FInput.Log.Release();
-        LogFailure(trouble.Message());
-        JournalLine(QStringLiteral("\"%1\" waits: %2").arg(FHome->Path() + name, trouble.Message()));
-    }
+    waiting.Reason = trouble.Message();
     waiting.Pause.Lengthen(Now());
     waiting.ForGood = retry == TRetry::WhenChanged;
     waiting.Rights = Rights();
     waiting.Published = published;
     FTroubles += retry == TRetry::AfterPause ? 1 : 0;
+    return news;
 }
 
 QStringList SweepFolder(const string& path) {

@@ -1,20 +1,18 @@
 #pragma once
-// One turn of one watched folder: its files are listed, each is taken up, worked on, claimed, published and
-// settled (docs/architecture.md tells the order and why).
+// One turn of one watched folder: its files are listed, each is taken up, worked on somewhere
+// (agent/WorkPlace.h), claimed, published and settled (docs/architecture.md tells the order and why).
 //
 // Everything goes by descriptors of the folder and its three subfolders, opened for the turn, so that no link
 // or folder put in their place leads it elsewhere.
 #include "actions/ActionManager.h"
 #include "actions/WatchedFolders.h"
 #include "agent/FolderMemory.h"
+#include "agent/Job.h"
 #include "agent/RunHost.h"
-#include "agent/TurnLog.h"
 #include "base/ClaimFolder.h"
-#include "work/FileWork.h"
 
 #include <functional>
 
-class ESurroundings;
 class TWorkMarks;
 
 struct TTurnInput {
@@ -38,15 +36,25 @@ public:
     TFolderTurn(const TFolderTurn&) = delete;
     TFolderTurn& operator=(const TFolderTurn&) = delete;
 
-    /// Lists the folder and serves its files. Raises where it can't be listed.
-    void Serve(TRound round);
+    /// Lists the folder. Raises where it can't be listed.
+    void List(TRound round);
     /// There was anything to serve.
     [[nodiscard]] bool Listed() const { return FListed; }
     /// Files were left for the other round.
     [[nodiscard]] bool LeftSuspects() const { return FLeftSuspects; }
 
+    /// Null where no list has the name that the folder gives.
+    [[nodiscard]] TPDFActionList* ListOfActions() const { return FActions; }
+    /// The next file that can be taken up; null where there is none. One with an outcome needs no work.
+    [[nodiscard]] std::unique_ptr<TJob> Next();
+    /// Where the file's outcome leads it: taken, published, soon settled; or to Error/; or it waits.
+    void Finish(TJob& job);
+    /// What was published leaves the folder, unless it was published just now and may wait for more.
+    void SettleOldGroup();
+    /// All files are finished.
+    void End();
+
 private:
-    class TReporter;
     /// A file whose result has its name, and that is still to leave the claim folder.
     struct TPublished {
         std::unique_ptr<TSourceFile> Source;
@@ -54,24 +62,24 @@ private:
     };
 
     void TellStatus() const;
-    [[nodiscard]] QStringList List(TRound round);
     [[nodiscard]] bool IsDue(const string& name);
-    void ServeFile(const string& name);
+    [[nodiscard]] std::unique_ptr<TJob> TakeUp(const string& name);
     [[nodiscard]] std::unique_ptr<TSourceFile> Open(const string& name);
-    void WorkOn(std::unique_ptr<TSourceFile> source);
-    [[nodiscard]] TFileWork WorkFor(const TSourceFile& source) const;
-    [[nodiscard]] TWorked Work(const TSourceFile& source);
-    void TakeAway(std::unique_ptr<TSourceFile> source, TWorked worked);
+    void Plan(TJob& job) const;
+    void MeetTrouble(TJob& job);
+    void TakeAway(TJob& job);
     [[nodiscard]] bool Claim(TSourceFile& source);
-    void Publish(TWorked& worked);
+    void Publish(TJob& job);
     void SettleGroup();
     void SettlePublished(TPublished& file);
-    void Fail(std::unique_ptr<TSourceFile> source, const string& reason);
+    void Fail(TJob& job, const TReason& reason);
 
     enum class TRetry { AfterPause, WhenChanged };
-    void Wait(const string& name, const EFileError& trouble, TRetry retry = TRetry::AfterPause,
-              bool published = false);
-    void LogFailure(const string& reason);
+    void KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry);
+    void Wait(TJob& job, const EFileError& trouble, TRetry retry = TRetry::AfterPause);
+    /// True where that is news.
+    bool NoteWaiting(const string& name, const EFileError& trouble, TRetry retry, bool published = false);
+    static string FailureLine(const string& reason);
     [[nodiscard]] qint64 Now() const { return FInput.Host.Clock.Steady(); }
     [[nodiscard]] qint64 TimeOfDay() const;
     /// What decides who may rename a file from here to there.
@@ -79,14 +87,19 @@ private:
 
     TTurnInput FInput;
     TQuietTime FQuiet;
+    TPDFActionList* FActions = nullptr;
     TFolderPtr FHome;
     TFolderPtr FOutput;
     TFolderPtr FProcess;
     TFolderPtr FError;
     TClaimFolder FClaims;           // in process/
     TClaimFolder FNearby;           // in the folder itself, where process/ lies on another file system
+    QStringList FNames;             // listed
+    qsizetype FNext = 0;            // of them
     std::vector<TPublished> FGroup; // published, and settled together
+    qint64 FGroupBegun = 0;         // by the steady clock
     int FTroubles = 0;              // in a row
+    bool FRests = false;            // after too many troubles
     bool FListed = false;
     bool FLeftSuspects = false;
 };

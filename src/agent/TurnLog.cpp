@@ -1,5 +1,10 @@
 #include "agent/TurnLog.h"
 
+TTurnLog::~TTurnLog() {
+    TakePlace();
+    End();
+}
+
 void TTurnLog::End() {
     if (FLast == nullptr)
         return;
@@ -22,23 +27,14 @@ void TTurnLog::Begin() {
 }
 
 void TTurnLog::Line(const string& text) {
-    if (FHolding) {
-        FHeld.append({text, text});
-        return;
-    }
     Begin();
     Put({text, text});
 }
 
-void TTurnLog::Release() {
-    FHolding = false;
-    for (const TLine& line : std::exchange(FHeld, {}))
-        Line(line.first);
-}
-
-void TTurnLog::Drop() {
-    FHolding = false;
-    FHeld.clear();
+void TTurnLog::TakePlace() {
+    FInPlace = true;
+    for (const string& text : std::exchange(FWaiting, {}))
+        FLog.Line(text);
 }
 
 void TTurnLog::Put(const TLine& line) {
@@ -57,5 +53,8 @@ void TTurnLog::Put(const TLine& line) {
 
 void TTurnLog::Write(const string& text) {
     FWritten = true;
-    FLog.Line(text);
+    if (FInPlace)
+        FLog.Line(text);
+    else
+        FWaiting.append(text);
 }

@@ -1,7 +1,7 @@
 #pragma once
-// The lines of one folder's turn on their way into the run log. Some are held until it is known whether they
-// are worth saying: those of a file that still waits for the same reason, and, where the folder wants it so,
-// a block that repeats the folder's last one but for its times.
+// The lines of one folder's turn on their way into the run log. Some wait: those of a turn that isn't the
+// first of its pass any more's, until it is, and, where the folder wants it so, a block that repeats the
+// folder's last one but for its times.
 #include "agent/RunLog.h"
 
 #include <QStringList>
@@ -12,7 +12,7 @@ class TTurnLog {
 public:
     /// `last` is the folder's last block, for comparing and for keeping this one; null writes every block.
     TTurnLog(TRunLog& log, QStringList* last) : FLog(log), FLast(last) {}
-    ~TTurnLog() { End(); }
+    ~TTurnLog();
     TTurnLog(const TTurnLog&) = delete;
     TTurnLog& operator=(const TTurnLog&) = delete;
 
@@ -22,14 +22,11 @@ public:
     void Begin();
     void Line(const string& text);
 
-    /// Holds the lines that follow until one of the next two.
-    void Hold() { FHolding = true; }
-    void Release();
-    void Drop();
-
+    /// No block that was begun before is still to be written: from here on, lines are written as they come.
+    void TakePlace();
     /// What is still compared with the last block, and differs by ending early, is written.
     void End();
-    /// Whether anything was written.
+    /// Whether there was anything to write.
     [[nodiscard]] bool Written() const { return FWritten; }
 
 private:
@@ -40,10 +37,10 @@ private:
     TRunLog& FLog;
     QStringList* FLast;
     QList<TLine> FFrame;    // not yet written
-    QList<TLine> FHeld;     // by Hold
     QList<TLine> FRepeated; // equal to the last block so far
+    QStringList FWaiting;   // for the block's place
     QStringList FKeys;      // of this block
-    bool FHolding = false;
     bool FDiffers = false;
     bool FWritten = false;
+    bool FInPlace = false;
 };

@@ -16,7 +16,6 @@
 #include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -83,7 +82,8 @@ bool InUse(int descriptor, const QByteArray& middle) {
 
 TPartFile::TPartFile(const string& finalPath) : TPartFile(FolderOf(finalPath), ExtractFileName(finalPath)) {}
 
-TPartFile::TPartFile(TFolderPtr folder, const string& name) : FFolder(std::move(folder)), FFinalName(name) {
+TPartFile::TPartFile(TFolderPtr folder, const string& name)
+    : TOutputFile(-1, folder->Path() + name), FFolder(std::move(folder)) {
     Create();
 }
 
@@ -93,14 +93,6 @@ TPartFile::~TPartFile() {
                              [&] { return ::unlinkat(FFolder->Descriptor(), FTemporary.constData(), 0); });
     if (FDescriptor >= 0)
         ::close(FDescriptor);
-}
-
-string TPartFile::FinalPath() const {
-    return FFolder->Path() + FFinalName;
-}
-
-EFileError TPartFile::Failure(int error) const {
-    return {QStringLiteral("write"), FinalPath(), error};
 }
 
 void TPartFile::Create() {
@@ -130,52 +122,6 @@ bool TPartFile::Lock() {
     return false;
 }
 
-void TPartFile::Write(const void* data, size_t size) {
-    const char* at = static_cast<const char*>(data);
-    while (size > 0) {
-        const ssize_t written = WithFaultPoint("write", [&] { return ::write(FDescriptor, at, size); });
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0)
-            throw Failure(errno);
-        at += written;
-        size -= size_t(written);
-    }
-}
-
-qint64 TPartFile::WriteAllOf(int source) {
-    constexpr size_t Chunk = 64 << 20;
-    off_t offset = 0;
-    for (;;) {
-        const ssize_t copied =
-            WithFaultPoint("sendfile", [&] { return ::sendfile(FDescriptor, source, &offset, Chunk); });
-        if (copied < 0 && (errno == EINTR || errno == EAGAIN))
-            continue;
-        if (copied < 0 && (errno == EINVAL || errno == ENOSYS)) // not every file system can do that
-            return WriteByReading(source, offset);
-        if (copied < 0)
-            throw Failure(errno);
-        if (copied == 0)
-            return offset;
-    }
-}
-
-qint64 TPartFile::WriteByReading(int source, qint64 offset) {
-    std::vector<char> buffer(256 << 10);
-    for (;;) {
-        const ssize_t got = WithFaultPoint(
-            "read", [&] { return ::pread(source, buffer.data(), buffer.size(), off_t(offset)); });
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            throw EFileError(QStringLiteral("read what becomes"), FinalPath(), errno);
-        if (got == 0)
-            return offset;
-        Write(buffer.data(), size_t(got));
-        offset += got;
-    }
-}
-
 void TPartFile::TakeModeOf(int source) {
     struct stat info {};
     if (::fstat(source, &info) == 0)
@@ -188,14 +134,6 @@ void TPartFile::TakeModeOf(const string& path) {
         FMode = int(info.st_mode & 0777);
 }
 
-void TPartFile::Flush() {
-    if (FFlushed || !FilesAreSynced())
-        return;
-    if (WithFaultPoint("fsync", [&] { return ::fsync(FDescriptor); }) != 0)
-        throw Failure(errno);
-    FFlushed = true;
-}
-
 void TPartFile::Published() {
     FTemporary.clear();
     ::close(FDescriptor);
@@ -206,7 +144,7 @@ void TPartFile::Published() {
 
 void TPartFile::PublishReplacing() {
     Flush();
-    const QByteArray name = PathBytes(FFinalName);
+    const QByteArray name = PathBytes(ExtractFileName(FPath));
     struct stat there {};
     if (FFolder->Look(name, there) && !S_ISREG(there.st_mode) && !S_ISLNK(there.st_mode))
         throw EFileError(
@@ -225,7 +163,8 @@ void TPartFile::PublishReplacing() {
 bool TPartFile::PublishNew() {
     Flush();
     (void)::fchmod(FDescriptor, FMode < 0 ? 0666 & ~Mask() : mode_t(FMode));
-    const int error = MoveToNewName("publish", *FFolder, FTemporary, *FFolder, PathBytes(FFinalName));
+    const int error =
+        MoveToNewName("publish", *FFolder, FTemporary, *FFolder, PathBytes(ExtractFileName(FPath)));
     if (error == EEXIST)
         return false;
     if (error != 0)

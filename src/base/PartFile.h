@@ -5,41 +5,34 @@
 // are then published in one step. The temporary is locked while its writer lives, and named after its run for
 // file systems without locks, so that those of dead processes can be told and swept; its name is short, so a
 // final name of 255 bytes works.
-#include "base/Exceptions.h"
 #include "base/Folder.h"
+#include "base/OutputFile.h"
 
-class TPartFile {
+class TPartFile : public TOutputFile {
 public:
     /// Makes the temporary in the folder of `finalPath`. Raises EFileError, as everything here does.
     explicit TPartFile(const string& finalPath);
     /// The same in a folder that is held open.
     TPartFile(TFolderPtr folder, const string& name);
     /// Removes what was not published.
-    ~TPartFile();
+    ~TPartFile() override;
     TPartFile(const TPartFile&) = delete;
     TPartFile& operator=(const TPartFile&) = delete;
 
-    [[nodiscard]] int Descriptor() const { return FDescriptor; }
     [[nodiscard]] const TFolder& Folder() const { return *FFolder; }
-    [[nodiscard]] string FinalPath() const;
-    void Write(const void* data, size_t size);
-    /// Appends all of `source`, from its beginning, without taking it through user memory where the file
-    /// systems can do that. Returns the number of bytes.
-    qint64 WriteAllOf(int source);
     /// Publishes with the permission bits of an open file or of a path; one that is missing changes nothing.
     /// Without any, the process's own mask decides.
     void TakeModeOf(int source);
     void TakeModeOf(const string& path);
 
-    /// Brings the contents to the disk; publishing does so where it wasn't done before.
-    void Flush();
+    // Publishing brings the contents to the disk where Flush() hasn't yet.
     /// Publishes under the final name, replacing what is there: a file or a link, never anything else that
     /// has the name (a folder, device, FIFO or socket raises).
     void PublishReplacing();
     /// Publishes under the final name only if nothing has it. False: the name is taken, and the caller may
     /// SetFinalName to another in the same folder and try again.
     [[nodiscard]] bool PublishNew();
-    void SetFinalName(const string& name) { FFinalName = name; }
+    void SetFinalName(const string& name) { FPath = FFolder->Path() + name; }
     /// Publishing ends with the folder's new entry on the disk, unless the caller sees to that, so that one
     /// wait can serve many files.
     void LeaveFolderSync() { FSyncFolder = false; }
@@ -47,16 +40,11 @@ public:
 private:
     void Create();
     [[nodiscard]] bool Lock();
-    qint64 WriteByReading(int source, qint64 offset);
-    [[nodiscard]] EFileError Failure(int error) const;
     void Published();
 
     TFolderPtr FFolder;
-    string FFinalName;
     QByteArray FTemporary; // empty once published
-    int FDescriptor = -1;
     int FMode = -1;
-    bool FFlushed = false;
     bool FSyncFolder = true;
 };
 

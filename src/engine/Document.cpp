@@ -82,7 +82,7 @@ bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& pass
     return true;
 }
 
-void TPDFDocument::WriteTo(TPartFile& file) {
+void TPDFDocument::WriteTo(TOutputFile& file) {
     const bool isSigned = GetSignaturesCount() > 0; // before the fields of deleted pages go
     if (FCore->Source)
         GrantReading(*FCore->Source);
@@ -95,20 +95,24 @@ void TPDFDocument::WriteTo(TPartFile& file) {
     }
     RequireSoundSources(*FCore->Source);
     FCore->Source->CollectWarnings();
+    FCore->SignatureBroken |= isSigned;
+}
+
+void TPDFDocument::WritePart(TPartFile& file) {
+    WriteTo(file);
     if (FCore->Source->Input)
         file.TakeModeOf(FCore->Source->Input->Descriptor());
-    FCore->SignatureBroken |= isSigned;
 }
 
 void TPDFDocument::SaveToFreeName(const string& fileName) {
     TPartFile file(fileName);
-    WriteTo(file);
+    WritePart(file);
     PublishFree(file);
 }
 
 bool TPDFDocument::SaveToPath(const string& fileName, bool keepSource, bool takeName) {
     TPartFile file(fileName);
-    WriteTo(file);
+    WritePart(file);
     file.PublishReplacing();
     if (!keepSource)
         Rebind(*FCore, fileName);

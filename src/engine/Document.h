@@ -15,6 +15,7 @@
 #include "engine/outlines/Objects.h"
 
 struct TDocumentCore;
+class TOutputFile;
 class TPartFile;
 class TPDFEmbeddedFiles;
 class TZQPDFEditor;
@@ -45,8 +46,8 @@ public:
     /// document stays as it was. Damage that readers repair is only told by Warnings(). `descriptor` as
     /// above.
     bool OpenFromFile(const string& fileName, const NarrowString& password, int descriptor = NotOpen);
-    /// Writes the document to a file that the caller publishes, with the mode of the document's own.
-    void WriteTo(TPartFile& file);
+    /// Writes the document to a file that the caller publishes.
+    void WriteTo(TOutputFile& file);
     /// Writes the document and publishes it under that name in one step, replacing what is there, which may
     /// be the file it was opened from. `keepSource` leaves the document on the file it was opened from
     /// instead of going over to the written one; `takeName` makes the written file the document's file and
@@ -122,6 +123,9 @@ protected:
     void Changed();
 
 private:
+    /// With the mode of the document's own file.
+    void WritePart(TPartFile& file);
+
     std::unique_ptr<TDocumentCore> FCore;
 };
 

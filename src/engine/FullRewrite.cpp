@@ -1,4 +1,4 @@
-#include "base/PartFile.h"
+#include "base/OutputFile.h"
 #include "engine/Attachments.h"
 #include "engine/DocumentCore.h"
 #include "engine/Encryption.h"
@@ -17,9 +17,11 @@
 namespace {
 
 /// libqpdf's output into our file. libqpdf writes a few bytes at a time.
-class TFileOutput : public Pipeline {
+class TLibraryOutput : public Pipeline {
 public:
-    explicit TFileOutput(TPartFile& file) : Pipeline("file", nullptr), FFile(file) { FBuffer.reserve(Size); }
+    explicit TLibraryOutput(TOutputFile& file) : Pipeline("file", nullptr), FFile(file) {
+        FBuffer.reserve(Size);
+    }
 
     void write(unsigned char const* data, size_t length) override {
         if (FBuffer.size() + length > Size)
@@ -38,13 +40,13 @@ public:
 
 private:
     static constexpr size_t Size = 128 << 10;
-    TPartFile& FFile;
+    TOutputFile& FFile;
     std::string FBuffer;
 };
 
 class TFullRewrite : public TDocumentWriter {
 public:
-    void Write(TDocumentCore& core, TPartFile& file) override {
+    void Write(TDocumentCore& core, TOutputFile& file) override {
         if (!core.Source)
             core.Source = NewSource();
         WarnOfUnseenPages(core);
@@ -66,12 +68,12 @@ private:
                 writer.setMinimumPDFVersion(version); // a header may also say nonsense
     }
 
-    static void WriteObjects(const TDocumentCore& core, TPartFile& file) {
+    static void WriteObjects(const TDocumentCore& core, TOutputFile& file) {
         // The library writes how many objects there are only if the file, which may be damaged, said so.
         QPDFObjectHandle trailer = core.Source->Pdf->getTrailer();
         if (!trailer.hasKey("/Size"))
             trailer.replaceKey("/Size", QPDFObjectHandle::newInteger(0));
-        TFileOutput output(file);
+        TLibraryOutput output(file);
         QPDFWriter writer(*core.Source->Pdf);
         writer.setOutputPipeline(&output);
         writer.setCompressStreams(false);

@@ -3,7 +3,7 @@
 // bytes fits behind the same interface.
 #include <memory>
 
-class TPartFile;
+class TOutputFile;
 struct TDocumentCore;
 
 class TDocumentWriter {
@@ -11,7 +11,7 @@ public:
     virtual ~TDocumentWriter() = default;
     /// Writes the document with its changes to `file`, which the caller publishes. Afterwards the changes
     /// are part of the core's source objects.
-    virtual void Write(TDocumentCore& core, TPartFile& file) = 0;
+    virtual void Write(TDocumentCore& core, TOutputFile& file) = 0;
 };
 
 /// Writes every object of the document anew: streams copied as they stand, object streams kept.

@@ -1,9 +1,13 @@
 #include "work/FileWork.h"
 
 #include "actions/ActionList.h"
+#include "actions/DocumentScriptEngine.h"
+#include "actions/JavaScriptAction.h"
+#include "base/Interrupt.h"
 #include "base/Journal.h"
 #include "base/Reflection.h"
 #include "engine/Document.h"
+#include "engine/Errors.h"
 #include "scripting/Occasion.h"
 #include "scripting/ParkedDocuments.h"
 #include "work/Surroundings.h"
@@ -12,10 +16,27 @@
 
 namespace {
 
-TOutcome Ended(TOutcomeState state, TReasonCode code, const string& text) {
+/// A folder's policy fails a file whose work ended as such.
+class EPolicy : public Exception {
+public:
+    explicit EPolicy(TReason reason) : Exception(reason.Text), FReason(std::move(reason)) {}
+    [[nodiscard]] const TReason& Reason() const { return FReason; }
+
+private:
+    TReason FReason;
+};
+
+/// How far the work has come, for the reason of a failure.
+struct TProgress {
+    TReasonCode Blame = TReasonCode::InputUnreadable; ///< of what raises now
+    string Step;                                      ///< the action at work
+    QList<TReason> Reasons;                           ///< what was lived with
+};
+
+TOutcome Ended(TOutcomeState state, const TReason& reason) {
     TOutcome outcome;
     outcome.State = state;
-    outcome.Reasons.append({code, {}, text});
+    outcome.Reasons.append(reason);
     return outcome;
 }
 
@@ -27,20 +48,63 @@ string StepName(int index, const TPDFAction& action) {
         .arg(name.startsWith(u"TPDFAction") ? name.mid(10) : name);
 }
 
+string WithoutFullStop(const string& text) {
+    return text.endsWith(u'.') ? text.chopped(1) : text;
+}
+
+string ScriptFailure() {
+    const TJSMessage& message = GetDocumentScripting().LastMessage();
+    return QStringLiteral("%1:%2:%3: %4")
+        .arg(message.ScriptName)
+        .arg(message.Line)
+        .arg(message.Column)
+        .arg(WithoutFullStop(message.Text));
+}
+
+bool Fails(TPDFFolderPolicy::TOnTrouble answer) {
+    return answer == TPDFFolderPolicy::TOnTrouble::Fail;
+}
+
+/// Whether a folder's policy has something to say of it, and says no. A repaired table loses nothing.
+bool IsRefused(const TPDFFolderPolicy& policy, TReasonCode code) {
+    switch (code) {
+    case TReasonCode::DamagePagesLost:
+    case TReasonCode::DamageContent:
+        return Fails(policy.OnDamage);
+    case TReasonCode::SignatureInvalidated:
+        return Fails(policy.OnSignature);
+    case TReasonCode::PermissionRefused:
+        return Fails(policy.OnRefused);
+    case TReasonCode::ScriptError:
+        return Fails(policy.OnScriptError);
+    default:
+        return false;
+    }
+}
+
+void Note(const TFileWork& work, TProgress& progress, const TReason& reason) {
+    if (IsRefused(work.Policy, reason.Code))
+        throw EPolicy(reason);
+    progress.Reasons.append(reason);
+}
+
 /// False if a stop cut the actions short. What a stop does to an interruptible action can't be told from what
 /// it would have done, so such a one counts as cut short, too.
-bool RunActions(const TFileWork& work, TZQPDFDocument& document, TWorkReporter& reporter, string& step) {
+bool RunActions(const TFileWork& work, TPDFActions& actions, TZQPDFDocument& document, TWorkHost& host,
+                TProgress& progress) {
     const TScriptOccasion occasion(work.Source, work.ActionName);
-    for (int i = 0; i < work.Actions->Count(); ++i) {
-        TPDFAction& action = *(*work.Actions)[i];
-        if (reporter.Terminated())
+    for (int i = 0; i < actions.Count(); ++i) {
+        TPDFAction& action = *actions[i];
+        if (host.Terminated())
             return false;
-        step = StepName(i, action);
-        action.Execute(document);
-        if (reporter.Terminated() && action.IsInterruptible())
+        progress.Step = StepName(i, action);
+        const Cardinal result = action.Execute(document);
+        if (host.Terminated() && action.IsInterruptible())
             return false;
+        if (result != 0 && qobject_cast<TPDFActionJavaScript*>(&action) != nullptr)
+            Note(work, progress, {TReasonCode::ScriptError, progress.Step, ScriptFailure()});
     }
-    step.clear();
+    progress.Step.clear();
     return true;
 }
 
@@ -53,22 +117,31 @@ void JournalWarnings(const TFileWork& work, const TZQPDFDocument& document) noex
     JournalLine(MessageOf(e));
 }
 
-void TakeWarnings(const TZQPDFDocument& document, TOutcome& outcome) {
+void NoteWarnings(const TFileWork& work, const TZQPDFDocument& document, TProgress& progress) {
     for (const TPDFWarning& warning : document.Warnings())
-        outcome.Reasons.append({ReasonOf(warning.Kind), {}, warning.Text});
-    if (!outcome.Reasons.isEmpty())
-        outcome.State = TOutcomeState::DoneWithWarnings;
+        Note(work, progress, {ReasonOf(warning.Kind), {}, WithoutFullStop(warning.Text)});
 }
 
-} // namespace
+/// Raises EPolicy before anything is written in vain.
+void RequireAccepted(const TFileWork& work, const TZQPDFDocument& document) {
+    TProgress unused;
+    NoteWarnings(work, document, unused);
+}
 
-TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step) {
+TReasonCode BlameOf(const std::exception& e, const TProgress& progress) {
+    const auto* error = dynamic_cast<const EPDFError*>(&e);
+    const bool opening = progress.Blame == TReasonCode::InputUnreadable;
+    return opening && error != nullptr && error->Kind() == TPDFErrorKind::NotPdf ? TReasonCode::InputNotPdf
+                                                                                 : progress.Blame;
+}
+
+TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TProgress& progress) {
     const bool isProtected =
         AmongSurroundings([&] { return TPDFDocument::IsPasswordProtected(work.Source, work.Descriptor); });
     if (isProtected) {
         const string text = QStringLiteral("\"%1\" is password protected, FAILURE.").arg(work.Source);
-        reporter.Log(text);
-        return {Ended(TOutcomeState::Waiting, TReasonCode::InputProtected, text), nullptr};
+        host.Log(text);
+        return Ended(TOutcomeState::Waiting, {TReasonCode::InputProtected, {}, text});
     }
     auto document = std::make_unique<TZQPDFDocument>(nullptr);
     const TParkOnException park(document);
@@ -77,29 +150,60 @@ TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step)
         if (document != nullptr)
             JournalWarnings(work, *document);
     });
-    if (work.Actions == nullptr) {
+    if (actions == nullptr) {
         const string text =
             QStringLiteral("Excution failed. Invalid action specified \"%1\".").arg(work.ActionName);
-        reporter.Log(text);
-        return {Ended(TOutcomeState::DoneWithWarnings, TReasonCode::ListUnknown, text), nullptr};
+        host.Log(text);
+        return Ended(TOutcomeState::DoneWithWarnings, {TReasonCode::ListUnknown, {}, text});
     }
     // Written before the actions run and whatever they do: that is the line's fixed wording.
-    reporter.Log(QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest()));
-    reporter.Hint(QStringLiteral("Executing \"%1\" on \"%2\".").arg(work.ActionName, work.Dest()));
+    host.Log(QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest));
+    host.Hint(QStringLiteral("Executing \"%1\" on \"%2\".").arg(work.ActionName, work.Dest));
     // Made first: where nothing can be written, nothing is worked on in vain.
-    TWorked worked;
-    worked.Result =
-        AmongSurroundings([&] { return std::make_unique<TPartFile>(work.DestFolder, work.DestName); });
-    if (!RunActions(work, *document, reporter, step)) {
+    TOutputFile& result = AmongSurroundings([&]() -> TOutputFile& { return host.OpenResult(); });
+    progress.Blame = TReasonCode::ActionRaised;
+    if (!RunActions(work, *actions, *document, host, progress)) {
         Park(std::move(document));
-        return {Ended(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops.")),
-                nullptr};
+        return Ended(TOutcomeState::Stopped,
+                     {TReasonCode::Other, progress.Step, QStringLiteral("The agent stops.")});
     }
+    progress.Blame = TReasonCode::Other;
+    RequireAccepted(work, *document);
     AmongSurroundings([&] {
-        document->WriteTo(*worked.Result);
-        worked.Result->Flush();
+        document->WriteTo(result);
+        result.Flush();
     });
-    worked.Outcome.Pages = document->GetPageCount();
-    TakeWarnings(*document, worked.Outcome);
-    return worked;
+    NoteWarnings(work, *document, progress);
+    TOutcome outcome;
+    outcome.Written = true;
+    outcome.Pages = document->GetPageCount();
+    outcome.Reasons = progress.Reasons;
+    outcome.State = outcome.Reasons.isEmpty() ? TOutcomeState::Done : TOutcomeState::DoneWithWarnings;
+    return outcome;
+}
+
+/// What fails while the agent stops may fail for that; the next start sees.
+TOutcome Failed(TWorkHost& host, const TReason& reason) {
+    return Ended(host.Terminated() ? TOutcomeState::Stopped : TOutcomeState::Failed, reason);
+}
+
+} // namespace
+
+TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host) {
+    TProgress progress;
+    try {
+        return Work(work, actions, host, progress);
+    } catch (const ESurroundings& e) {
+        const TReasonCode code = e.Error() == ENOSPC || e.Error() == EDQUOT ? TReasonCode::DiskFull
+                                 : e.OfReading()                            ? TReasonCode::InputUnreadable
+                                                                            : TReasonCode::FolderUnusable;
+        TOutcome outcome = Ended(TOutcomeState::Waiting, {code, {}, e.Message()});
+        outcome.Error = e.Error();
+        outcome.OfSource = e.OfReading();
+        return outcome;
+    } catch (const EPolicy& e) {
+        return Failed(host, e.Reason());
+    } catch (const std::exception& e) {
+        return Failed(host, {BlameOf(e, progress), progress.Step, MessageOf(e)});
+    }
 }

@@ -1,8 +1,9 @@
 #pragma once
 // The work on one file: open, run the actions, write the result to a hidden file beside its destination. It
 // touches nothing but the files handed to it and the shared script document, and tells what happens through
-// its reporter; taking, publishing and moving are its caller's.
-#include "base/PartFile.h"
+// its host; taking, publishing and moving are its caller's.
+#include "actions/WatchedFolders.h"
+#include "base/OutputFile.h"
 #include "work/Outcome.h"
 
 class TPDFActions;
@@ -10,29 +11,25 @@ class TPDFActions;
 struct TFileWork {
     string Source;       ///< path, for texts; the file itself is the descriptor
     int Descriptor = -1; ///< of the source, open for reading
-    TFolderPtr DestFolder;
-    string DestName; ///< planned
+    string Dest;         ///< path, as planned; likewise for texts
     string ActionName;
-    TPDFActions* Actions = nullptr; ///< null: no list has that name
-    [[nodiscard]] string Dest() const { return DestFolder->Path() + DestName; }
+    TPDFFolderPolicy Policy;
 };
 
-class TWorkReporter {
+/// What the work needs of whoever has it done.
+class TWorkHost {
 public:
-    virtual ~TWorkReporter() = default;
+    virtual ~TWorkHost() = default;
+    /// A line of the run log.
     virtual void Log(const string& line) = 0;
     virtual void Hint(const string& text) = 0;
     /// The agent is to stop: no further action is begun.
-    [[nodiscard]] virtual bool Terminated() const = 0;
+    [[nodiscard]] virtual bool Terminated() = 0;
+    /// Makes the file for the result, which stays the host's. Called once at most. Raises EFileError.
+    [[nodiscard]] virtual TOutputFile& OpenResult() = 0;
 };
 
-struct TWorked {
-    TOutcome Outcome;
-    std::unique_ptr<TPartFile> Result; ///< to be published; null where there is none
-};
-
-/// Done means that the source may leave its folder, with a result or, where no list has the name, without
-/// one. Waiting is a protected file, and Stopped one whose actions were cut short. Raises ESurroundings for
-/// trouble with the source's disk and the result's; anything else that opening, an action or writing raises
-/// means that the file has failed. `step` then names the action.
-[[nodiscard]] TWorked WorkOnFile(const TFileWork& work, TWorkReporter& reporter, string& step);
+/// Done means that the source may leave its folder, with a result or, where no list has the name (`actions`
+/// is null), without one. Waiting is a protected file or trouble of the surroundings, and Stopped a file
+/// whose actions were cut short. Raises nothing that a file or its list can cause.
+[[nodiscard]] TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host);

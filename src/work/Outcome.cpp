@@ -24,8 +24,14 @@ string ReasonName(TReasonCode code) {
         return QStringLiteral("action.raised");
     case TReasonCode::ListUnknown:
         return QStringLiteral("list.unknown");
+    case TReasonCode::ScriptError:
+        return QStringLiteral("script.error");
     case TReasonCode::WorkerCrashed:
         return QStringLiteral("worker.crashed");
+    case TReasonCode::WorkerTimedOut:
+        return QStringLiteral("worker.timed-out");
+    case TReasonCode::WorkerMemory:
+        return QStringLiteral("worker.memory");
     case TReasonCode::InputProtected:
         return QStringLiteral("input.protected");
     case TReasonCode::InputBusy:

@@ -24,8 +24,11 @@ enum class TReasonCode {
     ContentNotShown,      ///< content.not-shown
     NamesUnreadable,      ///< names.unreadable
     ActionRaised,         ///< action.raised
+    ScriptError,          ///< script.error
     ListUnknown,          ///< list.unknown
     WorkerCrashed,        ///< worker.crashed
+    WorkerTimedOut,       ///< worker.timed-out
+    WorkerMemory,         ///< worker.memory
     InputProtected,       ///< input.protected
     InputBusy,            ///< input.busy
     InputReplaced,        ///< input.replaced
@@ -51,6 +54,12 @@ struct TReason {
 struct TOutcome {
     TOutcomeState State = TOutcomeState::Done;
     QList<TReason> Reasons;
-    string Result; ///< path of the published result; empty without one
-    int Pages = 0; ///< of the result
+    bool Written = false; ///< a whole result stands in the file that was made for it
+    int Pages = 0;        ///< of the result
+    // Where it is the surroundings that a file waits for:
+    int Error = 0;         ///< as errno; 0 for any other reason
+    bool OfSource = false; ///< in reading the source
+
+    /// What came first, for people; empty where all is well.
+    [[nodiscard]] string Text() const { return Reasons.isEmpty() ? string() : Reasons.first().Text; }
 };

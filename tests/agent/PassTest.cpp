@@ -327,6 +327,66 @@ TEST_F(Pass, RepeatedBlocksAreLeftOutWhereTheFolderWantsThat) {
     EXPECT_EQ(Log().count("Started at"), 3);
 }
 
+struct TPolicyCase {
+    const char* Name;
+    const char* Script;
+    NarrowString (*File)();
+    const char* Reason; // of the failure
+};
+
+void PrintTo(const TPolicyCase& test, std::ostream* out) {
+    *out << test.Name;
+}
+
+class Policy : public TPlayedRun, public testing::WithParamInterface<TPolicyCase> {};
+
+/// The same file, whose loss the rules call a success, fails where its folder says so, and leaves no result.
+TEST_P(Policy, FailsWhatItsFolderDoesNotAccept) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    WriteActions(
+        List("Work", Narrow(string("<Action Class=\"TPDFActionJavaScript\"><Javascript>%1</Javascript>"
+                                   "</Action>")
+                                .arg(string(GetParam().Script).toHtmlEscaped()))));
+    for (const bool fails : {false, true}) {
+        const string member = string(GetParam().Name);
+        WriteFolders(Folder(FWorkspace.Path("in"), "Work",
+                            fails ? "<Policy><" + member + ">Fail</" + member + "></Policy>" : string()));
+        FWorkspace.Write("in/a.pdf", GetParam().File());
+        if (FThread)
+            FThread->FRefreshFolders = true;
+        Play(2);
+        EXPECT_EQ(FWorkspace.Has("in/Error/a.pdf"), fails) << Log().toStdString();
+        EXPECT_EQ(FWorkspace.Names("in/output").size(), 1) << "none of the failed one";
+        EXPECT_EQ(Log().contains(string("Unhandled exception ") + GetParam().Reason), fails)
+            << Log().toStdString();
+    }
+    EXPECT_EQ(FStatus.Summary(), "1 folder, 1 file done, 1 failed.");
+}
+
+NarrowString RestrictedFile() {
+    const TWorkspace workspace;
+    MakePdf(workspace.Path("a.pdf"), 1, {.OwnerPassword = "owner", .Restrictions = {"--modify=none"}});
+    return workspace.Read("a.pdf");
+}
+
+NarrowString GoodFile() {
+    return SamplePdf(1);
+}
+
+NarrowString FileWithoutItsPages() {
+    return SamplePdf(3).replace("/Count 3", "/Count 9");
+}
+
+INSTANTIATE_TEST_SUITE_P(, Policy,
+                         testing::Values(TPolicyCase{"OnScriptError", "throw new Error('no stamp')", GoodFile,
+                                                     "PDFActions.Inline:1:"},
+                                         TPolicyCase{"OnRefused", "Document.RotatePages('1-', 90)",
+                                                     RestrictedFile,
+                                                     "The document's permissions don't allow changing"},
+                                         TPolicyCase{"OnDamage", "Document.RotatePages('1-', 90)",
+                                                     FileWithoutItsPages, "6 pages"}),
+                         [](const auto& param) { return param.param.Name; });
+
 TEST_F(Pass, AFileOverWhichRunsDiedComesLastAndTheSecondCrashIsEnough) {
     ConfigureOne();
     Drop("a.pdf");

@@ -38,7 +38,11 @@ constexpr char ExampleFolders[] = R"(<?xml version="1.0" encoding="UTF-8"?>
       <OverwriteExistingFiles>false</OverwriteExistingFiles>
       <CheckEvery>1</CheckEvery>
       <Action>Received</Action>
+      <!-- A file of which anything was lost or refused goes to Error/ instead of leaving half a result. -->
       <Policy>
+        <OnDamage>Fail</OnDamage>
+        <OnRefused>Fail</OnRefused>
+        <OnScriptError>Fail</OnScriptError>
         <RepeatLines>OnChange</RepeatLines>
       </Policy>
     </Folder>

@@ -69,13 +69,24 @@ public:
         if (folder.Enabled && folder.CheckEvery == 0)
             FFile.Fault(LineOf(element, {QStringLiteral("CheckEvery")}),
                         QStringLiteral("\"%1\" is never served, as its CheckEvery is 0").arg(folder.Name));
-        if (folder.Policy.QuietSeconds < 0)
-            FFile.Fault(
-                LineOf(element, {QStringLiteral("Policy"), QStringLiteral("QuietSeconds")}),
-                QStringLiteral("QuietSeconds: %1 is no time to wait").arg(folder.Policy.QuietSeconds));
+        LintPolicy(folder.Policy, element);
     }
 
 private:
+    void LintPolicy(const TPDFFolderPolicy& policy, const TXmlElement& element) {
+        const auto require = [&](const char* name, Integer value, const char* meaning) {
+            if (value < 0)
+                FFile.Fault(LineOf(element, {QStringLiteral("Policy"), QLatin1String(name)}),
+                            QStringLiteral("%1: %2 is no %3")
+                                .arg(QLatin1String(name))
+                                .arg(value)
+                                .arg(QLatin1String(meaning)));
+        };
+        require("QuietSeconds", policy.QuietSeconds, "time to wait");
+        require("WorkSeconds", policy.WorkSeconds, "time to work");
+        require("WorkMemory", policy.WorkMemory, "amount of memory");
+    }
+
     /// One folder under two names is the same folder.
     void NoteDouble(const TPDFWatchedFolder& folder, int line) {
         const string place = QFileInfo(folder.Name).canonicalFilePath();

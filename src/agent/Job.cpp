@@ -1,0 +1,48 @@
+#include "agent/Job.h"
+
+#include "agent/RunHost.h"
+#include "base/Paths.h"
+
+TJob::TJob(std::unique_ptr<TSourceFile> source, TFolderPtr output, TTurnLog& log,
+           const std::function<bool()>& terminated, TTrayHint& hint)
+    : Source(std::move(source)), FOutput(std::move(output)), FLog(log), FTerminated(terminated), FHint(hint) {
+    Work.Source = Source->Path();
+    Work.Descriptor = Source->Descriptor();
+}
+
+void TJob::Log(const string& line) {
+    FLines.append(line);
+    Flush();
+}
+
+void TJob::Hint(const string& text) {
+    FHint.SetHint(text);
+}
+
+TOutputFile& TJob::OpenResult() {
+    Result = std::make_unique<TPartFile>(FOutput, ExtractFileName(Work.Dest));
+    Result->TakeModeOf(Work.Descriptor);
+    return *Result;
+}
+
+void TJob::TakePlace() {
+    FInPlace = true;
+    Flush();
+}
+
+void TJob::Release() {
+    FHolding = false;
+    Flush();
+}
+
+void TJob::Drop() {
+    FHolding = false;
+    FLines.clear();
+}
+
+void TJob::Flush() {
+    if (!FInPlace || FHolding)
+        return;
+    for (const string& line : std::exchange(FLines, {}))
+        FLog.Line(line);
+}

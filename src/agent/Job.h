@@ -1,0 +1,51 @@
+#pragma once
+// One file on its way through a folder's turn, from its opening to its place in the end.
+#include "agent/TurnLog.h"
+#include "base/PartFile.h"
+#include "base/SourceFile.h"
+#include "work/FileWork.h"
+
+#include <optional>
+
+class TPDFActionList;
+class TTrayHint;
+
+/// The host of the work on the file. Its lines go into the run log when its turn's order has come to it, and
+/// not before it is known whether they are worth saying.
+class TJob : public TWorkHost {
+public:
+    TJob(std::unique_ptr<TSourceFile> source, TFolderPtr output, TTurnLog& log,
+         const std::function<bool()>& terminated, TTrayHint& hint);
+
+    void Log(const string& line) override;
+    void Hint(const string& text) override;
+    [[nodiscard]] bool Terminated() override { return FTerminated(); }
+    [[nodiscard]] TOutputFile& OpenResult() override;
+
+    /// No file before it is still at work: its lines are written as they come.
+    void TakePlace();
+    /// Others go first: its lines wait for its end.
+    void GiveUpPlace() { FInPlace = false; }
+    /// Holds its lines until one of the next two: the file waited before, and may wait again.
+    void Hold() { FHolding = true; }
+    void Release();
+    void Drop();
+
+    std::unique_ptr<TSourceFile> Source;
+    TFileWork Work;
+    TPDFActionList* List = nullptr;    ///< null: no list has that name
+    std::unique_ptr<TPartFile> Result; ///< from OpenResult() on
+    std::optional<TOutcome> Outcome;   ///< once the work is over, or where there is none to do
+    qint64 Begun = 0;                  ///< by the steady clock
+
+private:
+    void Flush();
+
+    TFolderPtr FOutput;
+    TTurnLog& FLog;
+    const std::function<bool()>& FTerminated;
+    TTrayHint& FHint;
+    QStringList FLines;
+    bool FInPlace = false;
+    bool FHolding = false;
+};
