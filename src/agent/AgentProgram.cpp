@@ -76,6 +76,7 @@ int RunFoldersAgent(TAppInstances& instances) {
     thread_local const TStopAtExit stop; // behind the pump, whose queue it needs
     TSystemClock clock;
     TSystemFolderFiles files;
-    const TfrmFoldersAgent form({clock, files, StopLimitMs});
+    const string worker = QCoreApplication::applicationDirPath() + QStringLiteral("/morvane-worker");
+    const TfrmFoldersAgent form({clock, files, StopLimitMs, worker});
     return form.Terminated() ? form.ExitCode() : QCoreApplication::exec();
 }

@@ -122,6 +122,11 @@ void TAgentStatus::CountFailed(const string& folder) {
     ++Find(folder).Counts.Failed;
 }
 
+void TAgentStatus::SetWorkers(std::vector<TWorkerState> workers) {
+    const std::lock_guard guard(FLock);
+    FWorkers = std::move(workers);
+}
+
 void TAgentStatus::ListsLoaded(TListKind kind, const QDateTime& time) {
     const std::lock_guard guard(FLock);
     Of(kind) = {time, {}};
@@ -219,5 +224,10 @@ QByteArray TAgentStatus::ToJson() const {
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - FTicked).count());
     json["lists"] = QJsonObject{{"folders", ListJson(FFolderList)}, {"actions", ListJson(FActionList)}};
     json["folders"] = folders;
+    QJsonArray workers;
+    for (const TWorkerState& worker : FWorkers)
+        workers.append(
+            QJsonObject{{"pid", worker.Process}, {"scripts", worker.Scripts}, {"file", worker.File}});
+    json["workers"] = workers;
     return QJsonDocument(json).toJson(QJsonDocument::Compact);
 }

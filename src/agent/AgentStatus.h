@@ -35,6 +35,13 @@ struct TFolderCounts {
     qint64 Failed = 0;
 };
 
+/// A worker process.
+struct TWorkerState {
+    qint64 Process = 0;   ///< its number
+    bool Scripts = false; ///< works on the files of lists with scripts
+    string File;          ///< path, while it works on one
+};
+
 /// The two configuration files.
 enum class TListKind { Folders, Actions };
 
@@ -66,6 +73,9 @@ public:
     void CountDone(const string& folder);
     void CountWarned(const string& folder); ///< done, with warnings; not counted as done as well
     void CountFailed(const string& folder);
+
+    /// All that there are now.
+    void SetWorkers(std::vector<TWorkerState> workers);
 
     /// The file was read and is in force; takes its fault away.
     void ListsLoaded(TListKind kind, const QDateTime& time);
@@ -106,6 +116,7 @@ private:
     TAgentState FAgent = TAgentState::Starting;
     string FReason;
     std::vector<TFolder> FFolders;
+    std::vector<TWorkerState> FWorkers;
     TList FFolderList;
     TList FActionList;
 };

@@ -271,13 +271,24 @@ private:
     bool FListed = false; // the folder that was listed last held files
 };
 
-TFolderPass::TFolderPass(const TRunHost& host, std::function<bool()> terminated)
-    : FHost(host), FTerminated(std::move(terminated)), FMarks(host.StateFolder),
-      FPlace(std::make_unique<TWorkHere>(FMarks)) {}
+TFolderPass::TFolderPass(const TRunHost& host, std::function<bool()> terminated,
+                         const TWorkerSettings& workers)
+    : FHost(host), FTerminated(std::move(terminated)), FMarks(host.StateFolder) {
+    try {
+        if (workers.Count > 0)
+            FPlace = std::make_unique<TWorkers>(workers, host, FTerminated);
+    } catch (const std::exception& e) {
+        JournalLine(QStringLiteral("There are no workers, so the agent works on the files itself: %1")
+                        .arg(MessageOf(e)));
+    }
+    if (FPlace == nullptr)
+        FPlace = std::make_unique<TWorkHere>(FMarks);
+}
 
 void TFolderPass::Run(const TPassInput& input) {
     FPlace->SetLists(input.Manager);
     TPass(*this, input).Run();
+    FPlace->Rest();
 }
 
 QStringList* TFolderPass::LastBlockOf(const TPDFWatchedFolder& folder) {

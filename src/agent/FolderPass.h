@@ -8,6 +8,7 @@
 #include "agent/RunLog.h"
 #include "agent/WorkMarks.h"
 #include "agent/WorkPlace.h"
+#include "agent/Workers.h"
 
 #include <functional>
 
@@ -24,7 +25,8 @@ struct TPassInput {
 
 class TFolderPass {
 public:
-    TFolderPass(const TRunHost& host, std::function<bool()> terminated);
+    /// With a count of 0 the files are worked on here.
+    TFolderPass(const TRunHost& host, std::function<bool()> terminated, const TWorkerSettings& workers = {});
 
     /// Serves every folder whose turn it is. One that can't be served is noted, and the others go on.
     void Run(const TPassInput& input);

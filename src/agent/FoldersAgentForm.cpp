@@ -81,7 +81,12 @@ void TfrmFoldersAgent::FormCreate() {
         Terminate(EXIT_FAILURE); // a service starts again, and may find it by then
         return;
     }
-    StartThreads(path, {.KeepDays = settings.KeepDays, .FirstTick = 0});
+    StartThreads(path, {.KeepDays = settings.KeepDays,
+                        .FirstTick = 0,
+                        .Workers = {.Count = FHost.Worker.isEmpty() ? 0 : settings.Workers,
+                                    .WorkSeconds = settings.WorkSeconds,
+                                    .WorkMemory = settings.WorkMemory,
+                                    .Program = FHost.Worker}});
     ServiceNotice().Ready(FStatus.Summary());
     StartWatch(path);
 }

@@ -22,6 +22,7 @@ struct TFormHost {
     TRunClock& Clock;
     TFolderFiles& Files;
     int StopLimitMs = 0; ///< how long a stop waits for the work at hand; 0: until it ends
+    string Worker = {};  ///< path of the workers' program; empty: the agent does all work itself
 };
 
 /// Whether there is still a window system to take events from.

@@ -30,7 +30,8 @@ TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost 
       FTickCounter(settings.FirstTick),
       FFoldersFile(ConfigPath + "watchedfolders.xml", ReadInto(FWatchedFolders)),
       FActionsFile(ConfigPath + "actions.xml", ReadInto(FActionManager)),
-      FPass(host, [this] { return Terminated(); }) {
+      FPass(
+          host, [this] { return Terminated(); }, settings.Workers) {
     StopSignal().Lower();
     SetInterruptTest([] { return StopSignal().IsOverdue(); });
     Start();
@@ -82,10 +83,23 @@ void TWatchedFoldersThread::NameLogFile() {
     RemoveOldLogs(folder, FLogDate, FSettings.KeepDays);
 }
 
-void TWatchedFoldersThread::Tick() {
+void TWatchedFoldersThread::CountTick() {
     if (++FTickCounter == std::numeric_limits<qint32>::max())
         FTickCounter = 0;
     FHost.Status.Ticked();
+}
+
+/// A pass with much to do doesn't hold up what it hasn't begun, but for a change of the configuration.
+std::optional<qint32> TWatchedFoldersThread::TickDuringPass() {
+    CountTick();
+    if (Terminated() || FDirChanged || FRefreshFolders || FRefreshActions ||
+        FLogDate != FHost.Clock.Now().date())
+        return std::nullopt;
+    return FTickCounter;
+}
+
+void TWatchedFoldersThread::Tick() {
+    CountTick();
     LookForChanges();
     if (FLogDate.daysTo(FHost.Clock.Now().date()) > 0)
         NameLogFile();
@@ -98,7 +112,8 @@ void TWatchedFoldersThread::Tick() {
 void TWatchedFoldersThread::RunPass() {
     static const string Subject = QStringLiteral("pass");
     try {
-        FPass.Run({*FWatchedFolders, *FActionManager, FLogFileName, FTickCounter});
+        FPass.Run({*FWatchedFolders, *FActionManager, FLogFileName, FTickCounter,
+                   [this] { return TickDuringPass(); }});
         FHost.Hint.SetHint(ApplicationTitle());
         JournalSettled(Subject);
     } catch (const std::exception& e) {

@@ -16,6 +16,7 @@
 struct TRunSettings {
     int KeepDays = 0;     ///< day logs that are older go; 0 keeps all
     qint32 FirstTick = 0; ///< where the tick counter starts
+    TWorkerSettings Workers = {};
 };
 
 class TWatchedFoldersThread final : public TWorkerThread {
@@ -40,6 +41,8 @@ private:
     void Execute() override;
     void Serve();
     void Tick();
+    void CountTick();
+    [[nodiscard]] std::optional<qint32> TickDuringPass();
     void LookForChanges();
     [[nodiscard]] bool Look(TConfigurationFile& file, TListKind kind, TConfigurationFile::TLook look);
     void ShowFolders();

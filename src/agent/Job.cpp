@@ -11,6 +11,10 @@ TJob::TJob(std::unique_ptr<TSourceFile> source, TFolderPtr output, TTurnLog& log
 }
 
 void TJob::Log(const string& line) {
+    if (FSaidBefore > 0) {
+        --FSaidBefore;
+        return;
+    }
     FLines.append(line);
     Flush();
 }
@@ -40,9 +44,16 @@ void TJob::Drop() {
     FLines.clear();
 }
 
+void TJob::BeginAnew() {
+    Result.reset();
+    FLines.clear();
+    FSaidBefore = FSaid;
+}
+
 void TJob::Flush() {
     if (!FInPlace || FHolding)
         return;
+    FSaid += FLines.size();
     for (const string& line : std::exchange(FLines, {}))
         FLog.Line(line);
 }

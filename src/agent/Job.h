@@ -30,12 +30,15 @@ public:
     void Hold() { FHolding = true; }
     void Release();
     void Drop();
+    /// The work begins anew, and says again what it has said.
+    void BeginAnew();
 
     std::unique_ptr<TSourceFile> Source;
     TFileWork Work;
     TPDFActionList* List = nullptr;    ///< null: no list has that name
     std::unique_ptr<TPartFile> Result; ///< from OpenResult() on
     std::optional<TOutcome> Outcome;   ///< once the work is over, or where there is none to do
+    bool Lost = false;                 ///< its first worker was killed
     qint64 Begun = 0;                  ///< by the steady clock
 
 private:
@@ -46,6 +49,8 @@ private:
     const std::function<bool()>& FTerminated;
     TTrayHint& FHint;
     QStringList FLines;
+    qsizetype FSaid = 0;       // lines that have gone into the log
+    qsizetype FSaidBefore = 0; // of them, those that are still to come once more
     bool FInPlace = false;
     bool FHolding = false;
 };

@@ -19,6 +19,8 @@ public:
     /// Waits until a job has ended, or something else that is worth a look has happened, for a second at
     /// most. Ends all work early once the run is to end.
     virtual void WaitForNews() = 0;
+    /// Between passes: lets go of what hasn't been needed for long.
+    virtual void Rest() {}
 };
 
 /// Begin() is the work. The notes say which file is at work while it is.

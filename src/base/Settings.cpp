@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <thread>
 
 namespace {
 
@@ -17,11 +18,16 @@ string TextOf(const QSettings& settings, const string& key, const string& standa
     return text.trimmed().isEmpty() ? standard : text;
 }
 
-/// What is no number of days keeps all: nothing is deleted by mistake.
-int DaysOf(const QSettings& settings, const string& key) {
+/// What is no number that is 0 or more is taken as missing.
+int NumberOf(const QSettings& settings, const string& key, int standard) {
     bool valid = false;
-    const int days = settings.value(key).toString().trimmed().toInt(&valid);
-    return valid ? std::max(days, 0) : 0;
+    const int number = settings.value(key).toString().trimmed().toInt(&valid);
+    return valid && number >= 0 ? number : standard;
+}
+
+int StandardWorkers() {
+    constexpr int Most = 8;
+    return std::clamp(int(std::thread::hardware_concurrency()), 1, Most);
 }
 
 /// The base directory rules tell programs to ignore a relative path.
@@ -52,7 +58,11 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("RepositoryFilename"), beside + QStringLiteral("repository.xml"));
     result.WatermarksFolder =
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
-    result.KeepDays = DaysOf(settings, QStringLiteral("KeepDays"));
+    // None, too, for what makes no sense: nothing is deleted by mistake.
+    result.KeepDays = NumberOf(settings, QStringLiteral("KeepDays"), 0);
+    result.Workers = NumberOf(settings, QStringLiteral("Workers"), StandardWorkers());
+    result.WorkSeconds = NumberOf(settings, QStringLiteral("WorkSeconds"), result.WorkSeconds);
+    result.WorkMemory = NumberOf(settings, QStringLiteral("WorkMemory"), result.WorkMemory);
     return result;
 }
 

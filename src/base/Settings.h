@@ -13,6 +13,12 @@ struct TEditorSettings {
     string WatermarksFolder;
     /// Day logs that are older go; 0 keeps all.
     int KeepDays = 0;
+    /// Processes that work on files; 0: the agent does it itself. Not set, one for each processor, at most 8.
+    int Workers = 0;
+    /// Seconds that one may take for one file.
+    int WorkSeconds = 600;
+    /// MB that one may hold; 0: half of the machine's memory, divided by their number.
+    int WorkMemory = 0;
 };
 
 /// What a script may hold in memory, in MB: the value `ScriptMemory` of that file, 256 where it is missing.

@@ -203,6 +203,9 @@ TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host
         return outcome;
     } catch (const EPolicy& e) {
         return Failed(host, e.Reason());
+    } catch (const std::bad_alloc&) {
+        return Failed(host, {TReasonCode::WorkerMemory, progress.Step,
+                             QStringLiteral("The work takes more memory than it may have")});
     } catch (const std::exception& e) {
         return Failed(host, {BlameOf(e, progress), progress.Step, MessageOf(e)});
     }

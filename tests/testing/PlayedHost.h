@@ -5,6 +5,7 @@
 #include "agent/RunHost.h"
 #include "base/FolderListing.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -16,11 +17,16 @@ public:
         const std::lock_guard lock(FMutex);
         return FNow;
     }
-    /// Follows the played time of day.
+    /// Follows the played time of day, unless it is to run by itself.
     [[nodiscard]] qint64 Steady() override {
         const std::lock_guard lock(FMutex);
-        return FNow.toMSecsSinceEpoch();
+        const qint64 run =
+            SteadyRuns ? std::chrono::steady_clock::now().time_since_epoch() / std::chrono::milliseconds(1)
+                       : 0;
+        return FNow.toMSecsSinceEpoch() + run;
     }
+    /// For what takes real time, as the limits of processes do. Set before the run begins.
+    bool SteadyRuns = false;
     void WaitTick() override {
         std::unique_lock lock(FMutex);
         FIdle = true;

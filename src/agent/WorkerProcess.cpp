@@ -1,0 +1,74 @@
+#include "agent/WorkerProcess.h"
+
+#include "base/Exceptions.h"
+#include "work/Worker.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// What a new process begins with: signals as they come, and its end of the channel.
+struct TStart {
+    explicit TStart(int socket) {
+        ::posix_spawnattr_init(&Attributes);
+        ::posix_spawn_file_actions_init(&Files);
+        sigset_t all;
+        sigset_t none;
+        ::sigfillset(&all);
+        ::sigemptyset(&none);
+        ::posix_spawnattr_setsigdefault(&Attributes, &all);
+        ::posix_spawnattr_setsigmask(&Attributes, &none);
+        ::posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        ::posix_spawn_file_actions_addopen(&Files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        ::posix_spawn_file_actions_adddup2(&Files, socket, WorkerSocket);
+    }
+    ~TStart() {
+        ::posix_spawn_file_actions_destroy(&Files);
+        ::posix_spawnattr_destroy(&Attributes);
+    }
+    TStart(const TStart&) = delete;
+    TStart& operator=(const TStart&) = delete;
+
+    posix_spawnattr_t Attributes{};
+    posix_spawn_file_actions_t Files{};
+};
+
+} // namespace
+
+TWorkerProcess::TWorkerProcess(const TDescriptor& program) {
+    TDescriptor ours;
+    TDescriptor theirs;
+    TChannel::MakePair(ours, theirs);
+    // Twice the same number would keep its mark to close on exec.
+    if (theirs.Number() == WorkerSocket)
+        theirs = TDescriptor(::fcntl(theirs.Number(), F_DUPFD_CLOEXEC, WorkerSocket + 1));
+    const TStart start(theirs.Number());
+    const QByteArray path = "/proc/self/fd/" + QByteArray::number(program.Number());
+    char name[] = "morvane-worker";
+    char* const arguments[] = {name, nullptr};
+    const int error =
+        ::posix_spawn(&FProcess, path.constData(), &start.Files, &start.Attributes, arguments, environ);
+    if (error != 0)
+        throw EFileError(QStringLiteral("start"), QStringLiteral("morvane-worker"), error);
+    FChannel = std::make_shared<TChannel>(std::move(ours));
+}
+
+TWorkerProcess::~TWorkerProcess() {
+    End();
+}
+
+int TWorkerProcess::End() {
+    if (FProcess < 0)
+        return FStatus;
+    // One that has ended keeps its own status.
+    ::kill(FProcess, SIGKILL);
+    while (::waitpid(FProcess, &FStatus, 0) < 0 && errno == EINTR)
+        ;
+    FProcess = -1;
+    return FStatus;
+}

@@ -1,0 +1,408 @@
+#include "agent/Workers.h"
+
+#include "actions/ActionManager.h"
+#include "actions/JavaScriptAction.h"
+#include "agent/AgentStatus.h"
+#include "agent/WorkerProcess.h"
+#include "base/Exceptions.h"
+#include "base/Paths.h"
+#include "platform/MessageBox.h"
+#include "platform/StopSignal.h"
+#include "scripting/AskForPassword.h"
+#include "work/Protocol.h"
+#include "xml/Xmlserial.h"
+
+#include <QBuffer>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <future>
+#include <limits>
+#include <poll.h>
+#include <sys/wait.h>
+
+namespace {
+
+constexpr qint64 Never = std::numeric_limits<qint64>::max();
+constexpr qint64 RestsAfter = 60'000; // ms
+constexpr qint64 StopTakes = 4'000;   // ms
+constexpr qint64 LongestWait = 1'000; // ms
+constexpr qint64 LeastMemory = 512;   // MB
+
+string XmlOf(const TPDFActionManager& lists) {
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    XMLSerialize(lists, buffer, QString());
+    return QString::fromUtf8(buffer.data());
+}
+
+int DefaultMemory(int workers) {
+    const qint64 megabytes = qint64(::sysconf(_SC_PHYS_PAGES)) * ::sysconf(_SC_PAGESIZE) >> 20;
+    return int(std::max(LeastMemory, megabytes / 2 / std::max(workers, 1)));
+}
+
+TOutcome OutcomeWith(TOutcomeState state, TReasonCode code, const string& text) {
+    TOutcome outcome;
+    outcome.State = state;
+    outcome.Reasons.append({code, {}, text});
+    return outcome;
+}
+
+/// A worker that can't even begin isn't the file's fault.
+TOutcome NoWorker(const string& text, int error) {
+    TOutcome outcome = OutcomeWith(TOutcomeState::Waiting, TReasonCode::Other, text);
+    outcome.Error = error;
+    return outcome;
+}
+
+} // namespace
+
+struct TWorkers::TWorker {
+    std::unique_ptr<TWorkerProcess> Process;
+    bool Scripts = false; // works on lists with scripts
+    bool Ready = false;   // has said a word
+    int Version = 0;      // of the lists that it knows
+    TJob* Job = nullptr;  // at work
+    qint64 Limit = Never; // of the work, by the steady clock
+    qint64 Left = 0;      // of the time for the work, while a user is asked
+    qint64 IdleSince = 0;
+    std::shared_ptr<std::atomic<bool>> Answered = {}; // set while a user is asked: he has answered
+    std::future<void> Question = {};
+
+    [[nodiscard]] bool Ended() const { return Process == nullptr; }
+};
+
+TWorkers::TWorkers(const TWorkerSettings& settings, const TRunHost& host,
+                   const std::function<bool()>& terminated)
+    : FSettings(settings), FHost(host), FTerminated(terminated),
+      FProgram(::open(PathBytes(settings.Program).constData(), O_RDONLY | O_CLOEXEC)) {
+    if (!FProgram)
+        throw EFileError(QStringLiteral("open"), settings.Program, errno);
+    if (FSettings.WorkSeconds <= 0)
+        FSettings.WorkSeconds = TWorkerSettings().WorkSeconds;
+    if (FSettings.WorkMemory <= 0)
+        FSettings.WorkMemory = DefaultMemory(FSettings.Count);
+}
+
+TWorkers::~TWorkers() = default;
+
+qint64 TWorkers::Now() const {
+    return FHost.Clock.Steady();
+}
+
+void TWorkers::SetLists(TPDFActionManager& lists) {
+    if (FLists == &lists)
+        return;
+    FLists = &lists;
+    FXml = XmlOf(lists);
+    ++FVersion;
+}
+
+bool TWorkers::HasScript(const TPDFActionList* list) {
+    if (list == nullptr)
+        return false;
+    for (int i = 0; i < list->FActions->Count(); ++i)
+        if (qobject_cast<const TPDFActionJavaScript*>((*list->FActions)[i]) != nullptr)
+            return true;
+    return false;
+}
+
+bool TWorkers::HasRoom(const TPDFActionList* list) {
+    if (!FLost.empty() || FAlone != nullptr)
+        return false;
+    const bool scripts = HasScript(list);
+    const auto busy = std::count_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
+        return worker->Job != nullptr && worker->Scripts == scripts;
+    });
+    return busy < (scripts ? 1 : FSettings.Count);
+}
+
+TWorkers::TWorker& TWorkers::Idle(bool scripts) {
+    const auto found = std::find_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
+        return !worker->Ended() && worker->Job == nullptr && worker->Scripts == scripts;
+    });
+    if (found != FWorkers.end())
+        return **found;
+    auto worker = std::make_unique<TWorker>();
+    worker->Process = std::make_unique<TWorkerProcess>(FProgram);
+    worker->Scripts = scripts;
+    return *FWorkers.emplace_back(std::move(worker));
+}
+
+int TWorkers::SecondsFor(const TJob& job) const {
+    return job.Work.Policy.WorkSeconds > 0 ? job.Work.Policy.WorkSeconds : FSettings.WorkSeconds;
+}
+
+void TWorkers::Begin(TJob& job) {
+    try {
+        TWorker& worker = Idle(HasScript(job.List));
+        worker.Job = &job;
+        const TPDFFolderPolicy& policy = job.Work.Policy;
+        worker.Limit = Now() + qint64(SecondsFor(job)) * 1000;
+        TChannel& channel = *worker.Process->Channel();
+        bool sent = true;
+        if (worker.Version != FVersion)
+            sent = channel.Send(TextMessage(TMessageKind::Lists, FXml));
+        worker.Version = FVersion;
+        QCborMap order = NewMessage(TMessageKind::Work);
+        Put(order, job.Work);
+        order[QLatin1String("memory")] = policy.WorkMemory > 0 ? policy.WorkMemory : FSettings.WorkMemory;
+        if (!sent || !channel.Send(order, job.Work.Descriptor))
+            End(worker, TEnding::Died);
+    } catch (const EFileError& e) {
+        job.Outcome = NoWorker(e.Message(), e.Error());
+    }
+    TellWorkers();
+}
+
+void TWorkers::WaitForNews() {
+    RetryLost();
+    std::vector<pollfd> waited;
+    std::vector<TWorker*> waiting;
+    for (const auto& worker : FWorkers)
+        if (!worker->Ended()) {
+            waited.push_back({worker->Process->Channel()->Descriptor(), POLLIN, 0});
+            waiting.push_back(worker.get());
+        }
+    if (!FStopTold)
+        waited.push_back({StopSignal().Descriptor(), POLLIN, 0});
+    const auto isOver = [](const auto& worker) { return worker->Job != nullptr && worker->Job->Outcome; };
+    if (std::none_of(FWorkers.begin(), FWorkers.end(), isOver))
+        (void)::poll(waited.data(), waited.size(), MillisecondsToWait());
+    if (FTerminated())
+        TellStop();
+    for (size_t i = 0; i < waiting.size(); ++i)
+        if (waited[i].revents != 0)
+            Hear(*waiting[i]);
+    EndOverdue();
+    ForgetEnded();
+    TellWorkers();
+}
+
+int TWorkers::MillisecondsToWait() const {
+    qint64 until = Now() + LongestWait;
+    for (const auto& worker : FWorkers)
+        if (worker->Job != nullptr)
+            until = std::min(until, worker->Limit);
+    if (FStopTold)
+        until = std::min(until, FStopLimit);
+    return int(std::max<qint64>(until - Now(), 0));
+}
+
+void TWorkers::TellStop() {
+    if (std::exchange(FStopTold, true))
+        return;
+    FStopLimit = Now() + StopTakes;
+    for (const auto& worker : FWorkers)
+        if (worker->Job != nullptr)
+            (void)worker->Process->Channel()->Send(NewMessage(TMessageKind::Stop));
+    for (TJob* const job : std::exchange(FLost, {}))
+        job->Outcome =
+            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+}
+
+void TWorkers::EndOverdue() {
+    const qint64 now = Now();
+    for (const auto& worker : FWorkers) {
+        if (worker->Answered && worker->Answered->load()) {
+            worker->Answered.reset();
+            worker->Limit = now + worker->Left;
+        }
+        if (worker->Job == nullptr)
+            continue;
+        if (FStopTold && now >= FStopLimit)
+            End(*worker, TEnding::Stopped);
+        else if (now >= worker->Limit)
+            End(*worker, TEnding::TimedOut);
+    }
+}
+
+void TWorkers::Hear(TWorker& worker) {
+    const std::shared_ptr<TChannel> channel = worker.Process->Channel();
+    const bool more = channel->Fill();
+    while (std::optional<TChannelMessage> message = channel->Next())
+        Handle(worker, *message);
+    if (!more && !worker.Ended())
+        End(worker, TEnding::Died);
+}
+
+void TWorkers::Handle(TWorker& worker, const TChannelMessage& message) {
+    const string text = message.Body.value(QLatin1String("text")).toString();
+    const TMessageKind kind = KindOf(message.Body);
+    if (kind == TMessageKind::Ready)
+        worker.Ready = true;
+    if (worker.Job == nullptr)
+        return;
+    switch (kind) {
+    case TMessageKind::Log:
+        worker.Job->Log(text);
+        break;
+    case TMessageKind::Hint:
+        worker.Job->Hint(text);
+        break;
+    case TMessageKind::Open:
+        SendResultFile(worker);
+        break;
+    case TMessageKind::Box:
+    case TMessageKind::Password:
+        AskUser(worker, message.Body);
+        break;
+    case TMessageKind::Done:
+        TakeOutcome(worker, OutcomeOf(message.Body));
+        break;
+    default:
+        break;
+    }
+}
+
+void TWorkers::TakeOutcome(TWorker& worker, TOutcome outcome) {
+    TJob& job = *worker.Job;
+    if (outcome.Written && job.Result == nullptr)
+        outcome = OutcomeWith(TOutcomeState::Failed, TReasonCode::Other,
+                              QStringLiteral("The worker wrote nowhere"));
+    if (outcome.Written)
+        job.Result->SetFlushed();
+    // What met its limit may have left anything behind.
+    const bool spent = outcome.State == TOutcomeState::Failed && !outcome.Reasons.isEmpty() &&
+                       outcome.Reasons.first().Code == TReasonCode::WorkerMemory;
+    job.Outcome = std::move(outcome);
+    Release(worker);
+    if (spent)
+        worker.Process.reset();
+}
+
+void TWorkers::Release(TWorker& worker) {
+    if (FAlone == worker.Job)
+        FAlone = nullptr;
+    worker.Job = nullptr;
+    worker.Limit = Never;
+    worker.IdleSince = Now();
+}
+
+void TWorkers::SendResultFile(TWorker& worker) {
+    TChannel& channel = *worker.Process->Channel();
+    if (worker.Job->Result != nullptr)
+        return; // one is all that there is
+    try {
+        (void)channel.Send(NewMessage(TMessageKind::Result), worker.Job->OpenResult().Descriptor());
+    } catch (const EFileError& e) {
+        QCborMap refusal = TextMessage(TMessageKind::Result, e.Message());
+        refusal[QLatin1String("error")] = e.Error();
+        (void)channel.Send(refusal);
+    }
+}
+
+/// On a thread of its own, which waits for as long as the user does, while other files are worked on.
+void TWorkers::AskUser(TWorker& worker, const QCborMap& question) {
+    if (worker.Answered)
+        return; // one at a time
+    worker.Left = worker.Limit - Now();
+    worker.Limit = Never;
+    worker.Answered = std::make_shared<std::atomic<bool>>(false);
+    worker.Question = std::async(
+        std::launch::async, [question, channel = worker.Process->Channel(), answered = worker.Answered] {
+            QCborMap answer = NewMessage(TMessageKind::Answer);
+            const string text = question.value(QLatin1String("text")).toString();
+            if (KindOf(question) == TMessageKind::Password) {
+                if (const std::optional<string> typed = PasswordPrompt().Ask(text))
+                    answer[QLatin1String("text")] = *typed;
+            } else {
+                answer[QLatin1String("answer")] =
+                    MessageBoxHost().Show(text, question.value(QLatin1String("caption")).toString(),
+                                          int(question.value(QLatin1String("flags")).toInteger()));
+            }
+            (void)channel->Send(answer);
+            answered->store(true);
+        });
+}
+
+void TWorkers::End(TWorker& worker, TEnding ending) {
+    const int status = worker.Process->End();
+    const bool began = worker.Ready;
+    worker.Process.reset();
+    if (worker.Job == nullptr)
+        return;
+    TJob& job = *worker.Job;
+    Release(worker);
+    switch (ending) {
+    case TEnding::Stopped:
+        job.Outcome =
+            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+        break;
+    case TEnding::TimedOut:
+        job.Outcome = OutcomeWith(TOutcomeState::Failed, TReasonCode::WorkerTimedOut,
+                                  QStringLiteral("The work on \"%1\" took longer than %2 s")
+                                      .arg(job.Work.Source)
+                                      .arg(SecondsFor(job)));
+        break;
+    case TEnding::Died:
+        NoteDeath(job, status, began);
+        break;
+    }
+}
+
+void TWorkers::NoteDeath(TJob& job, int status, bool began) {
+    if (FTerminated()) {
+        job.Outcome =
+            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+        return;
+    }
+    const bool killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+    if (killed && !job.Lost) { // by somebody else, or for want of memory: once more, alone
+        job.Lost = true;
+        job.BeginAnew();
+        FLost.push_back(&job);
+        return;
+    }
+    const string how = WIFSIGNALED(status) ? QStringLiteral("signal %1 (%2)")
+                                                 .arg(WTERMSIG(status))
+                                                 .arg(QString::fromLocal8Bit(::strsignal(WTERMSIG(status))))
+                                           : QStringLiteral("exit code %1").arg(WEXITSTATUS(status));
+    if (!began) {
+        job.Outcome = NoWorker(QStringLiteral("A worker ended before it began, by %1").arg(how), ECHILD);
+        return;
+    }
+    job.Outcome = OutcomeWith(
+        TOutcomeState::Failed, TReasonCode::WorkerCrashed,
+        QStringLiteral("The worker ended by %1 while it worked on \"%2\"").arg(how, job.Work.Source));
+}
+
+void TWorkers::RetryLost() {
+    const bool busy = std::any_of(FWorkers.begin(), FWorkers.end(),
+                                  [](const auto& worker) { return worker->Job != nullptr; });
+    if (FLost.empty() || busy)
+        return;
+    FAlone = FLost.front();
+    FLost.pop_front();
+    Begin(*FAlone);
+    if (FAlone != nullptr && FAlone->Outcome)
+        FAlone = nullptr;
+}
+
+void TWorkers::Rest() {
+    for (const auto& worker : FWorkers)
+        if (!worker->Ended() && worker->Job == nullptr && Now() - worker->IdleSince >= RestsAfter)
+            worker->Process.reset();
+    ForgetEnded();
+    TellWorkers();
+}
+
+/// But for those whose question is still before a user.
+void TWorkers::ForgetEnded() {
+    std::erase_if(FWorkers, [](const auto& worker) {
+        return worker->Ended() && (!worker->Answered || worker->Answered->load());
+    });
+}
+
+void TWorkers::TellWorkers() {
+    std::vector<TWorkerState> states;
+    for (const auto& worker : FWorkers)
+        if (!worker->Ended())
+            states.push_back({worker->Process->Process(), worker->Scripts,
+                              worker->Job != nullptr ? worker->Job->Work.Source : string()});
+    FHost.Status.SetWorkers(std::move(states));
+}

@@ -1,0 +1,72 @@
+#pragma once
+// The workers: processes that work on files for the agent, so that all processors work, and a file that
+// crashes, hangs or eats memory harms itself alone.
+//
+// Files of lists without scripts go to any worker. What scripts keep between files is kept, so all files of
+// lists with a script go to one worker of their own, in order.
+#include "agent/RunHost.h"
+#include "agent/WorkPlace.h"
+#include "platform/Descriptor.h"
+#include "work/Channel.h"
+
+#include <deque>
+
+class TWorkerProcess;
+
+struct TWorkerSettings {
+    int Count = 0;         ///< of workers for lists without scripts; 0: the agent works itself
+    int WorkSeconds = 600; ///< for one file, where its folder doesn't say
+    int WorkMemory = 0;    ///< in MB, likewise; 0: half of the machine's, divided by the workers
+    string Program = {};   ///< path
+};
+
+class TWorkers : public TWorkPlace {
+public:
+    /// Starts none yet. Raises Exception where the program can't be opened.
+    TWorkers(const TWorkerSettings& settings, const TRunHost& host, const std::function<bool()>& terminated);
+    ~TWorkers() override;
+
+    [[nodiscard]] bool IsParallel() const override { return true; }
+    void SetLists(TPDFActionManager& lists) override;
+    [[nodiscard]] bool HasRoom(const TPDFActionList* list) override;
+    void Begin(TJob& job) override;
+    void WaitForNews() override;
+    /// Lets go of workers that have had nothing to do for a minute.
+    void Rest() override;
+
+private:
+    struct TWorker;
+    enum class TEnding { Died, TimedOut, Stopped };
+
+    [[nodiscard]] static bool HasScript(const TPDFActionList* list);
+    [[nodiscard]] TWorker& Idle(bool scripts);
+    [[nodiscard]] int SecondsFor(const TJob& job) const;
+    [[nodiscard]] int MillisecondsToWait() const;
+    void TellStop();
+    void EndOverdue();
+    void Hear(TWorker& worker);
+    void Handle(TWorker& worker, const TChannelMessage& message);
+    void SendResultFile(TWorker& worker);
+    void AskUser(TWorker& worker, const QCborMap& question);
+    void TakeOutcome(TWorker& worker, TOutcome outcome);
+    void Release(TWorker& worker);
+    void End(TWorker& worker, TEnding ending);
+    void NoteDeath(TJob& job, int status, bool began);
+    void RetryLost();
+    void ForgetEnded();
+    void TellWorkers();
+    [[nodiscard]] qint64 Now() const;
+
+    TWorkerSettings FSettings;
+    TRunHost FHost;
+    const std::function<bool()>& FTerminated;
+    TDescriptor FProgram; // of this start's version, whatever lies under its name later
+    TPDFActionManager* FLists = nullptr;
+    string FXml;      // of the lists
+    int FVersion = 0; // of the lists
+    std::vector<std::unique_ptr<TWorker>> FWorkers;
+    std::deque<TJob*> FLost; // whose worker somebody else killed: once more, alone
+    TJob* FAlone = nullptr;  // the one of them that is at work
+    bool FStopTold = false;
+    qint64 FStopLimit = 0;
+};

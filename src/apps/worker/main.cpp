@@ -1,0 +1,32 @@
+// morvane-worker: works on files for the agent that started it.
+#include "actions/ActionClasses.h"
+#include "base/Journal.h"
+#include "base/Module.h"
+#include "platform/Signals.h"
+#include "work/Worker.h"
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/prctl.h>
+
+int main(int argc, char** argv) {
+    if (::fcntl(WorkerSocket, F_SETFD, FD_CLOEXEC) != 0) {
+        JournalLine(QStringLiteral("morvane-worker is started by morvane-agent."));
+        return EXIT_FAILURE;
+    }
+    // The agent tells when to end; what a terminal or a service manager sends to all is for it.
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})
+        ::signal(number, SIG_IGN);
+    (void)::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    (void)::prctl(PR_SET_NAME, "morvane-worker"); // it was started by the number of an open file
+    IgnoreDisruptiveSignals();
+    HoldModules();
+    const QCoreApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
+    RegisterActionClasses();
+    return RunWorker(TDescriptor(WorkerSocket));
+}

@@ -1,0 +1,46 @@
+#pragma once
+// Messages between the agent and one of its workers: CBOR maps (RFC 8949), each behind its length, over a
+// socket pair. A message may hand a descriptor over.
+#include "platform/Descriptor.h"
+
+#include <QCborMap>
+
+#include <deque>
+#include <mutex>
+#include <optional>
+
+struct TChannelMessage {
+    QCborMap Body;
+    TDescriptor File;
+};
+
+class TChannel {
+public:
+    explicit TChannel(TDescriptor socket) : FSocket(std::move(socket)) {}
+    /// Two that are connected with each other; neither is inherited. Raises EFileError.
+    static void MakePair(TDescriptor& one, TDescriptor& other);
+
+    [[nodiscard]] int Descriptor() const { return FSocket.Number(); }
+    /// Any thread may call it. False where the other end has gone, or takes nothing for some seconds. The
+    /// descriptor stays the caller's.
+    [[nodiscard]] bool Send(const QCborMap& body, int file = -1);
+    /// Sends it with the next message: two that belong together wake the other end once. From Send()'s
+    /// thread.
+    void SendLater(const QCborMap& body);
+    /// Takes what has arrived, without waiting. False where the other end has gone or what it sent is no
+    /// message; what had arrived whole before is there still.
+    [[nodiscard]] bool Fill();
+    /// The next message that has arrived whole.
+    [[nodiscard]] std::optional<TChannelMessage> Next();
+    /// Waits until there is something to Fill() with. For a thread that does nothing else.
+    void WaitForMore() const;
+
+private:
+    [[nodiscard]] bool IsSound() const;
+
+    TDescriptor FSocket;
+    std::mutex FSending;
+    QByteArray FLater;
+    QByteArray FArrived;
+    std::deque<TDescriptor> FFiles;
+};

@@ -1,0 +1,44 @@
+#pragma once
+// What the agent and a worker say to each other (work/Channel.h carries it). Each message names its kind
+// under "kind".
+//
+// To the worker:   Lists  {text}                the action lists from now on
+//                  Work   {work..., memory}     with the source's descriptor
+//                  Result {} or {error, text}   with the descriptor that OpenResult asked for, or why not
+//                  Answer {answer} or {text}    what a user answered
+//                  Stop   {}
+// To the agent:    Ready  {text}                its version
+//                  Log, Hint {text}
+//                  Open   {}                    asks for a file for the result
+//                  Box    {text, caption, flags}, Password {text}: ask the user
+//                  Done   {outcome...}
+#include "work/FileWork.h"
+
+#include <QCborMap>
+
+enum class TMessageKind {
+    Unknown,
+    Lists,
+    Work,
+    Result,
+    Answer,
+    Stop,
+    Ready,
+    Log,
+    Hint,
+    Open,
+    Box,
+    Password,
+    Done
+};
+
+[[nodiscard]] QCborMap NewMessage(TMessageKind kind);
+[[nodiscard]] QCborMap TextMessage(TMessageKind kind, const string& text);
+[[nodiscard]] TMessageKind KindOf(const QCborMap& message);
+
+/// All but the descriptor.
+void Put(QCborMap& message, const TFileWork& work);
+[[nodiscard]] TFileWork WorkOf(const QCborMap& message);
+void Put(QCborMap& message, const TOutcome& outcome);
+/// What no worker of ours sends comes back as a failure.
+[[nodiscard]] TOutcome OutcomeOf(const QCborMap& message);

@@ -1,0 +1,186 @@
+#include "work/Worker.h"
+
+#include "actions/ActionManager.h"
+#include "base/Exceptions.h"
+#include "base/Interrupt.h"
+#include "base/Journal.h"
+#include "base/Version.h"
+#include "platform/MessageBox.h"
+#include "platform/StopSignal.h"
+#include "platform/WorkerThread.h"
+#include "scripting/AskForPassword.h"
+#include "work/Channel.h"
+#include "work/Protocol.h"
+#include "xml/Xmlserial.h"
+
+#include <QBuffer>
+
+#include <condition_variable>
+#include <cstdlib>
+#include <sys/resource.h>
+#include <thread>
+
+namespace {
+
+/// The messages of the agent. They are read on a thread of their own, so that a stop reaches work that goes
+/// on, and the agent's death ends it.
+class TOrders {
+public:
+    explicit TOrders(TChannel& channel) : FChannel(channel), FReader([this] { Read(); }) { FReader.detach(); }
+    TOrders(const TOrders&) = delete;
+    TOrders& operator=(const TOrders&) = delete;
+
+    [[nodiscard]] TChannelMessage Take() {
+        std::unique_lock lock(FLock);
+        FArrived.wait(lock, [this] { return !FMessages.empty(); });
+        TChannelMessage message = std::move(FMessages.front());
+        FMessages.pop_front();
+        return message;
+    }
+
+private:
+    [[noreturn]] void Read() {
+        DescribeThisThread("orders", TThreadPriority::Normal);
+        while (FChannel.Fill()) {
+            while (std::optional<TChannelMessage> message = FChannel.Next()) {
+                if (KindOf(message->Body) == TMessageKind::Stop) {
+                    StopSignal().Raise();
+                    continue;
+                }
+                const std::lock_guard guard(FLock);
+                FMessages.push_back(std::move(*message));
+                FArrived.notify_one();
+            }
+            FChannel.WaitForMore();
+        }
+        // The agent has no more use for this process, or is dead; what is half done is nobody's.
+        std::_Exit(EXIT_SUCCESS);
+    }
+
+    TChannel& FChannel;
+    std::mutex FLock;
+    std::condition_variable FArrived;
+    std::deque<TChannelMessage> FMessages;
+    std::thread FReader; // to the end of the process
+};
+
+class TWorker : public TWorkHost, public TMessageBoxHost, public TPasswordPrompt {
+public:
+    explicit TWorker(TDescriptor socket) : FChannel(std::move(socket)), FOrders(FChannel) {
+        SetInterruptTest([] { return StopSignal().IsOverdue(); });
+        SetMessageBoxHost(this);
+        SetPasswordPrompt(this);
+    }
+
+    [[noreturn]] void Run() {
+        QCborMap ready = TextMessage(TMessageKind::Ready, ProgramVersion());
+        Tell(ready);
+        for (;;) {
+            TChannelMessage order = FOrders.Take();
+            switch (KindOf(order.Body)) {
+            case TMessageKind::Lists:
+                TakeLists(order.Body.value(QLatin1String("text")).toString());
+                break;
+            case TMessageKind::Work:
+                WorkOn(order);
+                break;
+            default:
+                break; // an answer to a question that nobody asks any more
+            }
+        }
+    }
+
+    // Each is followed by a message that can't wait.
+    void Log(const string& line) override { FChannel.SendLater(TextMessage(TMessageKind::Log, line)); }
+    void Hint(const string& text) override { FChannel.SendLater(TextMessage(TMessageKind::Hint, text)); }
+    [[nodiscard]] bool Terminated() override { return StopSignal().Raised(); }
+
+    [[nodiscard]] TOutputFile& OpenResult() override {
+        Tell(NewMessage(TMessageKind::Open));
+        TChannelMessage reply = Await(TMessageKind::Result);
+        if (!reply.File)
+            throw EFileError(reply.Body.value(QLatin1String("text")).toString(),
+                             int(reply.Body.value(QLatin1String("error")).toInteger()));
+        FResultFile = std::move(reply.File);
+        FResult = std::make_unique<TOutputFile>(FResultFile.Number(), FWork.Dest);
+        return *FResult;
+    }
+
+    int Show(const string& text, const string& caption, int flags) override {
+        QCborMap question = TextMessage(TMessageKind::Box, text);
+        question[QLatin1String("caption")] = caption;
+        question[QLatin1String("flags")] = flags;
+        Tell(question);
+        return int(Await(TMessageKind::Answer)
+                       .Body.value(QLatin1String("answer"))
+                       .toInteger(AnswerAsIfClosed(flags)));
+    }
+
+    [[nodiscard]] std::optional<string> Ask(const string& message) override {
+        Tell(TextMessage(TMessageKind::Password, message));
+        const QCborValue typed = Await(TMessageKind::Answer).Body.value(QLatin1String("text"));
+        return typed.isString() ? std::optional(typed.toString()) : std::nullopt;
+    }
+
+private:
+    void Tell(const QCborMap& message) {
+        if (!FChannel.Send(message))
+            std::_Exit(EXIT_FAILURE); // nobody is there to tell
+    }
+
+    [[nodiscard]] TChannelMessage Await(TMessageKind kind) {
+        for (;;)
+            if (TChannelMessage order = FOrders.Take(); KindOf(order.Body) == kind)
+                return order;
+    }
+
+    void TakeLists(const string& xml) {
+        QByteArray bytes = Narrow(xml);
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        FLists.Clear();
+        XMLDeserialize(FLists, buffer, QString());
+    }
+
+    void WorkOn(TChannelMessage& order) {
+        FWork = WorkOf(order.Body);
+        FWork.Descriptor = order.File.Number();
+        LimitMemory(order.Body.value(QLatin1String("memory")).toInteger());
+        const Integer index = FLists.IndexOf(FWork.ActionName);
+        const TOutcome outcome = WorkOnFile(FWork, index < 0 ? nullptr : FLists[index].FActions, *this);
+        FResult.reset();
+        FResultFile = {};
+        QCborMap done = NewMessage(TMessageKind::Done);
+        Put(done, outcome);
+        Tell(done);
+    }
+
+    /// What the process may have as data, in MB; the soft limit, so that the next file may have more.
+    static void LimitMemory(qint64 megabytes) {
+        rlimit limit{};
+        if (megabytes <= 0 || ::getrlimit(RLIMIT_DATA, &limit) != 0)
+            return;
+        limit.rlim_cur = std::min(rlim_t(megabytes) << 20, limit.rlim_max);
+        (void)::setrlimit(RLIMIT_DATA, &limit);
+    }
+
+    TChannel FChannel;
+    TOrders FOrders;
+    TPDFActionManager FLists;
+    TFileWork FWork;
+    TDescriptor FResultFile;
+    std::unique_ptr<TOutputFile> FResult;
+};
+
+} // namespace
+
+int RunWorker(TDescriptor socket) {
+    try {
+        // Never freed: the thread of the orders works with it to the end of the process.
+        auto* const worker = new TWorker(std::move(socket)); // NOLINT(cppcoreguidelines-owning-memory)
+        worker->Run();
+    } catch (const std::exception& e) {
+        JournalLine(QStringLiteral("A worker ends: %1").arg(MessageOf(e)));
+        return EXIT_FAILURE;
+    }
+}

@@ -1,0 +1,10 @@
+#pragma once
+// A worker process: it has one end of a channel, works on the files that come through it, one after the
+// other, and ends with the agent.
+#include "platform/Descriptor.h"
+
+/// Where the agent puts the worker's end of the channel.
+inline constexpr int WorkerSocket = 3;
+
+/// Works until the agent wants no more; returns the process's exit code. The action classes are registered.
+int RunWorker(TDescriptor socket);
