@@ -1,6 +1,7 @@
 #include "agent/WorkerProcess.h"
 
 #include "base/Exceptions.h"
+#include "base/Module.h"
 #include "work/Worker.h"
 
 #include <cerrno>
@@ -25,7 +26,14 @@ struct TStart {
         ::posix_spawnattr_setsigmask(&Attributes, &none);
         ::posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
         ::posix_spawn_file_actions_addopen(&Files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        ::posix_spawn_file_actions_adddup2(&Files, socket, WorkerSocket);
+        // By way of numbers that nothing is moved to: one may stand where another is to come.
+        const QList<int> modules = HeldModules();
+        Move(socket, WorkerSocket);
+        for (int i = 0; i < ModuleCount; ++i)
+            if (modules.at(i) >= 0)
+                Move(modules.at(i), WorkerModules + i);
+        for (const auto& [from, to] : Moves)
+            ::posix_spawn_file_actions_adddup2(&Files, from.Number(), to);
     }
     ~TStart() {
         ::posix_spawn_file_actions_destroy(&Files);
@@ -34,6 +42,11 @@ struct TStart {
     TStart(const TStart&) = delete;
     TStart& operator=(const TStart&) = delete;
 
+    void Move(int from, int to) {
+        Moves.emplace_back(TDescriptor(::fcntl(from, F_DUPFD_CLOEXEC, WorkerModules + ModuleCount)), to);
+    }
+
+    std::vector<std::pair<TDescriptor, int>> Moves;
     posix_spawnattr_t Attributes{};
     posix_spawn_file_actions_t Files{};
 };
@@ -44,9 +57,6 @@ TWorkerProcess::TWorkerProcess(const TDescriptor& program) {
     TDescriptor ours;
     TDescriptor theirs;
     TChannel::MakePair(ours, theirs);
-    // Twice the same number would keep its mark to close on exec.
-    if (theirs.Number() == WorkerSocket)
-        theirs = TDescriptor(::fcntl(theirs.Number(), F_DUPFD_CLOEXEC, WorkerSocket + 1));
     const TStart start(theirs.Number());
     const QByteArray path = "/proc/self/fd/" + QByteArray::number(program.Number());
     char name[] = "morvane-worker";

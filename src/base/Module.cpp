@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr const char* Modules[ModuleCount] = {ScriptModule, PainterModule};
+
 string ModulePath(const char* module) {
     const string program = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
     return ExtractFilePath(program) + QStringLiteral("../lib/morvane/") + QLatin1String(module);
@@ -31,11 +33,27 @@ QByteArray PathToLoad(const char* module) {
 } // namespace
 
 void HoldModules() {
-    for (const char* module : {ScriptModule, PainterModule}) {
+    for (const char* module : Modules) {
+        if (Held().contains(module))
+            continue;
         const int descriptor = ::open(PathBytes(ModulePath(module)).constData(), O_RDONLY | O_CLOEXEC);
         if (descriptor >= 0)
             Held().insert(module, descriptor);
     }
+}
+
+QList<int> HeldModules() {
+    QList<int> held;
+    for (const char* module : Modules)
+        held.append(Held().value(module, -1));
+    return held;
+}
+
+void HoldModulesFrom(int first) {
+    for (int i = 0; i < ModuleCount; ++i)
+        if (::fcntl(first + i, F_SETFD, FD_CLOEXEC) == 0)
+            Held().insert(Modules[i], first + i);
+    HoldModules();
 }
 
 void* LoadModule(const char* module, const char* entry) {

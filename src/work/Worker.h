@@ -5,6 +5,8 @@
 
 /// Where the agent puts the worker's end of the channel.
 inline constexpr int WorkerSocket = 3;
+/// And, from here on, the modules that it holds (base/Module.h).
+inline constexpr int WorkerModules = 4;
 
 /// Works until the agent wants no more; returns the process's exit code. The action classes are registered.
 int RunWorker(TDescriptor socket);

@@ -123,6 +123,7 @@ TEST_F(Workers, AStopEndsThemAndLeavesTheirSources) {
 }
 
 TEST_F(Workers, ALongFolderKeepsNoShortOneWaiting) {
+    FSettings.Workers.Count = 1;
     for (const char* folder : {"long", "in"})
         QDir().mkpath(In(folder));
     WriteFolders(Folder(In("long"), "Rotate") + Folder(In("in"), "Rotate"));
@@ -134,7 +135,7 @@ TEST_F(Workers, ALongFolderKeepsNoShortOneWaiting) {
     Play();
     const QStringList hints = FHint.Hints().filter("Executing");
     EXPECT_EQ(hints.size(), 63);
-    EXPECT_EQ(hints.mid(0, 20).filter("/in/output/").size(), 3) << hints.mid(0, 20).join(u'\n').toStdString();
+    EXPECT_EQ(hints.mid(0, 6).filter("/in/output/").size(), 3) << hints.mid(0, 6).join(u'\n').toStdString();
     const QStringList lines = LogLines().filter("Saving");
     EXPECT_TRUE(lines.mid(60).join(u' ').count("/in/output/") == 3) << "the log keeps the folders' order";
 }

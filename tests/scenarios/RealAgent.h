@@ -32,6 +32,19 @@ public:
         FProcess.kill();
         FProcess.waitForFinished(60'000);
     }
+    /// The processes that work for it now.
+    [[nodiscard]] QList<pid_t> Workers() const {
+        QList<pid_t> workers;
+        const string children = QStringLiteral("/proc/%1/task").arg(FProcess.processId());
+        for (const string& thread : QDir(children).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            QFile file(children + u'/' + thread + QStringLiteral("/children"));
+            if (file.open(QIODevice::ReadOnly))
+                for (const QByteArray& child : file.readAll().simplified().split(' '))
+                    if (!child.isEmpty())
+                        workers.append(child.toInt());
+        }
+        return workers;
+    }
     QProcess FProcess;
 };
 

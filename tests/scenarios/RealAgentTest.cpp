@@ -5,6 +5,7 @@
 
 #include <QRandomGenerator>
 
+#include <csignal>
 #include <sys/resource.h>
 
 TEST(RealAgent, WorksAndStopsOnSigterm) {
@@ -73,14 +74,52 @@ TEST(RealAgent, KilledAtRandomInstants) {
             drops.Drop(QStringLiteral("%1.pdf").arg(i), 1 + i % 3);
         TRealAgent agent(workspace.Path("settings"));
         ASSERT_TRUE(Eventually([&] { return !workspace.Names("in/output").isEmpty(); }));
+        const QList<pid_t> workers = agent.Workers();
+        EXPECT_FALSE(workers.isEmpty());
         ::usleep(useconds_t(QRandomGenerator::global()->bounded(20'000)));
         agent.Kill();
+        for (const pid_t worker : workers)
+            EXPECT_TRUE(Eventually([&] { return ::kill(worker, 0) != 0; })) << "a worker outlives its agent";
         const TConservation found = drops.Look();
         EXPECT_EQ(found.Lost + found.SecondCopies + found.MoreCopies + found.BadResults, 0);
         inside += found.Left > 0 ? 1 : 0;
     }
     EXPECT_EQ(inside, Kills);
     std::printf("%d kills inside the work\n", inside);
+}
+
+TEST(RealAgent, ItsWorkersKilledAtRandomInstants) {
+    const int wanted = qEnvironmentVariableIntValue("MORVANE_KILLS");
+    const int kills = wanted > 0 ? wanted : 20;
+    const TConfiguredWorkspace workspace;
+    TDrops drops(workspace.Path("in"));
+    TRealAgent agent(workspace.Path("settings"));
+    int dropped = 0;
+    int killed = 0;
+    while (killed < kills) {
+        for (; workspace.Names("in").filter(".pdf").size() < 40; ++dropped)
+            drops.Drop(QStringLiteral("%1.pdf").arg(dropped), 1 + dropped % 3);
+        ::usleep(useconds_t(QRandomGenerator::global()->bounded(20'000)));
+        const QList<pid_t> workers = agent.Workers();
+        if (workers.isEmpty())
+            continue;
+        const pid_t worker = workers.at(QRandomGenerator::global()->bounded(int(workers.size())));
+        killed += ::kill(worker, SIGKILL) == 0 ? 1 : 0;
+    }
+    EXPECT_TRUE(Eventually([&] {
+        return workspace.Names("in").filter(".pdf").isEmpty() &&
+               workspace.Names("in/process").filter(".morvane").isEmpty();
+    }));
+    agent.FProcess.terminate();
+    EXPECT_TRUE(agent.FProcess.waitForFinished(60'000));
+    const TConservation found = drops.Look();
+    EXPECT_EQ(
+        found.Lost + found.SecondCopies + found.MoreCopies + found.BadResults + found.Left + found.Hidden, 0);
+    // A file whose worker was killed twice has had its two tries.
+    EXPECT_EQ(found.Results + workspace.Names("in/Error").size(), dropped);
+    EXPECT_LE(workspace.Names("in/Error").size(), killed / 2);
+    std::printf("%d files, %d kills of workers, %d files failed\n", dropped, killed,
+                int(workspace.Names("in/Error").size()));
 }
 
 /// Of two users, or of two configurations, over one folder: each source has one result, but for those whose

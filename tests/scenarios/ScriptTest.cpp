@@ -84,10 +84,12 @@ TEST(ScriptScenario, FailedScriptIsToldToTheJournalAndTheListGoesOn) {
 TEST(ScriptScenario, AnUpgradeHarmsNoRunningAgentAndMixesNoVersions) {
     const TScriptWorkspace workspace("true");
     const string program = workspace.Path("bin/morvane-agent");
+    const string worker = workspace.Path("bin/morvane-worker");
     const string module = workspace.Path("lib/morvane/morvane-script.so");
     workspace.Write("bin/.keep", {});
     workspace.Write("lib/morvane/.keep", {});
     ASSERT_TRUE(QFile::copy(MORVANE_AGENT, program));
+    ASSERT_TRUE(QFile::copy(QFileInfo(MORVANE_AGENT).path() + "/morvane-worker", worker));
     ASSERT_TRUE(QFile::copy(QFileInfo(MORVANE_AGENT).path() + "/../lib/morvane/morvane-script.so", module));
     QByteArray other = workspace.Read("lib/morvane/morvane-script.so");
     ASSERT_TRUE(other.contains(QByteArray(MORVANE_VERSION) + '\0'));
@@ -97,10 +99,13 @@ TEST(ScriptScenario, AnUpgradeHarmsNoRunningAgentAndMixesNoVersions) {
         ASSERT_TRUE(Eventually([&] { return workspace.Has("settings/morvane_watched_folders.lock"); }));
         workspace.Write("lib/morvane/new", other);
         ASSERT_EQ(std::rename(Narrow(workspace.Path("lib/morvane/new")), Narrow(module)), 0);
+        ASSERT_TRUE(QFile::remove(worker));
         MakePdf(workspace.Path("in/a.pdf"), 1);
         EXPECT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf"); }))
             << "with the former module";
+        EXPECT_TRUE(workspace.Has("in/output/a.pdf"));
     }
+    ASSERT_TRUE(QFile::copy(QFileInfo(MORVANE_AGENT).path() + "/morvane-worker", worker));
     TRealAgent agent(workspace.Path("settings"), TRealAgent::TDisplay::None, program);
     MakePdf(workspace.Path("in/b.pdf"), 1);
     EXPECT_TRUE(Eventually([&] { return workspace.Has("in/Error/b.pdf"); }));

@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
     (void)::prctl(PR_SET_PDEATHSIG, SIGKILL);
     (void)::prctl(PR_SET_NAME, "morvane-worker"); // it was started by the number of an open file
     IgnoreDisruptiveSignals();
-    HoldModules();
+    HoldModulesFrom(WorkerModules); // of the agent's version
     const QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
     RegisterActionClasses();
