@@ -226,8 +226,10 @@ QByteArray TAgentStatus::ToJson() const {
     json["folders"] = folders;
     QJsonArray workers;
     for (const TWorkerState& worker : FWorkers)
-        workers.append(
-            QJsonObject{{"pid", worker.Process}, {"scripts", worker.Scripts}, {"file", worker.File}});
+        workers.append(QJsonObject{{"pid", worker.Process},
+                                   {"scripts", worker.Scripts},
+                                   {"sandbox", worker.Sandbox},
+                                   {"file", worker.File}});
     json["workers"] = workers;
     return QJsonDocument(json).toJson(QJsonDocument::Compact);
 }

@@ -39,6 +39,7 @@ struct TFolderCounts {
 struct TWorkerState {
     qint64 Process = 0;   ///< its number
     bool Scripts = false; ///< works on the files of lists with scripts
+    string Sandbox;       ///< what holds it back, as "landlock, seccomp"; empty until it has begun
     string File;          ///< path, while it works on one
 };
 

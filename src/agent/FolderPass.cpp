@@ -148,14 +148,22 @@ private:
         }
     }
 
-    /// One more file of each open turn for which there is room. False where there was none.
+    /// One more file of each open turn for which there is room, beginning behind the one that gave a file
+    /// last. False where there was none.
     bool HandOut() {
         bool any = false;
-        for (const auto& turn : FTurns)
-            if (turn->Turn != nullptr) {
-                any = TakeUp(*turn) || any;
-                FinishJobs(*turn);
+        const size_t first = FGaveLast + 1;
+        for (size_t i = 0; i < FTurns.size(); ++i) {
+            const size_t at = (first + i) % FTurns.size();
+            TOpenTurn& turn = *FTurns[at];
+            if (turn.Turn == nullptr)
+                continue;
+            if (TakeUp(turn)) {
+                any = true;
+                FGaveLast = at;
             }
+            FinishJobs(turn);
+        }
         return any;
     }
 
@@ -267,6 +275,7 @@ private:
     std::deque<const TPDFWatchedFolder*> FDue;
     std::deque<const TPDFWatchedFolder*> FSuspects;
     std::deque<std::unique_ptr<TOpenTurn>> FTurns; // in the order of their blocks in the log
+    size_t FGaveLast = 0;                          // of them
     qint64 FLooked;
     bool FListed = false; // the folder that was listed last held files
 };

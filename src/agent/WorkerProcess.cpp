@@ -53,14 +53,15 @@ struct TStart {
 
 } // namespace
 
-TWorkerProcess::TWorkerProcess(const TDescriptor& program) {
+TWorkerProcess::TWorkerProcess(const TDescriptor& program, TReach reach) {
     TDescriptor ours;
     TDescriptor theirs;
     TChannel::MakePair(ours, theirs);
     const TStart start(theirs.Number());
     const QByteArray path = "/proc/self/fd/" + QByteArray::number(program.Number());
     char name[] = "morvane-worker";
-    char* const arguments[] = {name, nullptr};
+    QByteArray argument = QByteArray::number(int(reach));
+    char* const arguments[] = {name, argument.data(), nullptr};
     const int error =
         ::posix_spawn(&FProcess, path.constData(), &start.Files, &start.Attributes, arguments, environ);
     if (error != 0)

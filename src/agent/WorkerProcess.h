@@ -1,13 +1,15 @@
 #pragma once
 // One worker, as the agent sees it: a process of ours at the other end of a channel.
 #include "work/Channel.h"
+#include "work/Sandbox.h"
 
 #include <sys/types.h>
 
 class TWorkerProcess {
 public:
-    /// Starts `program`, an open file, under its name. Raises Exception where that can't be done.
-    explicit TWorkerProcess(const TDescriptor& program);
+    /// Starts `program`, an open file, with what that reach leaves it. Raises Exception where that can't be
+    /// done.
+    TWorkerProcess(const TDescriptor& program, TReach reach);
     /// Kills it if it hasn't ended.
     ~TWorkerProcess();
     TWorkerProcess(const TWorkerProcess&) = delete;

@@ -63,8 +63,9 @@ TOutcome NoWorker(const string& text, int error) {
 
 struct TWorkers::TWorker {
     std::unique_ptr<TWorkerProcess> Process;
-    bool Scripts = false; // works on lists with scripts
+    TReach Reach = TReach::Nothing;
     bool Ready = false;   // has said a word
+    string Sandbox = {};  // as it says itself
     int Version = 0;      // of the lists that it knows
     TJob* Job = nullptr;  // at work
     qint64 Limit = Never; // of the work, by the steady clock
@@ -99,37 +100,34 @@ void TWorkers::SetLists(TPDFActionManager& lists) {
         return;
     FLists = &lists;
     FXml = XmlOf(lists);
+    FReaches.clear();
     ++FVersion;
 }
 
-bool TWorkers::HasScript(const TPDFActionList* list) {
-    if (list == nullptr)
-        return false;
-    for (int i = 0; i < list->FActions->Count(); ++i)
-        if (qobject_cast<const TPDFActionJavaScript*>((*list->FActions)[i]) != nullptr)
-            return true;
-    return false;
+TReach TWorkers::ReachFor(const TPDFActionList* list) {
+    const auto known = FReaches.constFind(list);
+    return known != FReaches.constEnd() ? *known : *FReaches.insert(list, ReachOf(list));
 }
 
 bool TWorkers::HasRoom(const TPDFActionList* list) {
     if (!FLost.empty() || FAlone != nullptr)
         return false;
-    const bool scripts = HasScript(list);
+    const bool scripts = ReachFor(list) == TReach::Programs;
     const auto busy = std::count_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
-        return worker->Job != nullptr && worker->Scripts == scripts;
+        return worker->Job != nullptr && (worker->Reach == TReach::Programs) == scripts;
     });
     return busy < (scripts ? 1 : FSettings.Count);
 }
 
-TWorkers::TWorker& TWorkers::Idle(bool scripts) {
+TWorkers::TWorker& TWorkers::Idle(TReach reach) {
     const auto found = std::find_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
-        return !worker->Ended() && worker->Job == nullptr && worker->Scripts == scripts;
+        return !worker->Ended() && worker->Job == nullptr && worker->Reach == reach;
     });
     if (found != FWorkers.end())
         return **found;
     auto worker = std::make_unique<TWorker>();
-    worker->Process = std::make_unique<TWorkerProcess>(FProgram);
-    worker->Scripts = scripts;
+    worker->Process = std::make_unique<TWorkerProcess>(FProgram, reach);
+    worker->Reach = reach;
     return *FWorkers.emplace_back(std::move(worker));
 }
 
@@ -139,7 +137,7 @@ int TWorkers::SecondsFor(const TJob& job) const {
 
 void TWorkers::Begin(TJob& job) {
     try {
-        TWorker& worker = Idle(HasScript(job.List));
+        TWorker& worker = Idle(ReachFor(job.List));
         worker.Job = &job;
         const TPDFFolderPolicy& policy = job.Work.Policy;
         worker.Limit = Now() + qint64(SecondsFor(job)) * 1000;
@@ -233,8 +231,10 @@ void TWorkers::Hear(TWorker& worker) {
 void TWorkers::Handle(TWorker& worker, const TChannelMessage& message) {
     const string text = message.Body.value(QLatin1String("text")).toString();
     const TMessageKind kind = KindOf(message.Body);
-    if (kind == TMessageKind::Ready)
+    if (kind == TMessageKind::Ready) {
         worker.Ready = true;
+        worker.Sandbox = text;
+    }
     if (worker.Job == nullptr)
         return;
     switch (kind) {
@@ -402,7 +402,7 @@ void TWorkers::TellWorkers() {
     std::vector<TWorkerState> states;
     for (const auto& worker : FWorkers)
         if (!worker->Ended())
-            states.push_back({worker->Process->Process(), worker->Scripts,
+            states.push_back({worker->Process->Process(), worker->Reach == TReach::Programs, worker->Sandbox,
                               worker->Job != nullptr ? worker->Job->Work.Source : string()});
     FHost.Status.SetWorkers(std::move(states));
 }

@@ -8,6 +8,7 @@
 #include "agent/WorkPlace.h"
 #include "platform/Descriptor.h"
 #include "work/Channel.h"
+#include "work/Sandbox.h"
 
 #include <deque>
 
@@ -38,8 +39,8 @@ private:
     struct TWorker;
     enum class TEnding { Died, TimedOut, Stopped };
 
-    [[nodiscard]] static bool HasScript(const TPDFActionList* list);
-    [[nodiscard]] TWorker& Idle(bool scripts);
+    [[nodiscard]] TReach ReachFor(const TPDFActionList* list);
+    [[nodiscard]] TWorker& Idle(TReach reach);
     [[nodiscard]] int SecondsFor(const TJob& job) const;
     [[nodiscard]] int MillisecondsToWait() const;
     void TellStop();
@@ -64,6 +65,7 @@ private:
     TPDFActionManager* FLists = nullptr;
     string FXml;      // of the lists
     int FVersion = 0; // of the lists
+    QHash<const TPDFActionList*, TReach> FReaches;
     std::vector<std::unique_ptr<TWorker>> FWorkers;
     std::deque<TJob*> FLost; // whose worker somebody else killed: once more, alone
     TJob* FAlone = nullptr;  // the one of them that is at work

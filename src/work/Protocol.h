@@ -7,7 +7,7 @@
 //                  Result {} or {error, text}   with the descriptor that OpenResult asked for, or why not
 //                  Answer {answer} or {text}    what a user answered
 //                  Stop   {}
-// To the agent:    Ready  {text}                its version
+// To the agent:    Ready  {text}                the sandbox in force
 //                  Log, Hint {text}
 //                  Open   {}                    asks for a file for the result
 //                  Box    {text, caption, flags}, Password {text}: ask the user

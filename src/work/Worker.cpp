@@ -4,13 +4,13 @@
 #include "base/Exceptions.h"
 #include "base/Interrupt.h"
 #include "base/Journal.h"
-#include "base/Version.h"
 #include "platform/MessageBox.h"
 #include "platform/StopSignal.h"
 #include "platform/WorkerThread.h"
 #include "scripting/AskForPassword.h"
 #include "work/Channel.h"
 #include "work/Protocol.h"
+#include "work/Sandbox.h"
 #include "xml/Xmlserial.h"
 
 #include <QBuffer>
@@ -66,15 +66,15 @@ private:
 
 class TWorker : public TWorkHost, public TMessageBoxHost, public TPasswordPrompt {
 public:
-    explicit TWorker(TDescriptor socket) : FChannel(std::move(socket)), FOrders(FChannel) {
+    TWorker(TDescriptor socket, string sandbox)
+        : FSandbox(std::move(sandbox)), FChannel(std::move(socket)), FOrders(FChannel) {
         SetInterruptTest([] { return StopSignal().IsOverdue(); });
         SetMessageBoxHost(this);
         SetPasswordPrompt(this);
     }
 
     [[noreturn]] void Run() {
-        QCborMap ready = TextMessage(TMessageKind::Ready, ProgramVersion());
-        Tell(ready);
+        Tell(TextMessage(TMessageKind::Ready, FSandbox));
         for (;;) {
             TChannelMessage order = FOrders.Take();
             switch (KindOf(order.Body)) {
@@ -164,6 +164,7 @@ private:
         (void)::setrlimit(RLIMIT_DATA, &limit);
     }
 
+    string FSandbox;
     TChannel FChannel;
     TOrders FOrders;
     TPDFActionManager FLists;
@@ -174,10 +175,12 @@ private:
 
 } // namespace
 
-int RunWorker(TDescriptor socket) {
+int RunWorker(TDescriptor socket, const char* reach) {
     try {
+        const string sandbox = EnterSandbox(TReach(QByteArray(reach).toInt()));
         // Never freed: the thread of the orders works with it to the end of the process.
-        auto* const worker = new TWorker(std::move(socket)); // NOLINT(cppcoreguidelines-owning-memory)
+        auto* const worker =
+            new TWorker(std::move(socket), sandbox); // NOLINT(cppcoreguidelines-owning-memory)
         worker->Run();
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("A worker ends: %1").arg(MessageOf(e)));

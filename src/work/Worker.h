@@ -8,5 +8,6 @@ inline constexpr int WorkerSocket = 3;
 /// And, from here on, the modules that it holds (base/Module.h).
 inline constexpr int WorkerModules = 4;
 
-/// Works until the agent wants no more; returns the process's exit code. The action classes are registered.
-int RunWorker(TDescriptor socket);
+/// Works until the agent wants no more; returns the process's exit code. `reach`, a number of TReach, is what
+/// the process's one argument says. The action classes are registered, and there is no other thread yet.
+int RunWorker(TDescriptor socket, const char* reach);

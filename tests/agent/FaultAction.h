@@ -7,6 +7,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 class TPDFActionFault : public TPDFAction {
@@ -29,6 +32,18 @@ public:
             std::vector<std::unique_ptr<char[]>> held;
             for (;;)
                 held.push_back(std::make_unique<char[]>(1 << 20));
+        } else if (FKind == "write") {
+            Forbid("write elsewhere", ::open(FPath.toUtf8(), O_WRONLY | O_CREAT, 0600));
+        } else if (FKind == "empty") {
+            Forbid("empty a file", ::open(FPath.toUtf8(), O_RDONLY | O_TRUNC));
+        } else if (FKind == "read") {
+            Forbid("read a private file", ::open(FPath.toUtf8(), O_RDONLY));
+        } else if (FKind == "mode") {
+            Forbid("change a mode", ::chmod(FPath.toUtf8(), 0777));
+        } else if (FKind == "socket") {
+            Forbid("open a socket", ::socket(AF_INET, SOCK_STREAM, 0));
+        } else if (FKind == "program") {
+            Forbid("start a program", ::fork());
         } else if (FKind == "killed once" && !QFile::exists(FPath)) {
             QFile mark(FPath);
             (void)mark.open(QIODevice::WriteOnly);
@@ -37,4 +52,21 @@ public:
         }
         return 0;
     }
+
+private:
+    /// -1 is what a system call is to give.
+    static void Forbid(const char* what, int result) {
+        if (result == 0 && string(what) == "start a program")
+            std::_Exit(0); // the child
+        if (result != -1)
+            throw Exception(QStringLiteral("It could %1").arg(QLatin1String(what)));
+    }
+};
+
+/// The same in a worker that may reach files.
+class TPDFActionFileFault : public TPDFActionFault {
+    Q_OBJECT
+public:
+    Q_INVOKABLE TPDFActionFileFault() = default;
+    PUBLISHED(string, FileName, FFileName);
 };

@@ -15,5 +15,6 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     RegisterActionClasses();
     Reflection::RegisterClass(TPDFActionFault::staticMetaObject);
-    return RunWorker(TDescriptor(WorkerSocket));
+    Reflection::RegisterClass(TPDFActionFileFault::staticMetaObject);
+    return RunWorker(TDescriptor(WorkerSocket), argc > 1 ? argv[1] : "0");
 }

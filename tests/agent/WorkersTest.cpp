@@ -1,6 +1,8 @@
 // Files at work in other processes: the log and the folders look as if one did it all, and what a file does
 // to its worker it does to itself alone.
+#include "FaultAction.h"
 #include "agent/PlayedRun.h"
+#include "base/Reflection.h"
 #include "platform/MessageBox.h"
 
 namespace {
@@ -22,6 +24,7 @@ protected:
     Workers() {
         FSettings.Workers = {.Count = 3, .WorkSeconds = 60, .WorkMemory = 0, .Program = FAULTY_WORKER};
         FClock.SteadyRuns = true;
+        Reflection::RegisterClass(TPDFActionFileFault::staticMetaObject);
     }
     [[nodiscard]] string In(const char* name) const { return FWorkspace.Path(name); }
 };
@@ -94,10 +97,31 @@ INSTANTIATE_TEST_SUITE_P(
                     TFaultCase{"Time", "hang", "<WorkSeconds>1</WorkSeconds>", "The work on"}),
     [](const auto& param) { return param.param.Name; });
 
+TEST_F(Workers, MayDoNothingButTheirWork) {
+    FWorkspace.Write("private", "secret");
+    const char* const kinds[] = {"write", "empty", "read", "mode", "socket", "program"};
+    NarrowString lists;
+    NarrowString folders;
+    for (const string kind : kinds) {
+        const string path = FWorkspace.Path(kind == "write" ? "elsewhere" : "private");
+        MakePdf(FWorkspace.Write("in " + kind + "/a.pdf", {}), 1);
+        lists += List(kind, Fault(kind, path));
+        folders += Folder(FWorkspace.Path("in " + kind), kind);
+    }
+    WriteActions(lists);
+    WriteFolders(folders);
+    Play();
+    if (!FStatus.ToJson().contains("landlock, seccomp"))
+        GTEST_SKIP() << "the system has no such sandbox: " << FStatus.ToJson().constData();
+    EXPECT_EQ(Log().count("Saving"), 6) << Log().toStdString();
+    EXPECT_FALSE(FWorkspace.Has("elsewhere"));
+    EXPECT_EQ(FWorkspace.Read("private"), "secret");
+}
+
 TEST_F(Workers, AFileWhoseWorkerSomebodyKilledGetsOneMoreTry) {
     QDir().mkpath(In("in"));
     WriteFolders(Folder(In("in"), "Killed"));
-    WriteActions(List("Killed", Fault("killed once", In("mark"))));
+    WriteActions(List("Killed", Fault("killed once", In("mark")).replace("Fault\"", "FileFault\"")));
     Drop("a.pdf");
     Drop("b.pdf");
     Play();

@@ -28,5 +28,5 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
     RegisterActionClasses();
-    return RunWorker(TDescriptor(WorkerSocket));
+    return RunWorker(TDescriptor(WorkerSocket), argc > 1 ? argv[1] : "0");
 }
