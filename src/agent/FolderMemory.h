@@ -4,6 +4,7 @@
 #include "base/SourceFile.h"
 
 #include <QHash>
+#include <QSet>
 #include <QStringList>
 
 /// Grows from a second to a minute, doubling.
@@ -31,6 +32,7 @@ struct TWaitingFile {
 
 struct TFolderMemory {
     QHash<string, TWaitingFile> Waiting; ///< by name
+    QSet<string> Protected;              ///< by name, those that a password keeps here
     TPause Pause;                        ///< of the whole folder
     QStringList LastBlock;               ///< of the run log
     string Trouble;                      ///< why the folder can't be served, as told; empty while it can

@@ -106,6 +106,7 @@ void TFolderTurn::List(TRound round) {
         return;
     QStringList names = FInput.Host.Files.ReadyFiles(*FHome, TimeOfDay(), FQuiet);
     auto& waiting = FInput.Memory.Waiting;
+    FInput.Memory.Protected.removeIf([this](const string& name) { return !FHome->Holds(PathBytes(name)); });
     for (auto it = waiting.begin(); it != waiting.end();)
         it = FHome->Holds(PathBytes(it.key())) ? std::next(it) : waiting.erase(it);
     names.removeIf([this](const string& name) { return !IsDue(name); });
@@ -184,6 +185,7 @@ void TFolderTurn::Plan(TJob& job) const {
     job.Work.ActionName = FInput.Folder.Action;
     job.Work.Policy = FInput.Folder.Policy;
     job.List = FActions;
+    job.WasProtected = FInput.Memory.Protected.contains(job.Source->Name());
 }
 
 void TFolderTurn::Finish(TJob& job) {
@@ -209,8 +211,10 @@ void TFolderTurn::Finish(TJob& job) {
 
 void TFolderTurn::MeetTrouble(TJob& job) {
     const TOutcome& outcome = *job.Outcome;
-    if (outcome.Error == 0)
-        return; // nobody's fault, and told: a protected file
+    if (outcome.Error == 0) { // nobody's fault, and told
+        FInput.Memory.Protected.insert(job.Source->Name());
+        return;
+    }
     TWaitingFile& waiting = FInput.Memory.Waiting[job.Source->Name()];
     if (outcome.OfSource && outcome.Error == EIO && ++waiting.ReadFailures >= TooManyReadFailures)
         Fail(job, outcome.Reasons.first());

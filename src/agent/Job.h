@@ -38,6 +38,7 @@ public:
     TPDFActionList* List = nullptr;    ///< null: no list has that name
     std::unique_ptr<TPartFile> Result; ///< from OpenResult() on
     std::optional<TOutcome> Outcome;   ///< once the work is over, or where there is none to do
+    bool WasProtected = false;         ///< when it was looked at last: perhaps no result is wanted
     bool Lost = false;                 ///< its first worker was killed
     qint64 Begun = 0;                  ///< by the steady clock
 

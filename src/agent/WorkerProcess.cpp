@@ -15,7 +15,7 @@ namespace {
 
 /// What a new process begins with: signals as they come, and its end of the channel.
 struct TStart {
-    explicit TStart(int socket) {
+    TStart(int socket, int leash) {
         ::posix_spawnattr_init(&Attributes);
         ::posix_spawn_file_actions_init(&Files);
         sigset_t all;
@@ -29,6 +29,7 @@ struct TStart {
         // By way of numbers that nothing is moved to: one may stand where another is to come.
         const QList<int> modules = HeldModules();
         Move(socket, WorkerSocket);
+        Move(leash, WorkerLeash);
         for (int i = 0; i < ModuleCount; ++i)
             if (modules.at(i) >= 0)
                 Move(modules.at(i), WorkerModules + i);
@@ -42,9 +43,11 @@ struct TStart {
     TStart(const TStart&) = delete;
     TStart& operator=(const TStart&) = delete;
 
-    void Move(int from, int to) {
-        Moves.emplace_back(TDescriptor(::fcntl(from, F_DUPFD_CLOEXEC, WorkerModules + ModuleCount)), to);
+    /// The same open file under a number that nothing is moved to.
+    [[nodiscard]] static TDescriptor Apart(int file) {
+        return TDescriptor(::fcntl(file, F_DUPFD_CLOEXEC, WorkerModules + ModuleCount));
     }
+    void Move(int from, int to) { Moves.emplace_back(Apart(from), to); }
 
     std::vector<std::pair<TDescriptor, int>> Moves;
     posix_spawnattr_t Attributes{};
@@ -57,8 +60,14 @@ TWorkerProcess::TWorkerProcess(const TDescriptor& program, TReach reach) {
     TDescriptor ours;
     TDescriptor theirs;
     TChannel::MakePair(ours, theirs);
-    const TStart start(theirs.Number());
-    const QByteArray path = "/proc/self/fd/" + QByteArray::number(program.Number());
+    int leash[2];
+    if (::pipe2(leash, O_CLOEXEC) != 0)
+        throw EFileError(QStringLiteral("make"), QStringLiteral("pipe"), errno);
+    const TDescriptor held(leash[0]);
+    FLeash = TDescriptor(leash[1]);
+    const TStart start(theirs.Number(), held.Number());
+    const TDescriptor apart = TStart::Apart(program.Number());
+    const QByteArray path = "/proc/self/fd/" + QByteArray::number(apart.Number());
     char name[] = "morvane-worker";
     QByteArray argument = QByteArray::number(int(reach));
     char* const arguments[] = {name, argument.data(), nullptr};
@@ -71,6 +80,10 @@ TWorkerProcess::TWorkerProcess(const TDescriptor& program, TReach reach) {
 
 TWorkerProcess::~TWorkerProcess() {
     End();
+}
+
+void TWorkerProcess::Stop() const {
+    [[maybe_unused]] const ssize_t written = ::write(FLeash.Number(), "", 1);
 }
 
 int TWorkerProcess::End() {

@@ -18,11 +18,14 @@ public:
     /// May be held by whoever has something to send later.
     [[nodiscard]] const std::shared_ptr<TChannel>& Channel() const { return FChannel; }
     [[nodiscard]] pid_t Process() const { return FProcess; }
+    /// Tells it that its work is to stop.
+    void Stop() const;
     /// Ends it and waits for its end. The result is wait's status of a process that had ended by itself.
     int End();
 
 private:
     std::shared_ptr<TChannel> FChannel;
+    TDescriptor FLeash;
     pid_t FProcess = -1;
     int FStatus = 0;
 };

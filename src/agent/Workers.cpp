@@ -149,12 +149,28 @@ void TWorkers::Begin(TJob& job) {
         QCborMap order = NewMessage(TMessageKind::Work);
         Put(order, job.Work);
         order[QLatin1String("memory")] = policy.WorkMemory > 0 ? policy.WorkMemory : FSettings.WorkMemory;
-        if (!sent || !channel.Send(order, job.Work.Descriptor))
+        PrepareResult(job);
+        sent = sent &&
+               (job.Result != nullptr ? channel.Send(order, {job.Work.Descriptor, job.Result->Descriptor()})
+                                      : channel.Send(order, {job.Work.Descriptor}));
+        if (!sent)
             End(worker, TEnding::Died);
     } catch (const EFileError& e) {
         job.Outcome = NoWorker(e.Message(), e.Error());
     }
     TellWorkers();
+}
+
+/// Handed over with the work where one will be wanted: that saves asking for it. Where it can't be made, the
+/// worker, which asks, hears why.
+void TWorkers::PrepareResult(TJob& job) {
+    if (job.List == nullptr || job.WasProtected)
+        return;
+    try {
+        (void)job.OpenResult();
+    } catch (const EFileError&) {
+        job.Result.reset();
+    }
 }
 
 void TWorkers::WaitForNews() {
@@ -197,7 +213,7 @@ void TWorkers::TellStop() {
     FStopLimit = Now() + StopTakes;
     for (const auto& worker : FWorkers)
         if (worker->Job != nullptr)
-            (void)worker->Process->Channel()->Send(NewMessage(TMessageKind::Stop));
+            worker->Process->Stop();
     for (TJob* const job : std::exchange(FLost, {}))
         job->Outcome =
             OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
@@ -288,7 +304,7 @@ void TWorkers::SendResultFile(TWorker& worker) {
     if (worker.Job->Result != nullptr)
         return; // one is all that there is
     try {
-        (void)channel.Send(NewMessage(TMessageKind::Result), worker.Job->OpenResult().Descriptor());
+        (void)channel.Send(NewMessage(TMessageKind::Result), {worker.Job->OpenResult().Descriptor()});
     } catch (const EFileError& e) {
         QCborMap refusal = TextMessage(TMessageKind::Result, e.Message());
         refusal[QLatin1String("error")] = e.Error();

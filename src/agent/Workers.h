@@ -41,6 +41,7 @@ private:
 
     [[nodiscard]] TReach ReachFor(const TPDFActionList* list);
     [[nodiscard]] TWorker& Idle(TReach reach);
+    static void PrepareResult(TJob& job);
     [[nodiscard]] int SecondsFor(const TJob& job) const;
     [[nodiscard]] int MillisecondsToWait() const;
     void TellStop();

@@ -15,7 +15,8 @@ namespace {
 constexpr quint32 MostBytes = 256U << 20; // the lists of a configuration are the largest there is
 constexpr qsizetype LengthBytes = 4;
 constexpr timeval Patience{10, 0};
-constexpr char HasFile[] = "file";
+constexpr size_t MostFiles = 2;
+constexpr char FileCount[] = "files";
 
 QByteArray Framed(const QCborMap& body) {
     QByteArray bytes(LengthBytes, Qt::Uninitialized);
@@ -37,26 +38,26 @@ void TChannel::MakePair(TDescriptor& one, TDescriptor& other) {
         (void)::setsockopt(end, SOL_SOCKET, SO_SNDTIMEO, &Patience, sizeof Patience);
 }
 
-bool TChannel::Send(const QCborMap& body, int file) {
+bool TChannel::Send(const QCborMap& body, std::initializer_list<int> files) {
     QCborMap whole = body;
-    if (file >= 0)
-        whole[QLatin1String(HasFile)] = true;
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
+    if (files.size() > 0)
+        whole[QLatin1String(FileCount)] = int(files.size());
+    alignas(cmsghdr) char control[CMSG_SPACE(MostFiles * sizeof(int))] = {};
     msghdr header{};
-    if (file >= 0) {
+    if (const size_t bytes = files.size() * sizeof(int); bytes > 0) {
         header.msg_control = control;
-        header.msg_controllen = sizeof control;
+        header.msg_controllen = CMSG_SPACE(bytes);
         cmsghdr* const rights = CMSG_FIRSTHDR(&header);
         rights->cmsg_level = SOL_SOCKET;
         rights->cmsg_type = SCM_RIGHTS;
-        rights->cmsg_len = CMSG_LEN(sizeof(int));
-        std::memcpy(CMSG_DATA(rights), &file, sizeof file);
+        rights->cmsg_len = CMSG_LEN(bytes);
+        std::memcpy(CMSG_DATA(rights), files.begin(), bytes);
     }
     const std::lock_guard guard(FSending);
-    const QByteArray bytes = std::exchange(FLater, {}) + Framed(whole);
+    const QByteArray sending = std::exchange(FLater, {}) + Framed(whole);
     qsizetype sent = 0;
-    while (sent < bytes.size()) {
-        iovec part{const_cast<char*>(bytes.constData()) + sent, size_t(bytes.size() - sent)};
+    while (sent < sending.size()) {
+        iovec part{const_cast<char*>(sending.constData()) + sent, size_t(sending.size() - sent)};
         header.msg_iov = &part;
         header.msg_iovlen = 1;
         const ssize_t now = ::sendmsg(FSocket.Number(), &header, MSG_NOSIGNAL);
@@ -77,12 +78,10 @@ void TChannel::SendLater(const QCborMap& body) {
 }
 
 bool TChannel::Fill() {
-    constexpr qsizetype Portion = 64 << 10;
+    char portion[16 << 10];
     for (;;) {
-        const qsizetype had = FArrived.size();
-        FArrived.resize(had + Portion);
-        alignas(cmsghdr) char control[CMSG_SPACE(4 * sizeof(int))];
-        iovec part{FArrived.data() + had, size_t(Portion)};
+        alignas(cmsghdr) char control[CMSG_SPACE(2 * MostFiles * sizeof(int))];
+        iovec part{portion, sizeof portion};
         msghdr header{};
         header.msg_iov = &part;
         header.msg_iovlen = 1;
@@ -90,13 +89,13 @@ bool TChannel::Fill() {
         header.msg_controllen = sizeof control;
         const ssize_t got = ::recvmsg(FSocket.Number(), &header, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);
         const int error = errno;
-        FArrived.resize(had + qsizetype(std::max<ssize_t>(got, 0)));
         if (got < 0 && error == EINTR)
             continue;
         if (got < 0)
             return error == EAGAIN && IsSound();
         if (got == 0)
             return false;
+        FArrived.append(portion, got);
         for (cmsghdr* rights = CMSG_FIRSTHDR(&header); rights != nullptr;
              rights = CMSG_NXTHDR(&header, rights)) {
             if (rights->cmsg_level != SOL_SOCKET || rights->cmsg_type != SCM_RIGHTS)
@@ -110,6 +109,8 @@ bool TChannel::Fill() {
         }
         if (!IsSound())
             return false;
+        if (got < ssize_t(sizeof portion))
+            return true;
     }
 }
 
@@ -127,8 +128,9 @@ std::optional<TChannelMessage> TChannel::Next() {
     // What is no map becomes an empty one, which means nothing to anybody.
     message.Body = QCborValue::fromCbor(FArrived.mid(LengthBytes, length)).toMap();
     FArrived.remove(0, LengthBytes + length);
-    if (message.Body.value(QLatin1String(HasFile)).toBool() && !FFiles.empty()) {
-        message.File = std::move(FFiles.front());
+    qint64 files = message.Body.value(QLatin1String(FileCount)).toInteger();
+    for (; files > 0 && !FFiles.empty(); --files) {
+        message.Files.push_back(std::move(FFiles.front()));
         FFiles.pop_front();
     }
     return message;

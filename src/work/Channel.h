@@ -1,6 +1,6 @@
 #pragma once
 // Messages between the agent and one of its workers: CBOR maps (RFC 8949), each behind its length, over a
-// socket pair. A message may hand a descriptor over.
+// socket pair. A message may hand descriptors over.
 #include "platform/Descriptor.h"
 
 #include <QCborMap>
@@ -11,7 +11,7 @@
 
 struct TChannelMessage {
     QCborMap Body;
-    TDescriptor File;
+    std::vector<TDescriptor> Files;
 };
 
 class TChannel {
@@ -22,8 +22,8 @@ public:
 
     [[nodiscard]] int Descriptor() const { return FSocket.Number(); }
     /// Any thread may call it. False where the other end has gone, or takes nothing for some seconds. The
-    /// descriptor stays the caller's.
-    [[nodiscard]] bool Send(const QCborMap& body, int file = -1);
+    /// descriptors stay the caller's.
+    [[nodiscard]] bool Send(const QCborMap& body, std::initializer_list<int> files = {});
     /// Sends it with the next message: two that belong together wake the other end once. From Send()'s
     /// thread.
     void SendLater(const QCborMap& body);

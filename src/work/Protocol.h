@@ -3,10 +3,9 @@
 // under "kind".
 //
 // To the worker:   Lists  {text}                the action lists from now on
-//                  Work   {work..., memory}     with the source's descriptor
-//                  Result {} or {error, text}   with the descriptor that OpenResult asked for, or why not
+//                  Work   {work..., memory}     with descriptors: the source's, perhaps the result's
+//                  Result {} or {error, text}   with the result's, which was asked for, or why not
 //                  Answer {answer} or {text}    what a user answered
-//                  Stop   {}
 // To the agent:    Ready  {text}                the sandbox in force
 //                  Log, Hint {text}
 //                  Open   {}                    asks for a file for the result
@@ -16,21 +15,7 @@
 
 #include <QCborMap>
 
-enum class TMessageKind {
-    Unknown,
-    Lists,
-    Work,
-    Result,
-    Answer,
-    Stop,
-    Ready,
-    Log,
-    Hint,
-    Open,
-    Box,
-    Password,
-    Done
-};
+enum class TMessageKind { Unknown, Lists, Work, Result, Answer, Ready, Log, Hint, Open, Box, Password, Done };
 
 [[nodiscard]] QCborMap NewMessage(TMessageKind kind);
 [[nodiscard]] QCborMap TextMessage(TMessageKind kind, const string& text);

@@ -15,59 +15,29 @@
 
 #include <QBuffer>
 
-#include <condition_variable>
+#include <cerrno>
 #include <cstdlib>
 #include <sys/resource.h>
 #include <thread>
 
 namespace {
 
-/// The messages of the agent. They are read on a thread of their own, so that a stop reaches work that goes
-/// on, and the agent's death ends it.
-class TOrders {
-public:
-    explicit TOrders(TChannel& channel) : FChannel(channel), FReader([this] { Read(); }) { FReader.detach(); }
-    TOrders(const TOrders&) = delete;
-    TOrders& operator=(const TOrders&) = delete;
-
-    [[nodiscard]] TChannelMessage Take() {
-        std::unique_lock lock(FLock);
-        FArrived.wait(lock, [this] { return !FMessages.empty(); });
-        TChannelMessage message = std::move(FMessages.front());
-        FMessages.pop_front();
-        return message;
+/// Waits on a thread of its own, so that a stop reaches work that goes on, and the agent's death ends it.
+void HoldLeash(const TDescriptor& leash) {
+    DescribeThisThread("leash", TThreadPriority::Normal);
+    char byte = 0;
+    for (;;) {
+        const ssize_t got = ::read(leash.Number(), &byte, 1);
+        if (got > 0)
+            StopSignal().Raise();
+        else if (got == 0 || errno != EINTR)
+            std::_Exit(EXIT_SUCCESS); // what is half done is nobody's
     }
-
-private:
-    [[noreturn]] void Read() {
-        DescribeThisThread("orders", TThreadPriority::Normal);
-        while (FChannel.Fill()) {
-            while (std::optional<TChannelMessage> message = FChannel.Next()) {
-                if (KindOf(message->Body) == TMessageKind::Stop) {
-                    StopSignal().Raise();
-                    continue;
-                }
-                const std::lock_guard guard(FLock);
-                FMessages.push_back(std::move(*message));
-                FArrived.notify_one();
-            }
-            FChannel.WaitForMore();
-        }
-        // The agent has no more use for this process, or is dead; what is half done is nobody's.
-        std::_Exit(EXIT_SUCCESS);
-    }
-
-    TChannel& FChannel;
-    std::mutex FLock;
-    std::condition_variable FArrived;
-    std::deque<TChannelMessage> FMessages;
-    std::thread FReader; // to the end of the process
-};
+}
 
 class TWorker : public TWorkHost, public TMessageBoxHost, public TPasswordPrompt {
 public:
-    TWorker(TDescriptor socket, string sandbox)
-        : FSandbox(std::move(sandbox)), FChannel(std::move(socket)), FOrders(FChannel) {
+    TWorker(TDescriptor socket, string sandbox) : FSandbox(std::move(sandbox)), FChannel(std::move(socket)) {
         SetInterruptTest([] { return StopSignal().IsOverdue(); });
         SetMessageBoxHost(this);
         SetPasswordPrompt(this);
@@ -76,7 +46,7 @@ public:
     [[noreturn]] void Run() {
         Tell(TextMessage(TMessageKind::Ready, FSandbox));
         for (;;) {
-            TChannelMessage order = FOrders.Take();
+            TChannelMessage order = Take();
             switch (KindOf(order.Body)) {
             case TMessageKind::Lists:
                 TakeLists(order.Body.value(QLatin1String("text")).toString());
@@ -96,14 +66,19 @@ public:
     [[nodiscard]] bool Terminated() override { return StopSignal().Raised(); }
 
     [[nodiscard]] TOutputFile& OpenResult() override {
-        Tell(NewMessage(TMessageKind::Open));
-        TChannelMessage reply = Await(TMessageKind::Result);
-        if (!reply.File)
-            throw EFileError(reply.Body.value(QLatin1String("text")).toString(),
-                             int(reply.Body.value(QLatin1String("error")).toInteger()));
-        FResultFile = std::move(reply.File);
+        if (!FResultFile)
+            AskForResultFile();
         FResult = std::make_unique<TOutputFile>(FResultFile.Number(), FWork.Dest);
         return *FResult;
+    }
+
+    void AskForResultFile() {
+        Tell(NewMessage(TMessageKind::Open));
+        TChannelMessage reply = Await(TMessageKind::Result);
+        if (reply.Files.empty())
+            throw EFileError(reply.Body.value(QLatin1String("text")).toString(),
+                             int(reply.Body.value(QLatin1String("error")).toInteger()));
+        FResultFile = std::move(reply.Files[0]);
     }
 
     int Show(const string& text, const string& caption, int flags) override {
@@ -123,6 +98,16 @@ public:
     }
 
 private:
+    [[nodiscard]] TChannelMessage Take() {
+        for (;;) {
+            if (std::optional<TChannelMessage> message = FChannel.Next())
+                return std::move(*message);
+            FChannel.WaitForMore();
+            if (!FChannel.Fill())
+                std::_Exit(EXIT_SUCCESS);
+        }
+    }
+
     void Tell(const QCborMap& message) {
         if (!FChannel.Send(message))
             std::_Exit(EXIT_FAILURE); // nobody is there to tell
@@ -130,7 +115,7 @@ private:
 
     [[nodiscard]] TChannelMessage Await(TMessageKind kind) {
         for (;;)
-            if (TChannelMessage order = FOrders.Take(); KindOf(order.Body) == kind)
+            if (TChannelMessage order = Take(); KindOf(order.Body) == kind)
                 return order;
     }
 
@@ -144,7 +129,9 @@ private:
 
     void WorkOn(TChannelMessage& order) {
         FWork = WorkOf(order.Body);
-        FWork.Descriptor = order.File.Number();
+        FWork.Descriptor = order.Files.empty() ? -1 : order.Files[0].Number();
+        if (order.Files.size() > 1)
+            FResultFile = std::move(order.Files[1]);
         LimitMemory(order.Body.value(QLatin1String("memory")).toInteger());
         const Integer index = FLists.IndexOf(FWork.ActionName);
         const TOutcome outcome = WorkOnFile(FWork, index < 0 ? nullptr : FLists[index].FActions, *this);
@@ -166,7 +153,6 @@ private:
 
     string FSandbox;
     TChannel FChannel;
-    TOrders FOrders;
     TPDFActionManager FLists;
     TFileWork FWork;
     TDescriptor FResultFile;
@@ -175,13 +161,11 @@ private:
 
 } // namespace
 
-int RunWorker(TDescriptor socket, const char* reach) {
+int RunWorker(TDescriptor socket, TDescriptor leash, const char* reach) {
     try {
         const string sandbox = EnterSandbox(TReach(QByteArray(reach).toInt()));
-        // Never freed: the thread of the orders works with it to the end of the process.
-        auto* const worker =
-            new TWorker(std::move(socket), sandbox); // NOLINT(cppcoreguidelines-owning-memory)
-        worker->Run();
+        std::thread([held = std::move(leash)] { HoldLeash(held); }).detach();
+        TWorker(std::move(socket), sandbox).Run();
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("A worker ends: %1").arg(MessageOf(e)));
         return EXIT_FAILURE;

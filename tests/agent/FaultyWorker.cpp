@@ -16,5 +16,5 @@ int main(int argc, char** argv) {
     RegisterActionClasses();
     Reflection::RegisterClass(TPDFActionFault::staticMetaObject);
     Reflection::RegisterClass(TPDFActionFileFault::staticMetaObject);
-    return RunWorker(TDescriptor(WorkerSocket), argc > 1 ? argv[1] : "0");
+    return RunWorker(TDescriptor(WorkerSocket), TDescriptor(WorkerLeash), argc > 1 ? argv[1] : "0");
 }

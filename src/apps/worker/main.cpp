@@ -14,7 +14,7 @@
 #include <sys/prctl.h>
 
 int main(int argc, char** argv) {
-    if (::fcntl(WorkerSocket, F_SETFD, FD_CLOEXEC) != 0) {
+    if (::fcntl(WorkerSocket, F_SETFD, FD_CLOEXEC) != 0 || ::fcntl(WorkerLeash, F_SETFD, FD_CLOEXEC) != 0) {
         JournalLine(QStringLiteral("morvane-worker is started by morvane-agent."));
         return EXIT_FAILURE;
     }
@@ -28,5 +28,5 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
     RegisterActionClasses();
-    return RunWorker(TDescriptor(WorkerSocket), argc > 1 ? argv[1] : "0");
+    return RunWorker(TDescriptor(WorkerSocket), TDescriptor(WorkerLeash), argc > 1 ? argv[1] : "0");
 }
