@@ -60,9 +60,9 @@ public:
         }
     }
 
-    // Each is followed by a message that can't wait.
+    /// Goes with the hint or the outcome behind it.
     void Log(const string& line) override { FChannel.SendLater(TextMessage(TMessageKind::Log, line)); }
-    void Hint(const string& text) override { FChannel.SendLater(TextMessage(TMessageKind::Hint, text)); }
+    void Hint(const string& text) override { Tell(TextMessage(TMessageKind::Hint, text)); }
     [[nodiscard]] bool Terminated() override { return StopSignal().Raised(); }
 
     [[nodiscard]] TOutputFile& OpenResult() override {
