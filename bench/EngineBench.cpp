@@ -4,7 +4,7 @@
 //   bench_engine FILE OUTPUT COUNT [nosync]
 #include "base/Exceptions.h"
 #include "base/PartFile.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 
 #include <cstdio>
 #include <cstring>

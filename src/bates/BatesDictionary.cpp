@@ -5,8 +5,8 @@
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
 #include "bates/SchemeUpdate.h"
-#include "engine/Texts.h"
 #include "engine/macros/Macros.h"
+#include "engine/pdf/Texts.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "base/Journal.h"
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "platform/HostSlot.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 // The password of a protected file, asked of the user until it fits or the user gives up.
 #include "base/Text.h"
-#include "engine/Types.h"
+#include "engine/pdf/Types.h"
 
 #include <optional>
 

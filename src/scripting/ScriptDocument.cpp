@@ -2,7 +2,7 @@
 
 #include "base/Exceptions.h"
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/AskForPassword.h"
 
 TJSPDFDocument::TJSPDFDocument() : FDocument(new TZQPDFDocument(nullptr)) {}

@@ -7,7 +7,7 @@
 #include "engine/annotations/StampAnnotation.h"
 #include "engine/annotations/TextAnnotation.h"
 #include "engine/annotations/TextWrap.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
 
 #include <QRegularExpression>
 

@@ -1,7 +1,7 @@
 // Attached files: read however damaged their tree is, replaced where they stand.
 #include "engine/DocumentFixture.h"
-#include "engine/EmbeddedFiles.h"
 #include "engine/PdfSamples.h"
+#include "engine/core/EmbeddedFiles.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Files that claim, decode to or are read for more than they are.
 #include "base/Interrupt.h"
 #include "engine/DocumentFixture.h"
-#include "engine/EmbeddedFiles.h"
+#include "engine/core/EmbeddedFiles.h"
 #include "engine/layers/LayerText.h"
 
 #include <QFile>

@@ -1,5 +1,4 @@
 // Image files in many forms, put on pages and judged by what other programs show of them.
-#include "engine/Errors.h"
 #include "engine/PdfJudges.h"
 #include "engine/SampleImages.h"
 #include "engine/content/FormContent.h"
@@ -7,6 +6,7 @@
 #include "engine/images/ImageCache.h"
 #include "engine/images/ImageData.h"
 #include "engine/images/ImageFile.h"
+#include "engine/pdf/Errors.h"
 
 #include <QBuffer>
 #include <QColor>

@@ -1,6 +1,6 @@
 // Macros in texts: what each stands for, what stays, and what a hostile text cannot do.
 #include "engine/macros/Macros.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/Workspace.h"
 
 #include "PdfJudges.h"

@@ -1,6 +1,6 @@
 // Outlines: walking, adding, where items lead after a save, damage.
-#include "engine/Document.h"
 #include "engine/PdfJudges.h"
+#include "engine/document/Document.h"
 
 #include <QPointer>
 

@@ -1,6 +1,6 @@
 // Page ranges: what each text selects, and which texts are none.
-#include "engine/PageRange.h"
-#include "engine/Errors.h"
+#include "engine/pages/PageRange.h"
+#include "engine/pdf/Errors.h"
 #include "testing/Workspace.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // What is put on a page lies where layer space says, upright, and nothing else on the page changes.
 #include "engine/CorpusFiles.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 

@@ -1,6 +1,6 @@
 // What isn't worked on comes out as it went in.
 #include "engine/CorpusFiles.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/layers/LayerText.h"
 
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 // Pages as pictures: compared with what another program paints.
-#include "engine/Document.h"
 #include "engine/PdfJudges.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
+#include "engine/document/Document.h"
 #include "testing/Corpus.h"
 
 #include <QImage>

@@ -1,8 +1,8 @@
 #include "engine/annotations/FileAttachmentAnnotation.h"
 
-#include "engine/Attachments.h"
 #include "engine/annotations/Icons.h"
 #include "engine/layers/Drawing.h"
+#include "engine/save/Attachments.h"
 
 namespace {
 

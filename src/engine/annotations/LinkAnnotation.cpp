@@ -1,8 +1,8 @@
 #include "engine/annotations/LinkAnnotation.h"
 
-#include "engine/Document.h"
-#include "engine/PageObject.h"
+#include "engine/document/Document.h"
 #include "engine/layers/Drawing.h"
+#include "engine/pages/PageObject.h"
 
 #include <algorithm>
 #include <cmath>

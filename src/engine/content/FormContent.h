@@ -1,6 +1,6 @@
 #pragma once
 // The content of a form XObject while it is put together: its operators and the resources that they name.
-#include "engine/Qpdf.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <string_view>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "engine/outlines/OutlineTree.h"
 
-#include "engine/DocumentCore.h"
+#include "engine/core/DocumentCore.h"
 #include "engine/outlines/ObjectHandle.h"
 #include "engine/outlines/OutlineWriter.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 // The outline of a document as a tree of our own: read from the file at first use, written back at save
 // where items were added. Items of the file stay the objects they are.
-#include "engine/Qpdf.h"
-#include "engine/Types.h"
 #include "engine/outlines/Objects.h"
+#include "engine/pdf/Qpdf.h"
+#include "engine/pdf/Types.h"
 
 #include <functional>
 #include <memory>

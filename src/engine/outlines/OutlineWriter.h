@@ -1,7 +1,7 @@
 #pragma once
 // Writes the items added to an outline into the document's file (ISO 32000-1, 12.3.3). Only levels with
 // new items, and the counts above them, are touched.
-#include "engine/DocumentCore.h"
+#include "engine/core/DocumentCore.h"
 
 class TOutlineWriter {
 public:
