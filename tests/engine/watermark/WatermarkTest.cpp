@@ -1,7 +1,7 @@
 // Watermarks as other programs find them.
 #include "engine/DocumentFixture.h"
 #include "engine/RenderJudges.h"
-#include "engine/SampleImages.h"
+#include "engine/images/SampleImages.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/watermark/EditorApp.h"
 #include "engine/watermark/ObjectsRepository.h"

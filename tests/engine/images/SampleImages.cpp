@@ -1,4 +1,4 @@
-#include "engine/SampleImages.h"
+#include "engine/images/SampleImages.h"
 
 #include "testing/Workspace.h"
 

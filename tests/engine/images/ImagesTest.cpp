@@ -1,11 +1,11 @@
 // Image files in many forms, put on pages and judged by what other programs show of them.
 #include "engine/PdfJudges.h"
-#include "engine/SampleImages.h"
 #include "engine/content/FormContent.h"
 #include "engine/images/DocumentImages.h"
 #include "engine/images/ImageCache.h"
 #include "engine/images/ImageData.h"
 #include "engine/images/ImageFile.h"
+#include "engine/images/SampleImages.h"
 #include "engine/pdf/Errors.h"
 
 #include <QBuffer>

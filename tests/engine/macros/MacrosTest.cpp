@@ -1,9 +1,8 @@
 // Macros in texts: what each stands for, what stays, and what a hostile text cannot do.
 #include "engine/macros/Macros.h"
+#include "engine/PdfJudges.h"
 #include "engine/document/Document.h"
 #include "testing/Workspace.h"
-
-#include "PdfJudges.h"
 
 namespace {
 
