@@ -75,7 +75,8 @@ TZQPDFLinkAnnotation* TJSPDFDocument::AddLinkAnnotation(float X, float Y, float 
     if (!Document().GetCanModifyAnnots())
         return nullptr;
     RequireBox(Double(X), Double(Y), Double(Width), Double(Height));
-    auto* link = new TZQPDFLinkAnnotation(Document(), &LayersToFill(), pageNum);
+    TZQLayerCollection& layers = LayersToFill();
+    auto* link = new TZQPDFLinkAnnotation(Document().Pages().getItem(pageNum - 1), &layers);
     link->SetBounds(TGPRectF::Create(X, Y, Width, Height));
     MarkPageChanged(AnnotationsChanged);
     return link;

@@ -2,7 +2,7 @@
 
 #include "engine/annotations/Shapes.h"
 #include "engine/layers/Drawing.h"
-#include "engine/save/InfoWriter.h"
+#include "engine/pdf/Dates.h"
 
 #include <QUuid>
 

@@ -9,23 +9,10 @@
 #include "engine/pages/PageObject.h"
 #include "engine/pages/PageTree.h"
 #include "engine/pages/Pages.h"
+#include "engine/pdf/AttachedFile.h"
 #include "engine/pdf/Types.h"
 
-#include <QDateTime>
-
 #include <map>
-
-/// A file to attach, or, without Contents, the name of one to take out.
-struct TAttachmentChange {
-    string Name;
-    string Description;
-    string MimeType;
-    QDateTime Created;
-    QDateTime Modified;
-    std::shared_ptr<const std::string> Contents; ///< compressed
-    qint64 Size = 0;
-    std::string Checksum; ///< MD5 of the uncompressed contents
-};
 
 /// Changes to the document as a whole that its source doesn't have yet.
 struct TDocumentChanges {
@@ -33,7 +20,9 @@ struct TDocumentChanges {
     std::optional<NarrowString> Xmp;     ///< empty removes the packet
     std::optional<TPDFPageMode> PageMode;
     std::optional<TPDFPageLayout> PageLayout;
-    std::vector<TAttachmentChange> Attachments; ///< in the order in which they were made
+    /// Files to attach, in the order in which that was asked; one without contents takes out what has its
+    /// name.
+    std::vector<TAttachedFile> Attachments;
 };
 
 enum class TProtection : quint8 { AsOpened, Encrypt, Remove };

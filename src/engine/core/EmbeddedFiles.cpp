@@ -1,16 +1,17 @@
 #include "engine/core/EmbeddedFiles.h"
 
 #include "base/Paths.h"
-#include "engine/save/Attachments.h"
+#include "engine/core/DocumentCore.h"
+#include "engine/pdf/EmbeddedFileTree.h"
 
 struct TPDFEmbeddedFiles::TChanges {
-    std::vector<TAttachmentChange> Items;
+    std::vector<TAttachedFile> Items;
 };
 
 namespace {
 
-void Replay(QStringList& names, const std::vector<TAttachmentChange>& changes) {
-    for (const TAttachmentChange& change : changes) {
+void Replay(QStringList& names, const std::vector<TAttachedFile>& changes) {
+    for (const TAttachedFile& change : changes) {
         names.removeAll(change.Name);
         if (change.Contents)
             names.append(change.Name);
@@ -24,7 +25,10 @@ TPDFEmbeddedFiles::TPDFEmbeddedFiles(TDocumentCore& core)
 TPDFEmbeddedFiles::~TPDFEmbeddedFiles() = default;
 
 QStringList TPDFEmbeddedFiles::Names() const {
-    QStringList names = FCore.Source ? AttachmentNames(*FCore.Source) : QStringList();
+    QStringList names;
+    if (FCore.Source)
+        for (const TEmbeddedFile& file : ReadEmbeddedFiles(*FCore.Source->Pdf))
+            names.append(ShownName(file));
     Replay(names, FCore.Changes.Attachments);
     Replay(names, FPending->Items);
     names.sort();
@@ -36,14 +40,14 @@ bool TPDFEmbeddedFiles::Exists(const string& name) const {
 }
 
 void TPDFEmbeddedFiles::Delete(const string& name) {
-    TAttachmentChange change;
+    TAttachedFile change;
     change.Name = ExtractFileName(name);
     FPending->Items.push_back(std::move(change));
 }
 
 void TPDFEmbeddedFiles::Add(const string& path, const string& shownName, const string& description,
                             const string& mimeType) {
-    FPending->Items.push_back(ReadAttachment(path, shownName, description, mimeType));
+    FPending->Items.push_back(ReadAttachedFile(path, shownName, description, mimeType));
 }
 
 void TPDFEmbeddedFiles::Update() {

@@ -2,6 +2,7 @@
 
 #include "base/PartFile.h"
 #include "engine/core/DocumentCore.h"
+#include "engine/layers/LayeredPage.h"
 #include "engine/layers/PlacedContent.h"
 #include "engine/pdf/Metadata.h"
 #include "engine/pdf/Signatures.h"
@@ -16,7 +17,7 @@ void TakePages(TDocumentCore& core) {
     const size_t count = core.Source->Walk.Pages.size();
     core.Pages.Items().reserve(count);
     for (size_t i = 0; i < count; ++i)
-        core.Pages.Items().push_back(std::make_unique<TZQPDFPage>(OwnPage(core.Source, i)));
+        core.Pages.Items().push_back(NewPage(OwnPage(core.Source, i)));
 }
 
 /// What was read must have been readable: libqpdf takes a failing disk for damage.
@@ -62,7 +63,7 @@ void Rebind(TDocumentCore& core, const string& path) {
     for (int i = 0; i < core.Pages.Count(); ++i)
         TakeOver(core.Pages.getItem(i), core.Source, size_t(i));
     if (core.Outlines)
-        core.Outlines->Rebind(core);
+        core.Outlines->Rebind(core.Root());
 }
 
 } // namespace

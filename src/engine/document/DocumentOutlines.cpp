@@ -6,7 +6,7 @@ namespace {
 
 TOutlineTree& TreeOf(TDocumentCore& core) {
     if (!core.Outlines)
-        core.Outlines = std::make_unique<TOutlineTree>(core);
+        core.Outlines = std::make_unique<TOutlineTree>(core.Root());
     return *core.Outlines;
 }
 

@@ -2,6 +2,7 @@
 #include "engine/core/DocumentCore.h"
 #include "engine/document/Document.h"
 #include "engine/file/SourceStore.h"
+#include "engine/layers/LayeredPage.h"
 #include "engine/pages/PageRange.h"
 #include "engine/pdf/Numbers.h"
 #include "engine/save/PageContent.h"
@@ -22,7 +23,7 @@ using TItems = TZQPDFPages::TItems;
 }
 
 std::unique_ptr<TZQPDFPage> NewBlankPage(Double width, Double height) {
-    return std::make_unique<TZQPDFPage>(BlankPage(width, height));
+    return NewPage(BlankPage(width, height));
 }
 
 std::vector<int> PagesOf(const string& range, int pageCount) {
@@ -170,7 +171,7 @@ int TZQPDFDocument::ImportPagesFrom(TZQPDFDocument& source, const NarrowString& 
     TItems pages;
     for (const int number : TZQPDFPagesRangeSelector(Widen(range), source.GetPageCount(), 1)) {
         const TPageObject& page = source.Pages().getItem(number - 1).Object();
-        pages.push_back(std::make_unique<TZQPDFPage>(CopyOf(page, source.Core().Source, batch)));
+        pages.push_back(NewPage(CopyOf(page, source.Core().Source, batch)));
     }
     const int count = int(pages.size());
     if (count == 0)

@@ -2,6 +2,7 @@
 
 #include "engine/content/FormContent.h"
 #include "engine/fonts/FontProgram.h"
+#include "engine/pdf/Flate.h"
 #include "engine/pdf/Metadata.h"
 
 #include <QCryptographicHash>

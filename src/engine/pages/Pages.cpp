@@ -1,6 +1,5 @@
 #include "engine/pages/Pages.h"
 
-#include "engine/layers/PlacedContent.h"
 #include "engine/pages/PageObject.h"
 #include "engine/pdf/Errors.h"
 
@@ -103,21 +102,6 @@ std::unique_ptr<TPageObject> BlankPage(Double width, Double height) {
 
 TZQPDFPage::TZQPDFPage(std::unique_ptr<TPageObject> object) : FId(NextId()), FObject(std::move(object)) {}
 TZQPDFPage::~TZQPDFPage() = default;
-
-TPlacedContent& TZQPDFPage::Placed() {
-    if (!FContent)
-        FContent = std::make_unique<TPlacedContent>(*this);
-    return *FContent;
-}
-
-TZQLayerCollection& TZQPDFPage::Layers() {
-    return Placed().Layers;
-}
-
-void TZQPDFPage::updateXObject(TZQPDFDocument& /*document*/, TZQPDFXObjectGroup& group) {
-    Placed().Groups.push_back({&group, Geometry()});
-    Placed().GroupsChanged = true;
-}
 
 std::weak_ptr<TZQPDFPage> TZQPDFPage::Handle() {
     if (!FHandle)

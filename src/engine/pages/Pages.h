@@ -11,11 +11,13 @@ class TZQLayerCollection;
 class TZQPDFDocument;
 class TZQPDFXObjectGroup;
 
-/// One page. Lives as long as it stands in its document's list.
+/// One page. Lives as long as it stands in its document's list. What is put on it is the matter of the layers
+/// (engine/layers/LayeredPage.h), which make the pages.
 class TZQPDFPage {
 public:
     explicit TZQPDFPage(std::unique_ptr<TPageObject> object);
-    ~TZQPDFPage();
+    virtual ~TZQPDFPage();
+    TZQPDFPage(const TZQPDFPage&) = delete;
 
     /// Tells the page from every other, those that have gone included.
     [[nodiscard]] quint64 Id() const { return FId; }
@@ -37,9 +39,9 @@ public:
     [[nodiscard]] const TPageGeometry& Geometry() const;
 
     /// What was put on the page since the document was opened.
-    [[nodiscard]] TZQLayerCollection& Layers();
+    [[nodiscard]] virtual TZQLayerCollection& Layers() = 0;
     /// Puts a group of the document's cache on the page, where it is drawn as the page lies now.
-    void updateXObject(TZQPDFDocument& document, TZQPDFXObjectGroup& group);
+    virtual void updateXObject(TZQPDFDocument& document, TZQPDFXObjectGroup& group) = 0;
 
     /// For what refers to a page that may be deleted meanwhile: expires with the page, owns nothing.
     [[nodiscard]] std::weak_ptr<TZQPDFPage> Handle();
@@ -50,14 +52,11 @@ public:
     /// The engine's own view of the page.
     [[nodiscard]] TPageObject& Object() const { return *FObject; }
     /// Null while nothing was put on the page.
-    [[nodiscard]] TPlacedContent* Content() const { return FContent.get(); }
+    [[nodiscard]] virtual TPlacedContent* Content() const = 0;
 
 private:
-    TPlacedContent& Placed();
-
     quint64 FId;
     std::unique_ptr<TPageObject> FObject;
-    std::unique_ptr<TPlacedContent> FContent;
     std::shared_ptr<TZQPDFPage> FHandle; // null until somebody asks
     Single FWidth = -1;                  // negative: not set
     Single FHeight = -1;

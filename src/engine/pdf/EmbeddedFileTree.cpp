@@ -1,5 +1,7 @@
 #include "engine/pdf/EmbeddedFileTree.h"
 
+#include "base/Paths.h"
+
 #include <algorithm>
 #include <unordered_set>
 
@@ -70,6 +72,18 @@ std::vector<TEmbeddedFile> ReadEmbeddedFiles(QPDF& pdf) {
         }
     }
     return files;
+}
+
+string ShownName(const TEmbeddedFile& file) {
+    string name = TextOf(QPDFObjectHandle::newString(file.Key));
+    for (const char* of : {"/UF", "/F", "/Unix", "/DOS", "/Mac"}) {
+        const string told = TextOf(Entry(file.Spec, of));
+        if (told.isEmpty())
+            continue;
+        name = told;
+        break;
+    }
+    return ExtractFileName(name.replace(u'\\', u'/'));
 }
 
 void WriteEmbeddedFiles(QPDF& pdf, std::vector<TEmbeddedFile> files) {

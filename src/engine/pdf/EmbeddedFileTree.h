@@ -11,5 +11,8 @@ struct TEmbeddedFile {
 /// one.
 [[nodiscard]] std::vector<TEmbeddedFile> ReadEmbeddedFiles(QPDF& pdf);
 
+/// The name that readers show of an attached file (ISO 32000-1, table 44).
+[[nodiscard]] string ShownName(const TEmbeddedFile& file);
+
 /// Builds the tree anew.
 void WriteEmbeddedFiles(QPDF& pdf, std::vector<TEmbeddedFile> files);

@@ -1,12 +1,10 @@
 #include "engine/save/InfoWriter.h"
 
+#include "engine/pdf/Dates.h"
 #include "engine/pdf/Metadata.h"
 #include "engine/pdf/Xmp.h"
 
 #include <QMetaEnum>
-
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 
@@ -150,15 +148,4 @@ TPDFPageMode ReadPageMode(const TPDFSource& source) {
 
 TPDFPageLayout ReadPageLayout(const TPDFSource& source) {
     return ValueOf<TPDFPageLayout>(Entry(source.Pdf->getRoot(), "/PageLayout"), "pl");
-}
-
-std::string PdfDate(const QDateTime& time) {
-    const int offset = time.offsetFromUtc() / 60;
-    const QDate d = time.date();
-    const QTime t = time.time();
-    char text[40];
-    std::snprintf(text, sizeof text, "D:%04d%02d%02d%02d%02d%02d%c%02d'%02d'", d.year(), d.month(), d.day(),
-                  t.hour(), t.minute(), t.second(), offset < 0 ? '-' : '+', std::abs(offset) / 60,
-                  std::abs(offset) % 60);
-    return text;
 }

@@ -9,6 +9,3 @@ void ApplyInfo(TDocumentCore& core);
 [[nodiscard]] string ReadInfo(TPDFSource& source, const NarrowString& key);
 [[nodiscard]] TPDFPageMode ReadPageMode(const TPDFSource& source);
 [[nodiscard]] TPDFPageLayout ReadPageLayout(const TPDFSource& source);
-
-/// "D:20261122233543+01'00'" (ISO 32000-1, 7.9.4).
-[[nodiscard]] std::string PdfDate(const QDateTime& time);

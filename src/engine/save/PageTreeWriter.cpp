@@ -130,7 +130,7 @@ void ApplyChanges(TPageObject& page) {
 
 void WriteOutlines(TDocumentCore& core) {
     if (core.Outlines)
-        core.Outlines->Write(core);
+        core.Outlines->Write(*core.Source->Pdf, core.Pages);
 }
 
 } // namespace
@@ -152,7 +152,7 @@ void ApplyPages(TDocumentCore& core) {
         WriteOutlines(core);
     }
     if (core.Outlines)
-        core.Outlines->Refresh(core);
+        core.Outlines->Refresh(core.Root());
     for (const auto& item : core.Pages.Items())
         ApplyChanges(item->Object());
 }

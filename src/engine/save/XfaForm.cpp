@@ -1,6 +1,6 @@
 #include "engine/save/XfaForm.h"
 
-#include "engine/content/FormContent.h"
+#include "engine/pdf/Flate.h"
 #include "engine/save/PageContent.h"
 
 #include <qpdf/Buffer.hh>

@@ -171,7 +171,9 @@ TEST_F(Annotations, CarryWhatViewersAskFor) {
 
 TEST_F(Annotations, LinkFollowsItsPage) {
     Open(SamplePdf(5));
-    const auto link = [&](int target) { new TZQPDFLinkAnnotation(Document, Layers(), target); };
+    const auto link = [&](int target) {
+        new TZQPDFLinkAnnotation(Document.Pages().getItem(target - 1), Layers());
+    };
     EXPECT_THROW(link(6), EPDFError);
     try {
         link(0);
