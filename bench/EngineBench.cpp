@@ -27,10 +27,11 @@ double WallSeconds() {
 }
 
 void Work(const string& input, const string& output) {
-    if (TPDFDocument::IsPasswordProtected(input))
+    TTestedFile tested;
+    if (TPDFDocument::IsPasswordProtected(input, TPDFDocument::NotOpen, &tested))
         throw Exception(input + QStringLiteral(" is protected"));
     TZQPDFDocument document(nullptr);
-    document.OpenFromFile(input, {});
+    document.OpenFromFile(input, {}, TPDFDocument::NotOpen, std::move(tested));
     document.RotatePages({}, 90);
     document.SaveToPath(output, /*keepSource*/ true, /*takeName*/ false);
 }

@@ -71,9 +71,10 @@ void Rebind(TDocumentCore& core, const string& path) {
 TPDFDocument::TPDFDocument(TComponent* owner) : TComponent(owner), FCore(std::make_unique<TDocumentCore>()) {}
 TPDFDocument::~TPDFDocument() = default;
 
-bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password, int descriptor) {
+bool TPDFDocument::OpenFromFile(const string& fileName, const NarrowString& password, int descriptor,
+                                TTestedFile tested) {
     auto core = std::make_unique<TDocumentCore>();
-    core->Source = TakeTested(fileName, password, descriptor);
+    core->Source = tested.Take(fileName, password, descriptor);
     if (!core->Source)
         core->Source = OpenSource(fileName, password, descriptor);
     core->FileName = fileName;

@@ -7,6 +7,7 @@
 // EPDFError or EFileError with a text that names the file, page or object concerned.
 #include "base/Component.h"
 #include "engine/core/Security.h"
+#include "engine/file/TestedFile.h"
 #include "engine/file/Warnings.h"
 #include "engine/outlines/Objects.h"
 #include "engine/pages/PageTree.h"
@@ -33,19 +34,24 @@ public:
 
     /// Whether the file doesn't open without a password. Protection for which no password exists (by
     /// certificates) counts. Raises for a file that is no PDF or too damaged to be opened at all. A file that
-    /// is open for reading already can be given as `descriptor`; its name then serves texts alone.
-    [[nodiscard]] static bool IsPasswordProtected(const string& fileName, int descriptor = NotOpen);
+    /// is open for reading already can be given as `descriptor`; its name then serves texts alone. A file
+    /// that opens is left in `tested` for OpenFromFile.
+    [[nodiscard]] static bool IsPasswordProtected(const string& fileName, int descriptor = NotOpen,
+                                                  TTestedFile* tested = nullptr);
     static constexpr int NotOpen = -1;
     /// Whether `password` is one of the kind that `option` names; true for a file without protection.
+    /// `tested` as above.
     [[nodiscard]] static bool IsPasswordOk(const string& fileName, const NarrowString& password,
-                                           TPDFSecurityHandlerType& handlerType, TIsPasswordOkOption option);
+                                           TPDFSecurityHandlerType& handlerType, TIsPasswordOkOption option,
+                                           TTestedFile* tested = nullptr);
 
     // --- File ---
 
     /// Replaces this document by the file's. Always true; raises where it can't be opened, and this
     /// document stays as it was. Damage that readers repair is only told by Warnings(). `descriptor` as
-    /// above.
-    bool OpenFromFile(const string& fileName, const NarrowString& password, int descriptor = NotOpen);
+    /// above. What a test left in `tested` isn't read again if it is the same file, unchanged.
+    bool OpenFromFile(const string& fileName, const NarrowString& password, int descriptor = NotOpen,
+                      TTestedFile tested = {});
     /// Writes the document to a file that the caller publishes.
     void WriteTo(TOutputFile& file);
     /// Writes the document and publishes it under that name in one step, replacing what is there, which may

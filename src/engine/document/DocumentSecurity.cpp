@@ -21,11 +21,16 @@ bool Allows(TDocumentCore& core, quint32 bits, const char* what) {
     return false;
 }
 
+void Leave(TPDFSourcePtr source, TTestedFile* tested) {
+    if (tested)
+        tested->Keep(std::move(source));
+}
+
 } // namespace
 
-bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor) {
+bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor, TTestedFile* tested) {
     try {
-        KeepTested(OpenSource(fileName, {}, descriptor));
+        Leave(OpenSource(fileName, {}, descriptor), tested);
         return false;
     } catch (const EPDFError& e) {
         if (e.Kind() == TPDFErrorKind::NeedsPassword || e.Kind() == TPDFErrorKind::Unsupported)
@@ -35,7 +40,8 @@ bool TPDFDocument::IsPasswordProtected(const string& fileName, int descriptor) {
 }
 
 bool TPDFDocument::IsPasswordOk(const string& fileName, const NarrowString& password,
-                                TPDFSecurityHandlerType& handlerType, TIsPasswordOkOption option) {
+                                TPDFSecurityHandlerType& handlerType, TIsPasswordOkOption option,
+                                TTestedFile* tested) {
     handlerType = TPDFSecurityHandlerType::shPassword;
     try {
         TPDFSourcePtr source = OpenSource(fileName, password);
@@ -46,7 +52,7 @@ bool TPDFDocument::IsPasswordOk(const string& fileName, const NarrowString& pass
             handlerType = TPDFSecurityHandlerType::shNone;
         const bool ok = !pdf.isEncrypted() || option == TIsPasswordOkOption::poAny ||
                         (option == TIsPasswordOkOption::poOpen ? open : permission);
-        KeepTested(std::move(source));
+        Leave(std::move(source), tested);
         return ok;
     } catch (const EPDFError& e) {
         if (e.Kind() == TPDFErrorKind::Unsupported)

@@ -1,8 +1,6 @@
 #include "engine/file/Source.h"
 
-#include "base/FileState.h"
 #include "base/Interrupt.h"
-#include "base/Paths.h"
 #include "engine/decode/DecodeBudget.h"
 #include "engine/file/CrossReferences.h"
 #include "engine/file/Teardown.h"
@@ -62,8 +60,6 @@ void ReadWithPassword(TPDFSource& source, const NarrowString& password) {
         }
     }
 }
-
-thread_local TPDFSourcePtr Tested;
 
 EPDFError OpenError(const std::exception& e, TPDFSource& source, const NarrowString& password) {
     const auto* own = dynamic_cast<const QPDFExc*>(&e);
@@ -151,22 +147,6 @@ TPDFSourcePtr NewSource() {
     source->Pdf = NewQpdf();
     source->Pdf->emptyPDF();
     source->Walk.Irregular = true;
-    return source;
-}
-
-void KeepTested(TPDFSourcePtr source) {
-    Tested = std::move(source);
-}
-
-TPDFSourcePtr TakeTested(const string& path, const NarrowString& password, int descriptor) {
-    TPDFSourcePtr source = std::move(Tested);
-    Tested.reset();
-    struct stat now {};
-    const int looked = descriptor == TFileInput::NotOpen ? ::stat(PathBytes(path).constData(), &now)
-                                                         : ::fstat(descriptor, &now);
-    if (!source || source->Path != path || source->Password != password || looked != 0 ||
-        StateOf(now) != StateOf(source->Input->Info()))
-        return nullptr;
     return source;
 }
 

@@ -39,12 +39,5 @@ using TPDFSourcePtr = std::shared_ptr<TPDFSource>;
 /// A source without file and without pages.
 [[nodiscard]] TPDFSourcePtr NewSource();
 
-/// Of the file that was opened last to test it, the one most likely to be opened next: KeepTested leaves it
-/// for the thread's next TakeTested, which gives it back if path and password are the same and the file has
-/// not changed since, and null otherwise.
-void KeepTested(TPDFSourcePtr source);
-[[nodiscard]] TPDFSourcePtr TakeTested(const string& path, const NarrowString& password,
-                                       int descriptor = TFileInput::NotOpen);
-
 /// libqpdf's exception as one of ours; `doing` reads as in "Cannot open".
 [[nodiscard]] EPDFError Translated(const std::exception& e, const string& doing, const string& path);
