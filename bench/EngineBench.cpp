@@ -4,7 +4,7 @@
 //   bench_engine FILE OUTPUT COUNT [nosync]
 #include "base/Exceptions.h"
 #include "base/PartFile.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 
 #include <cstdio>
 #include <cstring>
@@ -27,10 +27,11 @@ double WallSeconds() {
 }
 
 void Work(const string& input, const string& output) {
-    if (TPDFDocument::IsPasswordProtected(input))
+    TTestedFile tested;
+    if (TPDFDocument::IsPasswordProtected(input, TPDFDocument::NotOpen, &tested))
         throw Exception(input + QStringLiteral(" is protected"));
     TZQPDFDocument document(nullptr);
-    document.OpenFromFile(input, {});
+    document.OpenFromFile(input, {}, TPDFDocument::NotOpen, std::move(tested));
     document.RotatePages({}, 90);
     document.SaveToPath(output, /*keepSource*/ true, /*takeName*/ false);
 }

@@ -15,7 +15,7 @@
 #include "Paired.h"
 #include "base/PartFile.h"
 #include "bates/BatesDictionary.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/layers/LayerText.h"
 #include "testing/SamplePdf.h"
 

@@ -4,8 +4,8 @@
 //
 // The sides take turns; medians are printed.
 #include "base/Exceptions.h"
-#include "engine/Document.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
+#include "engine/document/Document.h"
 #include "testing/SamplePdf.h"
 
 #include <QBuffer>

@@ -9,7 +9,7 @@
 #include "actions/ActionClasses.h"
 #include "agent/FoldersThread.h"
 #include "base/PartFile.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/PlayedHost.h"
 #include "testing/SamplePdf.h"
 

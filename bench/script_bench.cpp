@@ -6,7 +6,7 @@
 #include "actions/DocumentScriptEngine.h"
 #include "actions/JavaScriptAction.h"
 #include "actions/PageActions.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/SamplePdf.h"
 
 #include <QTemporaryDir>

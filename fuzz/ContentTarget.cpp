@@ -1,8 +1,8 @@
 // A page's content: with what closes it behind it, nothing is left open. And as the contents of pages that
 // are copied, imported and extracted, each of which then takes a picture.
 #include "base/PartFile.h"
-#include "engine/Document.h"
 #include "engine/content/ContentScan.h"
+#include "engine/document/Document.h"
 #include "engine/layers/LayerImage.h"
 #include "fuzz/Target.h"
 

@@ -1,7 +1,7 @@
 // A PDF file: opened, walked through, drawn on and saved. What was saved opens again with as many pages.
 #include "base/PartFile.h"
-#include "engine/Document.h"
-#include "engine/EmbeddedFiles.h"
+#include "engine/core/EmbeddedFiles.h"
+#include "engine/document/Document.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 #include "fuzz/Target.h"

@@ -1,5 +1,5 @@
 // A page range: its pages are those of the document.
-#include "engine/PageRange.h"
+#include "engine/pages/PageRange.h"
 #include "fuzz/Target.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // A script: whatever its text, it ends, and the next one runs.
-#include "engine/Permissions.h"
+#include "engine/core/Permissions.h"
 #include "fuzz/Target.h"
 #include "scripting/host/Engine.h"
 

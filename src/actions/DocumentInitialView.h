@@ -1,6 +1,6 @@
 #pragma once
 #include "base/Reflection.h"
-#include "engine/Types.h"
+#include "engine/pdf/Types.h"
 
 /// How a viewer shows a document when it opens it (ISO 32000-1, tables 28 and 150).
 struct TPDFDocumentInitialView {

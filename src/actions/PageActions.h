@@ -1,7 +1,7 @@
 #pragma once
 // Actions that change the page set. Their meaning is that of the script document's methods.
 #include "actions/Action.h"
-#include "engine/Types.h"
+#include "engine/pdf/Types.h"
 
 /// Always raises: the document's method asks for "AWidth", and the member is called `width`. That is the
 /// format of existing lists; a script can insert pages.

@@ -1,6 +1,6 @@
 #pragma once
 #include "actions/Action.h"
-#include "engine/Permissions.h"
+#include "engine/core/Permissions.h"
 
 /// Always raises: the document's method asks for "Algo", and the member is called `Algorithm`. That is the
 /// format of existing lists; a script can encrypt.

@@ -5,7 +5,7 @@
 #include "base/Exceptions.h"
 #include "base/FolderListing.h"
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/ParkedDocuments.h"
 #include "xml/Xmlserial.h"
 

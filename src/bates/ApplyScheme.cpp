@@ -6,11 +6,11 @@
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
 #include "bates/SchemeUpdate.h"
-#include "engine/GlobalDocument.h"
-#include "engine/Numbers.h"
-#include "engine/PageRange.h"
+#include "engine/document/GlobalDocument.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/macros/Macros.h"
+#include "engine/pages/PageRange.h"
+#include "engine/pdf/Numbers.h"
 
 #include <array>
 

@@ -5,7 +5,6 @@
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
 #include "bates/SchemeUpdate.h"
-#include "engine/Texts.h"
 #include "engine/macros/Macros.h"
 
 #include <algorithm>
@@ -14,6 +13,8 @@ namespace {
 
 /// The scratch scheme: what is saved without a name. It goes with the store.
 constexpr QStringView ScratchName = u"temp-current";
+/// The display name of no scheme.
+constexpr QStringView StrNone = u"[None]";
 
 } // namespace
 
@@ -71,7 +72,7 @@ void TZQPDFBatesDictionary::GetSchemeByName(const string& ASchemeName) {
     InitCurrScheme();
     if (!FPrepared)
         return;
-    const bool none = ASchemeName.isEmpty() || ASchemeName == EngineTexts::StrNone;
+    const bool none = ASchemeName.isEmpty() || ASchemeName == StrNone;
     if (!FXml->Read(none ? ScratchName.toString() : ASchemeName, CurrScheme))
         return;
     BatesStrl = FromCommaText(CurrScheme.BatesNumbers);

@@ -68,12 +68,13 @@ public:
     /// What a stamp text looks like on a first page: numbers at their start, "NNN" pages.
     [[nodiscard]] string ParseTextTest(const string& AText) const;
 
-    /// Stamps the pages of a range (engine/PageRange.h; empty: all) with the scheme at hand and moves each
-    /// number on once a page. Number macros are expanded as far as the list has them, so call FillBatesStrl
-    /// first where they shall be. A prepared store holds the file's lock meanwhile: numbers that weren't set
-    /// since they were read are the file's, the scheme that is to be saved under its name is on the disk
-    /// before the first page is stamped, and replaces the old one behind the last. Where something raises,
-    /// pages stamped so far stay so, the file and the list are as they were, and GlobalDocument stays set.
+    /// Stamps the pages of a range (engine/pages/PageRange.h; empty: all) with the scheme at hand and moves
+    /// each number on once a page. Number macros are expanded as far as the list has them, so call
+    /// FillBatesStrl first where they shall be. A prepared store holds the file's lock meanwhile: numbers
+    /// that weren't set since they were read are the file's, the scheme that is to be saved under its name is
+    /// on the disk before the first page is stamped, and replaces the old one behind the last. Where
+    /// something raises, pages stamped so far stay so, the file and the list are as they were, and
+    /// GlobalDocument stays set.
     void ApplySchemeToDocument(TZQPDFDocument& ADocument, const string& PageRangeMacro);
 
     QStringList BatesStrl; ///< lines "macro=current" (bates/NumberList.h)

@@ -2,7 +2,7 @@
 
 #include "base/Journal.h"
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "platform/HostSlot.h"
 
 namespace {
@@ -31,14 +31,16 @@ void SetPasswordPrompt(TPasswordPrompt* prompt) {
     Slot.Set(prompt);
 }
 
-bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option) {
+bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option,
+                  TTestedFile* tested) {
     TPDFSecurityHandlerType handlerType{};
-    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option);
+    return TPDFDocument::IsPasswordOk(fileName, Narrow(password), handlerType, option, tested);
 }
 
-bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password) {
+bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password,
+                    TTestedFile* tested) {
     string candidate = Password;
-    while (!PasswordFits(FileName, candidate, Option)) {
+    while (!PasswordFits(FileName, candidate, Option, tested)) {
         const bool owner = Option == TIsPasswordOkOption::poPermission;
         const std::optional<string> typed =
             PasswordPrompt().Ask(SFileProtected.arg(ExtractFileName(FileName)) + u' ' +

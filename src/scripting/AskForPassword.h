@@ -1,9 +1,11 @@
 #pragma once
 // The password of a protected file, asked of the user until it fits or the user gives up.
 #include "base/Text.h"
-#include "engine/Types.h"
+#include "engine/pdf/Types.h"
 
 #include <optional>
+
+class TTestedFile;
 
 /// The modal dialog that asks. Whoever has a desktop registers one; without it every prompt is answered as
 /// Cancel, with one line in the journal.
@@ -25,9 +27,12 @@ void SetPasswordPrompt(TPasswordPrompt* prompt);
 
 /// Whether it is a password of that kind for the file; true for a file without protection. Raises what
 /// TPDFDocument::IsPasswordOk raises.
-[[nodiscard]] bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option);
+[[nodiscard]] bool PasswordFits(const string& fileName, const string& password, TIsPasswordOkOption option,
+                                TTestedFile* tested = nullptr);
 
 /// Whether `Password`, or one that the user types, is one of the kind `Option` for the file; `Password`
 /// becomes the one that fits, and stays as it was on Cancel. A file without protection needs no answer. There
-/// is no limit on attempts. Raises what the test of a password raises (TPDFDocument::IsPasswordOk).
-[[nodiscard]] bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password);
+/// is no limit on attempts. Raises what the test of a password raises (TPDFDocument::IsPasswordOk), which
+/// leaves the file in `tested`.
+[[nodiscard]] bool AskForPassword(const string& FileName, TIsPasswordOkOption Option, string& Password,
+                                  TTestedFile* tested = nullptr);

@@ -1,6 +1,6 @@
 #include "scripting/DocumentScripting.h"
 
-#include "engine/Permissions.h"
+#include "engine/core/Permissions.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 #include "engine/watermark/WatermarkSettings.h"

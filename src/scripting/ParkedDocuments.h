@@ -2,7 +2,7 @@
 // Documents that the rules of the run leave allocated: after a failure, from an extracting action, at a
 // stop. They stay reachable here to the end of the process, without their file and their bulk, so that
 // thousands of them cost little. Only for the thread that runs the actions.
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 
 #include <exception>
 #include <memory>

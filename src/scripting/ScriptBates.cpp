@@ -1,6 +1,6 @@
 #include "scripting/ScriptBates.h"
 
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 
 bool TJSBatesDictionary::ApplySchemeToDocument(TJSPDFDocument* Document, const string& PageRange) {
     if (Document == nullptr || !Document->Document().GetCanModify())

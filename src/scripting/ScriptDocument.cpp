@@ -2,7 +2,7 @@
 
 #include "base/Exceptions.h"
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/AskForPassword.h"
 
 TJSPDFDocument::TJSPDFDocument() : FDocument(new TZQPDFDocument(nullptr)) {}
@@ -35,9 +35,11 @@ bool TJSPDFDocument::Load(const string& fileName, const string& Password) {
         return false;
     }
     string password = Password;
-    if (!AskForPassword(fileName, TIsPasswordOkOption::poPermission, password))
+    TTestedFile tested;
+    if (!AskForPassword(fileName, TIsPasswordOkOption::poPermission, password, &tested))
         return false;
-    const bool opened = Document().OpenFromFile(fileName, Narrow(password));
+    const bool opened =
+        Document().OpenFromFile(fileName, Narrow(password), TZQPDFDocument::NotOpen, std::move(tested));
     FFilename = fileName;
     SetCurrentPage(1);
     return opened;

@@ -7,16 +7,16 @@
 // what the engine raises passes. An object belongs to the thread that runs the actions or the script.
 #include "base/Reflection.h"
 #include "bates/BatesSetting.h"
-#include "engine/Permissions.h"
-#include "engine/Types.h"
 #include "engine/annotations/FileAttachmentAnnotation.h"
 #include "engine/annotations/FreeTextAnnotation.h"
 #include "engine/annotations/LinkAnnotation.h"
 #include "engine/annotations/StampAnnotation.h"
 #include "engine/annotations/TextAnnotation.h"
+#include "engine/core/Permissions.h"
 #include "engine/layers/LayerImage.h"
 #include "engine/layers/LayerText.h"
 #include "engine/outlines/Objects.h"
+#include "engine/pdf/Types.h"
 #include "engine/watermark/WatermarkSettings.h"
 #include "scripting/DocumentDescription.h"
 #include "scripting/PageInfo.h"
@@ -28,7 +28,7 @@ class TZQPDFDocument;
 
 class TJSPDFDocument : public QObject {
     Q_OBJECT
-    Q_MOC_INCLUDE("engine/Permissions.h") // the run-time table needs to know the whole class
+    Q_MOC_INCLUDE("engine/core/Permissions.h") // the run-time table needs to know the whole class
     Q_CLASSINFO("ScriptName", "TPDFDocument")
     Q_CLASSINFO("ScriptOwnsResults", "true") // documents that its methods return
     Q_CLASSINFO("ScriptBytes", "262144")     // what the collector of scripts counts for one
@@ -101,7 +101,7 @@ public:
     Q_INVOKABLE bool AddFileAttachment(const TFileName& fileName);
     Q_INVOKABLE bool AddDocumentDescription(const TPDFDocumentDescription& Description);
 
-    // Pages (ScriptDocumentPages.cpp). A page range is the engine's (engine/PageRange.h).
+    // Pages (ScriptDocumentPages.cpp). A page range is the engine's (engine/pages/PageRange.h).
     Q_INVOKABLE bool InsertPages(int Index, int Count, float AWidth, float AHeight, bool BeforeCurrentPage);
     /// Deletes the pages `Index` to `Index + Count`: one more than the count says, on purpose, since
     /// existing lists count with it.

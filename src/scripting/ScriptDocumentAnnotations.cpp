@@ -1,12 +1,12 @@
 // Annotations that actions and scripts put on the current page.
-#include "engine/Document.h"
-#include "engine/Numbers.h"
+#include "engine/document/Document.h"
 #include "engine/macros/Macros.h"
+#include "engine/pdf/Numbers.h"
 #include "engine/watermark/ObjectsRepository.h"
 #include "scripting/ScriptDocument.h"
 
 namespace {
-// What callers record of a page (engine/Pages.h).
+// What callers record of a page (engine/pages/Pages.h).
 constexpr quint32 AnnotationsChanged = 4;
 constexpr int StampFontSize = 16;
 
@@ -75,7 +75,8 @@ TZQPDFLinkAnnotation* TJSPDFDocument::AddLinkAnnotation(float X, float Y, float 
     if (!Document().GetCanModifyAnnots())
         return nullptr;
     RequireBox(Double(X), Double(Y), Double(Width), Double(Height));
-    auto* link = new TZQPDFLinkAnnotation(Document(), &LayersToFill(), pageNum);
+    TZQLayerCollection& layers = LayersToFill();
+    auto* link = new TZQPDFLinkAnnotation(Document().Pages().getItem(pageNum - 1), &layers);
     link->SetBounds(TGPRectF::Create(X, Y, Width, Height));
     MarkPageChanged(AnnotationsChanged);
     return link;

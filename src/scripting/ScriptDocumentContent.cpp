@@ -1,13 +1,13 @@
 #include "bates/BatesDictionary.h"
-#include "engine/Document.h"
-#include "engine/EmbeddedFiles.h"
-#include "engine/Numbers.h"
-#include "engine/Pages.h"
+#include "engine/core/EmbeddedFiles.h"
+#include "engine/document/Document.h"
+#include "engine/pages/Pages.h"
+#include "engine/pdf/Numbers.h"
 #include "scripting/ScriptDocument.h"
 
 namespace {
 
-// What callers record of a page (engine/Pages.h).
+// What callers record of a page (engine/pages/Pages.h).
 constexpr quint32 ContentChanged = 19;
 
 /// Opaque, from 0x00BBGGRR.

@@ -1,4 +1,4 @@
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/ScriptDocument.h"
 
 TPDFIndirect* TJSPDFDocument::NewOutline(TPDFIndirect* Parent, const string& Text, int pageNumber,

@@ -1,6 +1,6 @@
 #include "base/Exceptions.h"
-#include "engine/Document.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
+#include "engine/document/Document.h"
 #include "scripting/ScriptDocument.h"
 
 bool TJSPDFDocument::InsertPages(int Index, int Count, float AWidth, float AHeight, bool BeforeCurrentPage) {

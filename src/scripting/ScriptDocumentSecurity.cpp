@@ -1,6 +1,6 @@
-#include "engine/Document.h"
-#include "engine/Numbers.h"
-#include "engine/Security.h"
+#include "engine/core/Security.h"
+#include "engine/document/Document.h"
+#include "engine/pdf/Numbers.h"
 #include "scripting/AskForPassword.h"
 #include "scripting/ScriptDocument.h"
 

@@ -1,7 +1,7 @@
-#include "engine/Document.h"
-#include "engine/PageTree.h"
-#include "engine/Pages.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
+#include "engine/document/Document.h"
+#include "engine/pages/PageTree.h"
+#include "engine/pages/Pages.h"
 #include "scripting/ScriptDocument.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Watermarks that actions and scripts put on a document.
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/watermark/EditorApp.h"
 #include "scripting/ScriptDocument.h"
 

@@ -6,8 +6,8 @@
 #include "base/Interrupt.h"
 #include "base/Journal.h"
 #include "base/Reflection.h"
-#include "engine/Document.h"
-#include "engine/Errors.h"
+#include "engine/document/Document.h"
+#include "engine/pdf/Errors.h"
 #include "scripting/Occasion.h"
 #include "scripting/ParkedDocuments.h"
 #include "work/Surroundings.h"
@@ -136,8 +136,9 @@ TReasonCode BlameOf(const std::exception& e, const TProgress& progress) {
 }
 
 TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TProgress& progress) {
-    const bool isProtected =
-        AmongSurroundings([&] { return TPDFDocument::IsPasswordProtected(work.Source, work.Descriptor); });
+    TTestedFile tested;
+    const bool isProtected = AmongSurroundings(
+        [&] { return TPDFDocument::IsPasswordProtected(work.Source, work.Descriptor, &tested); });
     if (isProtected) {
         const string text = QStringLiteral("\"%1\" is password protected, FAILURE.").arg(work.Source);
         host.Log(text);
@@ -145,7 +146,8 @@ TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TPro
     }
     auto document = std::make_unique<TZQPDFDocument>(nullptr);
     const TParkOnException park(document);
-    AmongSurroundings([&] { document->OpenFromFile(work.Source, /*password=*/{}, work.Descriptor); });
+    AmongSurroundings(
+        [&] { document->OpenFromFile(work.Source, /*password=*/{}, work.Descriptor, std::move(tested)); });
     const auto told = qScopeGuard([&] {
         if (document != nullptr)
             JournalWarnings(work, *document);

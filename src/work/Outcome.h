@@ -1,6 +1,6 @@
 #pragma once
 // What became of a file: every file that is taken up ends in one of these.
-#include "engine/Warnings.h"
+#include "engine/file/Warnings.h"
 
 #include <QList>
 

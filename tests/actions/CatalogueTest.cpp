@@ -5,7 +5,7 @@
 #include "actions/ContentActions.h"
 #include "actions/Leaves.h"
 #include "base/Exceptions.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/ScriptDocument.h"
 #include "scripting/Signatures.h"
 #include "testing/SamplePdf.h"

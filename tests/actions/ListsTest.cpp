@@ -2,7 +2,7 @@
 #include "actions/ActionManager.h"
 #include "actions/NavigationActions.h"
 #include "actions/PageActions.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/Workspace.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include "actions/PageActions.h"
 #include "actions/WatchedFolders.h"
 #include "base/Exceptions.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/Workspace.h"
 
 #include <QRegularExpression>

@@ -5,7 +5,7 @@
 #include "actions/PageActions.h"
 #include "actions/SecurityActions.h"
 #include "base/Exceptions.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "scripting/ParkedDocuments.h"
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"

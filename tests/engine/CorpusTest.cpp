@@ -1,6 +1,6 @@
 // Files that nobody made for us: opened, worked on as the run does, and judged by others.
 #include "engine/CorpusFiles.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 // One document that a test opens, works on and saves.
-#include "engine/Document.h"
 #include "engine/PdfJudges.h"
+#include "engine/document/Document.h"
 
 struct TDocumentTest : testing::Test {
     const TWorkspace Files;

@@ -1,7 +1,7 @@
 #pragma once
 // The promise of the run, looked at from outside: every byte sequence that was dropped is still whole, once,
 // and no result under a final name is ever half a file.
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"
 

@@ -1,6 +1,6 @@
 // The script document's outline, its editor control and its pictures.
-#include "engine/Document.h"
-#include "engine/editor/Editor.h"
+#include "engine/control/Editor.h"
+#include "engine/document/Document.h"
 #include "scripting/ScriptDocument.h"
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"

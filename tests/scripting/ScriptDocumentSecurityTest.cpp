@@ -1,7 +1,7 @@
 // The script document's loading and protection, judged by other readers.
 #include "base/Exceptions.h"
-#include "engine/Document.h"
-#include "engine/Permissions.h"
+#include "engine/core/Permissions.h"
+#include "engine/document/Document.h"
 #include "scripting/AskForPassword.h"
 #include "scripting/ScriptDocument.h"
 #include "testing/SamplePdf.h"

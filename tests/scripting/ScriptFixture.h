@@ -3,7 +3,7 @@
 // programs judge.
 #include "actions/ActionDocument.h"
 #include "actions/DocumentScriptEngine.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "platform/MessageBox.h"
 #include "platform/StopSignal.h"
 #include "testing/SamplePdf.h"

@@ -23,7 +23,7 @@ class CheckLayers(unittest.TestCase):
         for path, line in [
             ("xml/A.cpp", '#include "base/Text.h"'),
             ("xml/A.cpp", '#include "xml/B.h"'),
-            ("agent/A.cpp", '#include "engine/Document.h"'),  # through actions
+            ("agent/A.cpp", '#include "engine/document/Document.h"'),  # through actions
             ("engine/render/A.cpp", "#include <qpdf/QPDF.hh>"),
             ("base/A.cpp", "#include <vector>"),
             ("base/A.cpp", '#include "A.moc"'),

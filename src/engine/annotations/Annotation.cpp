@@ -1,8 +1,8 @@
 #include "engine/annotations/Annotation.h"
 
-#include "engine/InfoWriter.h"
 #include "engine/annotations/Shapes.h"
 #include "engine/layers/Drawing.h"
+#include "engine/pdf/Dates.h"
 
 #include <QUuid>
 

@@ -1,8 +1,8 @@
 #include "engine/annotations/FileAttachmentAnnotation.h"
 
-#include "engine/Attachments.h"
 #include "engine/annotations/Icons.h"
 #include "engine/layers/Drawing.h"
+#include "engine/pdf/AttachedFile.h"
 
 namespace {
 
@@ -28,7 +28,7 @@ TZQPDFFileAttachementAnnotation::TZQPDFFileAttachementAnnotation(TZQPDFDocument&
 TZQPDFFileAttachementAnnotation::~TZQPDFFileAttachementAnnotation() = default;
 
 void TZQPDFFileAttachementAnnotation::SetDiskFilename(const NarrowString& path) {
-    FFile = std::make_unique<TAttachmentChange>(ReadAttachment(Widen(path), {}, {}, {}));
+    FFile = std::make_unique<TAttachedFile>(ReadAttachedFile(Widen(path), {}, {}, {}));
     SetContents(FFile->Name);
 }
 

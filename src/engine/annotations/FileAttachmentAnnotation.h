@@ -5,7 +5,7 @@
 #include <memory>
 
 class TZQPDFDocument;
-struct TAttachmentChange;
+struct TAttachedFile;
 
 class TZQPDFFileAttachementAnnotation : public TZQPDFAnnotation {
     Q_OBJECT
@@ -27,5 +27,5 @@ protected:
 
 private:
     NarrowString FIcon;
-    std::unique_ptr<const TAttachmentChange> FFile;
+    std::unique_ptr<const TAttachedFile> FFile;
 };

@@ -1,8 +1,8 @@
 #include "engine/annotations/LinkAnnotation.h"
 
-#include "engine/Document.h"
-#include "engine/PageObject.h"
 #include "engine/layers/Drawing.h"
+#include "engine/pages/PageObject.h"
+#include "engine/pages/Pages.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,8 +35,8 @@ QPDFObjectHandle NewDestination(const TZQPDFPage& page) {
 
 } // namespace
 
-TZQPDFLinkAnnotation::TZQPDFLinkAnnotation(TZQPDFDocument& document, TZQLayerCollection* collection, int page)
-    : TZQPDFAnnotation(collection), FTarget(document.Pages().getItem(page - 1).Handle()) {}
+TZQPDFLinkAnnotation::TZQPDFLinkAnnotation(TZQPDFPage& target, TZQLayerCollection* collection)
+    : TZQPDFAnnotation(collection), FTarget(target.Handle()) {}
 
 TZQPDFLinkAnnotation::TZQPDFLinkAnnotation(TZQLayerCollection* collection, const NarrowString& uri)
     : TZQPDFAnnotation(collection), FUri(uri) {}

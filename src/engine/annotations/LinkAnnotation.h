@@ -10,10 +10,9 @@ class TZQPDFPage;
 class TZQPDFLinkAnnotation : public TZQPDFAnnotation {
     Q_OBJECT
 public:
-    /// To the page that has that number now, counted from 1; it stays the page meant however pages move. Is
-    /// the page deleted before the document is saved, there is no link. Raises EPDFError for a page that
-    /// doesn't exist.
-    TZQPDFLinkAnnotation(TZQPDFDocument& document, TZQLayerCollection* collection, int page);
+    /// To a page of the same document, however pages move. Is it deleted before the document is saved, there
+    /// is no link.
+    TZQPDFLinkAnnotation(TZQPDFPage& target, TZQLayerCollection* collection);
 
     /// To an address, from a rectangle given by two corners. Of the address, what no URI may hold is
     /// escaped; the rest stays as it is. The collection owns the link.

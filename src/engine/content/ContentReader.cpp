@@ -1,7 +1,7 @@
 #include "engine/content/ContentReader.h"
 
 #include "engine/content/ContentScan.h"
-#include "engine/content/FormContent.h"
+#include "engine/pdf/Flate.h"
 
 #include <libdeflate.h>
 #include <qpdf/Buffer.hh>

@@ -1,7 +1,7 @@
 #pragma once
 // Reads a page's contents as far as it takes to put something behind them.
-#include "engine/Qpdf.h"
 #include "engine/decode/DecodeBudget.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <unordered_map>
 

@@ -1,6 +1,6 @@
 #pragma once
 // The content of a form XObject while it is put together: its operators and the resources that they name.
-#include "engine/Qpdf.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <string_view>
 #include <vector>
@@ -51,8 +51,3 @@ private:
 
 /// Appends a number as TFormContent::Number does, without the blank.
 void AppendNumber(std::string& data, Double value);
-/// Data as a flate stream holds it. Small data is what it is made for: no state is kept, nothing is written
-/// twice.
-[[nodiscard]] std::string Deflated(std::string_view data);
-/// None where the data is damaged or more than `most` bytes.
-[[nodiscard]] std::optional<std::string> Inflated(std::string_view data, size_t most);

@@ -1,7 +1,7 @@
 #include "engine/decode/DecodeBudget.h"
 
 #include "base/Interrupt.h"
-#include "engine/Errors.h"
+#include "engine/pdf/Errors.h"
 
 #include <stdexcept>
 

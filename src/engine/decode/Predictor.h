@@ -1,6 +1,6 @@
 #pragma once
 // Undoes the predictors of Flate and LZW data (ISO 32000-1, 7.4.4.4).
-#include "engine/Qpdf.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <qpdf/Pipeline.hh>
 

@@ -1,7 +1,7 @@
 #pragma once
 // The fonts that we put into one document: one resource for each face, shared by all its pages.
-#include "engine/Qpdf.h"
 #include "engine/fonts/TextShaper.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <functional>
 

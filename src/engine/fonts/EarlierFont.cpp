@@ -1,7 +1,7 @@
 #include "engine/fonts/EarlierFont.h"
 
-#include "engine/content/FormContent.h"
 #include "engine/fonts/FontProgram.h"
+#include "engine/pdf/Flate.h"
 
 #include <qpdf/Buffer.hh>
 

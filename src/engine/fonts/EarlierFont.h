@@ -1,7 +1,7 @@
 #pragma once
 // Fonts that an earlier run has put into a document: told from others by what they consist of.
-#include "engine/Qpdf.h"
 #include "engine/fonts/GlyphTexts.h"
+#include "engine/pdf/Qpdf.h"
 
 /// The objects of an embedded font.
 struct TFontObjects {

@@ -1,8 +1,9 @@
 #include "engine/fonts/EmbeddedFont.h"
 
-#include "engine/Metadata.h"
 #include "engine/content/FormContent.h"
 #include "engine/fonts/FontProgram.h"
+#include "engine/pdf/Flate.h"
+#include "engine/pdf/Metadata.h"
 
 #include <QCryptographicHash>
 

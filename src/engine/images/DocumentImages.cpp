@@ -3,6 +3,7 @@
 #include "engine/content/FormContent.h"
 #include "engine/images/ImageData.h"
 #include "engine/images/ImageFile.h"
+#include "engine/pdf/Flate.h"
 
 #include <qpdf/Buffer.hh>
 

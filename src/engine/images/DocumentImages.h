@@ -1,6 +1,6 @@
 #pragma once
 // The images that we put into one document.
-#include "engine/Qpdf.h"
+#include "engine/pdf/Qpdf.h"
 
 #include <QHash>
 

@@ -1,10 +1,10 @@
 #include "engine/images/ImageFile.h"
 
 #include "base/Paths.h"
-#include "engine/Errors.h"
-#include "engine/FileInput.h"
+#include "engine/file/FileInput.h"
 #include "engine/images/ImageCache.h"
 #include "engine/images/Readers.h"
+#include "engine/pdf/Errors.h"
 
 #include <QCryptographicHash>
 

@@ -1,6 +1,6 @@
 #include "engine/images/Pack.h"
 
-#include "engine/content/FormContent.h"
+#include "engine/pdf/Flate.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,7 @@
 #include "engine/images/PngColors.h"
 
 #include "engine/images/Exif.h"
-
-#include <libdeflate.h>
+#include "engine/pdf/Flate.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,23 +10,7 @@ namespace {
 
 using TVector = std::array<Double, 3>;
 
-/// Of unknown size, but no profile is as large as this allows.
-std::string Inflated(std::string_view data) {
-    constexpr size_t Limit = 16 << 20;
-    const std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)> decompressor(
-        libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
-    for (size_t room = 64 << 10; room <= Limit; room *= 4) {
-        std::string result(room, '\0');
-        size_t size = 0;
-        const auto outcome = libdeflate_zlib_decompress(decompressor.get(), data.data(), data.size(),
-                                                        result.data(), room, &size);
-        if (outcome == LIBDEFLATE_SUCCESS)
-            return result.substr(0, size);
-        if (outcome != LIBDEFLATE_INSUFFICIENT_SPACE)
-            break;
-    }
-    return {};
-}
+constexpr size_t LargestProfile = 16 << 20;
 
 /// XYZ, for a luminance of 1, of a colour by its chromaticity.
 TVector ColorAt(Double x, Double y) {
@@ -53,7 +36,7 @@ void TPngColors::Read(std::string_view type, std::string_view data) {
     } else if (type == "iCCP") {
         const size_t name = data.find('\0');
         if (name != std::string_view::npos && name + 2 < data.size() && data[name + 1] == 0)
-            FProfile = Inflated(data.substr(name + 2));
+            FProfile = Inflated(data.substr(name + 2), LargestProfile).value_or(std::string());
     }
 }
 

@@ -1,7 +1,7 @@
 #include "engine/layers/Layer.h"
 
-#include "engine/Numbers.h"
-#include "engine/Pages.h"
+#include "engine/pages/Pages.h"
+#include "engine/pdf/Numbers.h"
 
 #include <algorithm>
 

@@ -6,8 +6,8 @@
 // down. A layer lies where it was placed: it keeps the page's geometry of that moment, and what turns or
 // crops the page afterwards changes the mapping for later layers only.
 #include "base/Component.h"
-#include "engine/PageGeometry.h"
-#include "engine/Types.h"
+#include "engine/pages/PageGeometry.h"
+#include "engine/pdf/Types.h"
 
 #include <vector>
 
@@ -32,7 +32,7 @@ public:
     void SetX(Single x) { MoveTo(x, FY); }
     void SetY(Single y) { MoveTo(FX, y); }
     /// Puts the top left corner there. This and what sets the size raise EPDFError for a number that no
-    /// page can hold (engine/Numbers.h).
+    /// page can hold (engine/pdf/Numbers.h).
     virtual void MoveTo(Single x, Single y);
     void SetPosition(const TGPPointF& position) { MoveTo(position.X, position.Y); }
     /// Place and size at once.

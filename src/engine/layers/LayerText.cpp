@@ -1,8 +1,8 @@
 #include "engine/layers/LayerText.h"
 
-#include "engine/Numbers.h"
 #include "engine/layers/Drawing.h"
 #include "engine/layers/TextSource.h"
+#include "engine/pdf/Numbers.h"
 
 #include <algorithm>
 

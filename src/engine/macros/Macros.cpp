@@ -1,7 +1,7 @@
 #include "engine/macros/Macros.h"
 
 #include "base/Paths.h"
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/macros/MacroDates.h"
 
 #include <algorithm>

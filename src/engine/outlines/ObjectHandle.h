@@ -1,7 +1,7 @@
 #pragma once
 // The library's side of PDF objects that callers hold.
-#include "engine/Qpdf.h"
 #include "engine/outlines/Objects.h"
+#include "engine/pdf/Qpdf.h"
 
 struct TPDFObject::THandle {
     explicit THandle(const QPDFObjectHandle& object) : Object(object) {}

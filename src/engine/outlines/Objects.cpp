@@ -1,7 +1,7 @@
 #include "engine/outlines/Objects.h"
 
-#include "engine/Errors.h"
 #include "engine/outlines/ObjectHandle.h"
+#include "engine/pdf/Errors.h"
 
 #include <cmath>
 

@@ -1,14 +1,14 @@
 #include "engine/outlines/OutlineTree.h"
 
-#include "engine/DocumentCore.h"
 #include "engine/outlines/ObjectHandle.h"
 #include "engine/outlines/OutlineWriter.h"
+#include "engine/pdf/Errors.h"
 
 #include <unordered_set>
 
-TOutlineTree::TOutlineTree(const TDocumentCore& core) {
+TOutlineTree::TOutlineTree(const QPDFObjectHandle& catalog) {
     FNodes.push_back(std::make_unique<TOutlineNode>());
-    Root().Dict = Entry(core.Root(), "/Outlines");
+    Root().Dict = Entry(catalog, "/Outlines");
     std::unordered_set<quint64> seen;
     std::vector<TOutlineNode*> waiting{&Root()};
     while (!waiting.empty()) {
@@ -78,9 +78,9 @@ TPDFIndirect* TOutlineTree::Add(const TPDFIndirect* parent, const string& title,
     return ReferenceTo(node);
 }
 
-void TOutlineTree::Write(TDocumentCore& core) {
+void TOutlineTree::Write(QPDF& pdf, const TZQPDFPages& pages) {
     if (Root().Changed)
-        TOutlineWriter(core, FNodes).Write();
+        TOutlineWriter(pdf, pages, FNodes).Write();
 }
 
 void TOutlineTree::GoOverTo(TOutlineTree fresh, const TSuccessor& successor) {
@@ -95,8 +95,8 @@ void TOutlineTree::GoOverTo(TOutlineTree fresh, const TSuccessor& successor) {
     *this = std::move(fresh);
 }
 
-void TOutlineTree::Refresh(const TDocumentCore& core) {
-    TOutlineTree fresh(core);
+void TOutlineTree::Refresh(const QPDFObjectHandle& catalog) {
+    TOutlineTree fresh(catalog);
     std::unordered_map<quint64, TOutlineNode*> byObject;
     for (const auto& node : fresh.FNodes)
         if (node->Dict.isIndirect())
@@ -107,8 +107,8 @@ void TOutlineTree::Refresh(const TDocumentCore& core) {
     });
 }
 
-void TOutlineTree::Rebind(const TDocumentCore& core) {
-    TOutlineTree fresh(core);
+void TOutlineTree::Rebind(const QPDFObjectHandle& catalog) {
+    TOutlineTree fresh(catalog);
     std::unordered_map<const TOutlineNode*, TOutlineNode*> successors{{&Root(), &fresh.Root()}};
     for (const auto& node : FNodes) { // parents come before their children
         TOutlineNode* next = successors[node.get()];

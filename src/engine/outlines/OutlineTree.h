@@ -1,16 +1,16 @@
 #pragma once
 // The outline of a document as a tree of our own: read from the file at first use, written back at save
 // where items were added. Items of the file stay the objects they are.
-#include "engine/Qpdf.h"
-#include "engine/Types.h"
 #include "engine/outlines/Objects.h"
+#include "engine/pdf/Qpdf.h"
+#include "engine/pdf/Types.h"
 
 #include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
-struct TDocumentCore;
+class TZQPDFPages;
 
 /// Where a new item leads; the page is kept as itself, since its number may change before the save.
 struct TOutlineTarget {
@@ -33,8 +33,9 @@ using TOutlineNodes = std::vector<std::unique_ptr<TOutlineNode>>;
 
 class TOutlineTree {
 public:
-    /// The outline of the document's file. One with loops or items of the wrong type ends there.
-    explicit TOutlineTree(const TDocumentCore& core);
+    /// The outline of a file by its catalog, which is null for a document without one. One with loops or
+    /// items of the wrong type ends there.
+    explicit TOutlineTree(const QPDFObjectHandle& catalog);
 
     /// Items in all.
     [[nodiscard]] int Count() const { return int(FNodes.size()) - 1; }
@@ -48,12 +49,13 @@ public:
     /// Adds a last item to `parent`, null for the top level. Raises EPDFError if that is no item of the tree.
     TPDFIndirect* Add(const TPDFIndirect* parent, const string& title, TOutlineTarget target);
 
-    /// Makes the added items objects of the document's file (engine/outlines/OutlineWriter.h).
-    void Write(TDocumentCore& core);
+    /// Makes the added items objects of the document's file (engine/outlines/OutlineWriter.h), whose pages
+    /// they are.
+    void Write(QPDF& pdf, const TZQPDFPages& pages);
     /// Follows the file after a save has taken items out.
-    void Refresh(const TDocumentCore& core);
+    void Refresh(const QPDFObjectHandle& catalog);
     /// Goes over to the file just written, where the items stand as they stand here.
-    void Rebind(const TDocumentCore& core);
+    void Rebind(const QPDFObjectHandle& catalog);
 
 private:
     using TSuccessor = std::function<TOutlineNode*(const TOutlineNode&)>;

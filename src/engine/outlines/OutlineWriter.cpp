@@ -1,5 +1,8 @@
 #include "engine/outlines/OutlineWriter.h"
 
+#include "engine/pages/PageObject.h"
+#include "engine/pages/Pages.h"
+
 #include <algorithm>
 #include <cmath>
 #include <unordered_set>
@@ -57,9 +60,9 @@ qint64 CountOf(const TOutlineNode& node) {
 
 } // namespace
 
-TOutlineWriter::TOutlineWriter(TDocumentCore& core, const TOutlineNodes& nodes)
-    : FPdf(*core.Source->Pdf), FNodes(nodes) {
-    for (const auto& page : core.Pages.Items())
+TOutlineWriter::TOutlineWriter(QPDF& pdf, const TZQPDFPages& pages, const TOutlineNodes& nodes)
+    : FPdf(pdf), FNodes(nodes) {
+    for (const auto& page : pages.Items())
         FPages.emplace(page->Id(), page.get());
 }
 

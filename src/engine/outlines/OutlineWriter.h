@@ -1,11 +1,13 @@
 #pragma once
 // Writes the items added to an outline into the document's file (ISO 32000-1, 12.3.3). Only levels with
 // new items, and the counts above them, are touched.
-#include "engine/DocumentCore.h"
+#include "engine/outlines/OutlineTree.h"
+
+class TZQPDFPage;
 
 class TOutlineWriter {
 public:
-    TOutlineWriter(TDocumentCore& core, const TOutlineNodes& nodes);
+    TOutlineWriter(QPDF& pdf, const TZQPDFPages& pages, const TOutlineNodes& nodes);
 
     /// The pages are objects of the file already. An item whose page has gone is left out, or loses its
     /// destination if it has items below it. Afterwards no node is new.

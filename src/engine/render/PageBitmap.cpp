@@ -1,7 +1,7 @@
 #include "engine/render/PageBitmap.h"
 
 #include "base/PartFile.h"
-#include "engine/DocumentCore.h"
+#include "engine/core/DocumentCore.h"
 #include "engine/render/PagePainter.h"
 #include "engine/render/SinglePage.h"
 

@@ -1,7 +1,7 @@
 #include "engine/render/PagePainter.h"
 
 #include "base/Module.h"
-#include "engine/Errors.h"
+#include "engine/pdf/Errors.h"
 
 namespace {
 

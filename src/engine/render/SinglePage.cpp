@@ -1,11 +1,11 @@
 #include "engine/render/SinglePage.h"
 
-#include "engine/ObjectCopier.h"
-#include "engine/PageTreeWriter.h"
-#include "engine/SharedResources.h"
-#include "engine/content/PageContent.h"
 #include "engine/decode/DecodeBudget.h"
+#include "engine/import/ObjectCopier.h"
+#include "engine/pages/SharedResources.h"
 #include "engine/render/UprightAnnotations.h"
+#include "engine/save/PageContent.h"
+#include "engine/save/PageTreeWriter.h"
 
 #include <qpdf/Buffer.hh>
 #include <qpdf/Pl_Discard.hh>

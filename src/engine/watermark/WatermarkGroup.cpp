@@ -1,8 +1,8 @@
 #include "engine/watermark/WatermarkGroup.h"
 
-#include "engine/Numbers.h"
 #include "engine/images/ImageFile.h"
 #include "engine/layers/Drawing.h"
+#include "engine/pdf/Numbers.h"
 #include "engine/watermark/WatermarkSettings.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #pragma once
 // A watermark on pages of any size: drawn once in its own natural size, then placed on each page by its
 // position, turn, scale and offset.
-#include "engine/Types.h"
 #include "engine/layers/TextSource.h"
 #include "engine/layers/XObjectGroup.h"
+#include "engine/pdf/Types.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "engine/watermark/WatermarkSettings.h"
 
-#include "engine/Document.h"
+#include "engine/document/Document.h"
 #include "engine/watermark/WatermarkGroup.h"
 #include "xml/Xmlserial.h"
 

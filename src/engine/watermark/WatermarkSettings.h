@@ -1,7 +1,7 @@
 #pragma once
 // The description of a watermark: a text or an image that is put on many pages alike. Visible to scripts and
 // files.
-#include "engine/Types.h"
+#include "engine/pdf/Types.h"
 #include "xml/XmlMarks.h"
 
 class TZQPDFDocument;
@@ -27,7 +27,7 @@ public:
     PUBLISHED(TPDFVerticalPosition, VerticalPosition, FVertical) = TPDFVerticalPosition::vpCenter;
     PUBLISHED(Single, OffsetX, FOffsetX) = 0; ///< points from there to the right
     PUBLISHED(Single, OffsetY, FOffsetY) = 0; ///< points from there downwards
-    PUBLISHED(string, PageRange, FPageRange); ///< engine/PageRange.h; empty for all pages
+    PUBLISHED(string, PageRange, FPageRange); ///< engine/pages/PageRange.h; empty for all pages
     PUBLISHED(Boolean, BehindContent, FBehindContent) = false;
 
     /// Copies the values of `Other`; null changes nothing.

@@ -5,7 +5,7 @@
 #include "actions/UnknownAction.h"
 #include "actions/WatermarkActions.h"
 #include "base/Paths.h"
-#include "engine/PageRange.h"
+#include "engine/pages/PageRange.h"
 #include "scripting/ScriptDocument.h"
 #include "scripting/host/Engine.h"
 #include "xml/Instance.h"

@@ -1,0 +1,6 @@
+#pragma once
+// Changes to attached files, written.
+#include "engine/core/DocumentCore.h"
+
+/// Brings the confirmed changes to attachments into the source's objects.
+void ApplyAttachments(TDocumentCore& core);
