@@ -91,6 +91,10 @@ QList<QMetaMethod> FindMethods(const QMetaObject& type, QStringView name) {
     return found;
 }
 
+bool IsConstParameter(const QMetaMethod& method, int index) {
+    return method.parameterTypeName(index).startsWith("TConst<");
+}
+
 QVariant Call(QObject& object, const QMetaMethod& method, const QVariantList& arguments) {
     return WithArguments(method, arguments, RoomForResult(method), [&](void** args) {
         QMetaObject::metacall(&object, QMetaObject::InvokeMetaMethod, method.methodIndex(), args);

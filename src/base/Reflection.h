@@ -16,6 +16,10 @@
 /// A public data field N. Lookups find it only where no property has the name.
 #define FIELD(T, N) Q_PROPERTY(T N MEMBER N DESIGNABLE false) T N
 
+/// How a parameter is declared whose declaration reads "const <name>: <type>": the tables keep the type as it
+/// is spelt, but no reference and no const of C++.
+template <class T> using TConst = const T&;
+
 namespace Reflection {
 
 /// The name a class was declared with, without a namespace.
@@ -32,6 +36,9 @@ namespace Reflection {
 /// shortened forms that default arguments make don't count.
 [[nodiscard]] QList<QMetaMethod> FindMethods(const QMetaObject& type, QStringView name);
 [[nodiscard]] QList<QMetaMethod> Methods(const QMetaObject& type);
+
+/// Whether parameter `index` is declared as a TConst.
+[[nodiscard]] bool IsConstParameter(const QMetaMethod& method, int index);
 
 /// Calls `method` on `object`. Each argument is converted to its parameter's type (base/Convert.h), which
 /// raises EConvertError naming the parameter; exceptions of the method pass. The result is not valid for a

@@ -274,13 +274,20 @@ bool TfrmJavaScriptEditor::Save() {
     return true;
 }
 
-bool TfrmJavaScriptEditor::MayClose() {
+bool TfrmJavaScriptEditor::WouldLose() {
     jsScript->UndoList().Flush();
-    if (FManners == TManners::Rule || FScript.ReadOnly || jsScript->UndoList().IsAtSaved())
+    return FManners == TManners::Comfortable && !FScript.ReadOnly && !jsScript->UndoList().IsAtSaved() &&
+           FGivenUp != jsScript->Lines().Revision();
+}
+
+bool TfrmJavaScriptEditor::MayClose() {
+    if (!WouldLose())
         return true;
     const auto answer = QMessageBox::question(
         this, Caption, QStringLiteral("The script has been changed. Save the changes?"),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Discard)
+        FGivenUp = jsScript->Lines().Revision();
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save());
 }
 
@@ -290,10 +297,12 @@ void TfrmJavaScriptEditor::reject() {
         QDialog::reject();
 }
 
+/// A session that goes on to its end closes the window later, which asks no second time.
 void TfrmJavaScriptEditor::SessionEnds(QSessionManager& session) {
-    if (jsScript->UndoList().IsAtSaved() || !session.allowsInteraction())
+    if (!WouldLose() || !session.allowsInteraction())
         return;
-    if (!MayClose())
-        session.cancel();
-    session.release();
+    if (MayClose())
+        session.release();
+    else
+        session.cancel(); // which a release would take back
 }

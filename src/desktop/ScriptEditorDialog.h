@@ -6,6 +6,8 @@
 #include <QDialog>
 #include <QTimer>
 
+#include <optional>
+
 class QPushButton;
 class QSessionManager;
 class TAdvJSMemoStyler;
@@ -56,6 +58,7 @@ private:
     void TakeCheck(const TJSMessage& message);
     /// False: the text is nowhere yet, because the user thought again or it could not be saved.
     bool Save();
+    [[nodiscard]] bool WouldLose();
     [[nodiscard]] bool MayClose();
     void SessionEnds(QSessionManager& session);
 
@@ -69,8 +72,9 @@ private:
     TJSEngine* FEngine = nullptr;
     TEditedScript FScript;
     std::unique_ptr<TScriptChecker> FChecker;
-    QTimer FRest;           // of the user's hands, before the script is checked
-    unsigned FRevision = 0; // of the text that was checked or is to be
+    QTimer FRest;                     // of the user's hands, before the script is checked
+    unsigned FRevision = 0;           // of the text that was checked or is to be
+    std::optional<unsigned> FGivenUp; // the revision that the user said may be lost
 };
 
 class TDesktopScriptEditorHost : public TScriptEditorHost {

@@ -47,7 +47,7 @@ public:
     // Life cycle (ScriptDocument.cpp)
     /// Asks for the owner password of a protected file unless `Password` is it; false where that is
     /// cancelled or the file doesn't exist. Raises where the file can't be opened.
-    Q_INVOKABLE bool Load(const string& fileName, const string& Password);
+    Q_INVOKABLE bool Load(TConst<string> fileName, const string& Password);
     /// To the path of the last load or save; without one nothing is written, and the answer is still true.
     Q_INVOKABLE bool Save();
     Q_INVOKABLE bool SaveAs(const string& fileName);
@@ -81,13 +81,13 @@ public:
     Q_INVOKABLE bool AddBatesNumbering(const TZQPDFBatesSetting& bates, const string& pageRange);
     /// Annotations (ScriptDocumentAnnotations.cpp), except for stamps by name, which add nothing.
     Q_INVOKABLE TZQPDFTextAnnotation* AddNoteAnnotation(float X, float Y, TColor Color);
-    Q_INVOKABLE TZQPDFStampAnnotation* AddStampAnnotation(double X, double Y, const string& Text,
-                                                          const string& Subject, TColor baseColor,
+    Q_INVOKABLE TZQPDFStampAnnotation* AddStampAnnotation(double X, double Y, TConst<string> Text,
+                                                          TConst<string> Subject, TColor baseColor,
                                                           TColor BgGradientStartColor,
                                                           TColor BgGradientEndColor);
     Q_INVOKABLE TZQPDFStampAnnotation* AddStampAnnotationDefined(const string& name);
     Q_INVOKABLE TZQPDFFileAttachementAnnotation* AddFileAttachAnnotation(double X, double Y,
-                                                                         const TFileName& fileName);
+                                                                         TConst<TFileName> fileName);
     Q_INVOKABLE TZQPDFLinkAnnotation* AddLinkAnnotation(float X, float Y, float Width, float Height,
                                                         int pageNum);
     Q_INVOKABLE TZQPDFLinkAnnotation* AddWebAnnotation(float X, float Y, float Width, float Height,
@@ -132,7 +132,7 @@ public:
     Q_INVOKABLE bool SetPageLayout(TPDFPageLayout NewLayout);
     Q_INVOKABLE TPDFPageLayout GetPageLayout();
     /// The XMP packet, passed through unparsed.
-    Q_INVOKABLE void SetXMLMetaData(const NarrowString& XMP);
+    Q_INVOKABLE void SetXMLMetaData(TConst<NarrowString> XMP);
     Q_INVOKABLE NarrowString GetXMLMetaData();
     /// The current page as a picture, changes that aren't saved included (engine/render/PageBitmap.h).
     Q_INVOKABLE void SaveGraphicPageToBitmap(const NarrowString& fileName, int DPI);

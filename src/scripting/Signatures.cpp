@@ -6,7 +6,8 @@ string ParameterList(const QMetaMethod& method) {
     QStringList parameters;
     const QList<QByteArray> names = method.parameterNames();
     for (int i = 0; i < method.parameterCount(); ++i)
-        parameters.append(QString::fromLatin1(names.value(i)) + QStringLiteral(": ") +
+        parameters.append((Reflection::IsConstParameter(method, i) ? QStringLiteral("const ") : string()) +
+                          QString::fromLatin1(names.value(i)) + QStringLiteral(": ") +
                           TypeName(method.parameterMetaType(i)));
     return parameters.isEmpty() ? string() : u'(' + parameters.join(QStringLiteral(", ")) + u')';
 }

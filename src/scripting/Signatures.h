@@ -3,7 +3,8 @@
 #include "base/Reflection.h"
 #include "base/TypeNames.h"
 
-/// "(fileName: string, Password: string)"; empty for a method without parameters.
+/// "(const fileName: string, Password: string)", with "const" as declared (base/Reflection.h); empty for a
+/// method without parameters.
 [[nodiscard]] string ParameterList(const QMetaMethod& method);
 
 /// "function SaveAs (fileName: string) Boolean;", and "function Save  Boolean;" without parameters.

@@ -46,6 +46,13 @@ TEST(ExactHistory, GivesBackWhatTheRuleLoses) {
         {"ab|c", [](auto& e) { e.Memo.Settings.FOverwrite = true, e.Type("x"); }, "abx|", 1, "ab|c"},
         {"a\n b|", [](auto& e) { e.Memo.Blocks().BlockIndent(0, 1, -4, RecordUndo::Yes); }, "a\nb|", 1,
          "a\n b|"},
+        {"|a \nb\nc",
+         [](auto& e) { // the caret leaves a line that is trimmed then
+             e.Memo.Settings.FTrimTrailingSpaces = true;
+             e.Memo.Selection().Take({0, 0, 0, 2}, /*block=*/false);
+             e.Key(keyTab);
+         },
+         "    a\n    b\n|c", 1, "|a \nb\nc"},
         {"one|", [](auto& e) { e.Type(" two"), e.Type(" three"); }, "one two three|", 1, "one|"},
         {"x|", [](auto& e) { e.Type("a"), e.Key(keyZ, ssCtrl), e.Type("b"); }, "xb|", 1, "x|"},
         {"|", [](auto& e) { e.Type("a\nb\nc"); }, "a\nb\nc|", 1, "a\nb\n|"}, // one line at most

@@ -9,10 +9,10 @@ TEST(ScriptCompletion, FollowsTheRunTimeTables) {
     const TJSCompletion completion = BuildCompletion();
     EXPECT_EQ(completion.keys(), (QStringList{"DOCUMENT.", "{DEFAULT}"}));
     const QStringList methods = completion["DOCUMENT."];
-    EXPECT_EQ(methods[0], "function Load (fileName: string, Password: string) Boolean;");
+    EXPECT_EQ(methods[0], "function Load (const fileName: string, Password: string) Boolean;");
     EXPECT_EQ(methods[1], "function Save  Boolean;");
     EXPECT_TRUE(methods.contains("function GetLastError  Integer;"));
-    EXPECT_TRUE(methods.contains("function SetXMLMetaData (XMP: string);"));
+    EXPECT_TRUE(methods.contains("function SetXMLMetaData (const XMP: string);"));
     EXPECT_EQ(methods.last(), "function GetOutlineCount  Integer;");
     const QStringList functions = completion["{DEFAULT}"];
     EXPECT_EQ(functions[0], "Document.");

@@ -92,19 +92,22 @@ void TMemoKeys::Tab(TShiftState shift) {
     const TSelectionRange before = selection.Range();
     const int lengths[] = {FMemo.LineLength(before.StartY), FMemo.LineLength(before.EndY)};
     const int size = FMemo.Settings.FTabSize;
+    const int x = FMemo.Caret().X(), y = FMemo.Caret().Y();
+    FMemo.UndoList().Hold();
     FMemo.Blocks().BlockIndent(range.StartY,
                                range.EndY - (range.EndX == 0 && range.EndY > range.StartY ? 1 : 0),
                                Held(shift, ssShift) ? -size : size, RecordUndo::Yes);
-    if (!FMemo.Settings.FIndentSelection || selection.IsBlock())
-        return;
-    // What is selected stays so; from a line's start on all of the line.
-    const auto moved = [this](int x, int y, int length) {
-        return x == 0 ? 0 : std::max(0, x + FMemo.LineLength(y) - length);
-    };
-    const TSelectionRange after{moved(before.StartX, before.StartY, lengths[0]), before.StartY,
-                                moved(before.EndX, before.EndY, lengths[1]), before.EndY};
-    FMemo.Caret().MoveTo(after.EndX, after.EndY);
-    FMemo.Selection().Take(after, /*block=*/false);
+    if (FMemo.Settings.FIndentSelection && !selection.IsBlock()) {
+        // What is selected stays so; from a line's start on all of the line.
+        const auto moved = [this](int column, int row, int length) {
+            return column == 0 ? 0 : std::max(0, column + FMemo.LineLength(row) - length);
+        };
+        const TSelectionRange after{moved(before.StartX, before.StartY, lengths[0]), before.StartY,
+                                    moved(before.EndX, before.EndY, lengths[1]), before.EndY};
+        FMemo.Caret().MoveTo(after.EndX, after.EndY); // may trim the line that it leaves
+        FMemo.Selection().Take(after, /*block=*/false);
+    }
+    FMemo.UndoList().Release(x, y);
 }
 
 void TMemoKeys::ExecuteKey(int key, TShiftState shift) {

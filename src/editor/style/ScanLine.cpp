@@ -266,11 +266,12 @@ void TLineScan::KeyWord() {
             ++FWordEnd;
     }
     const QStringView word = FText.mid(FAt, FWordEnd - FAt);
+    const string lookup = QString::fromRawData(word.data(), word.size()); // most words are none: not copied
     const auto sensitivity = FRules.FCaseSensitive ? Qt::CaseSensitive : Qt::CaseInsensitive;
     for (int i = 0; i < FElements.Count(); ++i) {
         const TElementStyle& element = FElements[i];
         if (element.StyleType() != stKeyword || word.size() > element.LongestKeyWord() ||
-            !element.HoldsKeyWord(word.toString(), sensitivity))
+            !element.HoldsKeyWord(lookup, sensitivity))
             continue;
         FState.iskeyWord = true;
         FState.index = i;
