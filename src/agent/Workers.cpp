@@ -401,7 +401,8 @@ void TWorkers::RetryLost() {
 
 void TWorkers::Rest() {
     for (const auto& worker : FWorkers)
-        if (!worker->Ended() && worker->Job == nullptr && Now() - worker->IdleSince >= RestsAfter)
+        if (!worker->Ended() && worker->Job == nullptr && worker->Reach != TReach::Programs &&
+            Now() - worker->IdleSince >= RestsAfter)
             worker->Process.reset();
     ForgetEnded();
     TellWorkers();

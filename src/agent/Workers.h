@@ -32,7 +32,7 @@ public:
     [[nodiscard]] bool HasRoom(const TPDFActionList* list) override;
     void Begin(TJob& job) override;
     void WaitForNews() override;
-    /// Lets go of workers that have had nothing to do for a minute.
+    /// Lets go of workers that have had nothing to do for a minute, but for the one with what scripts keep.
     void Rest() override;
 
 private:
