@@ -34,6 +34,9 @@ TResult Ctl(const QString& words) {
 struct TTarget : TRefreshTarget {
     void RefreshFolders() override { ++Folders; }
     void RefreshActions() override { ++Actions; }
+    string SetPaused(const string& folder, bool paused) override {
+        return folder == u"/in" && paused ? string() : QStringLiteral("not %1").arg(folder);
+    }
     std::atomic<int> Folders = 0;
     std::atomic<int> Actions = 0;
 };
@@ -115,6 +118,10 @@ TEST_F(CtlTest, ARefreshHasReachedTheAgentWhenTheCommandEnds) {
     EXPECT_EQ(Ctl("refresh folders").Code, 0);
     EXPECT_EQ(target.Folders, 1);
     EXPECT_EQ(target.Actions, 0);
+    EXPECT_EQ(Ctl("pause /in").Code, 0);
+    const TResult resumed = Ctl("resume /in/../other");
+    EXPECT_EQ(resumed.Code, 1);
+    EXPECT_EQ(resumed.Err, "not /other\n");
     const TResult actions = Ctl("refresh actions");
     EXPECT_EQ(actions.Code, 0);
     EXPECT_EQ(actions.Out + actions.Err, "");
@@ -189,8 +196,8 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
         const char* Offered;
     } cases[] = {
-        {"_", "init lint check status refresh"},
-        {"re", "refresh"},
+        {"_", "init lint check status pause resume refresh"},
+        {"re", "resume refresh"},
         {"refresh _", "folders actions"},
         {"-q refresh f", "folders"},
         {"--timeout _", ""},
