@@ -3,6 +3,7 @@
 #include "base/Exceptions.h"
 #include "bates/CommaText.h"
 #include "xml/Lexical.h"
+#include "xml/XmlEscape.h"
 
 #include <array>
 #include <charconv>
@@ -93,15 +94,10 @@ void Read(TZQPDFBatesSetting& scheme,
 }
 
 void CheckXmlText(const string& text, const string& what) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        const bool pair = c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        const bool control = c < u' ' && c != u'\t' && c != u'\n' && c != u'\r';
-        if (control || c >= QChar(0xFFFE) || (c.isSurrogate() && !pair))
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (IsForbiddenInXml(text, i))
             throw Exception(QStringLiteral("%1 holds a character that a scheme file cannot: U+%2")
-                                .arg(what, QString::asprintf("%04X", unsigned(c.unicode()))));
-        i += pair ? 1 : 0;
-    }
+                                .arg(what, QString::asprintf("%04X", unsigned(text[i].unicode()))));
 }
 
 } // namespace SchemeFields
