@@ -1,7 +1,10 @@
 // How fast a pass is: 1,000 small files through one folder with one rotate action, against a shell loop over
 // the qpdf program doing the same, and a document of 10,000 pages against qpdf doing only a copy.
 //
-//     run_throughput [--rounds N]
+// And small files stamped with Bates lines, with sync, on a disk and in memory: by the agent alone and by 1,
+// 2 and 4 workers.
+//
+//     run_throughput [--rounds N] [--files N]
 //
 // The two sides of each comparison take turns in one run; medians are printed. "without sync" leaves out the
 // waits for the disk, which the loop doesn't do either.
@@ -16,6 +19,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -37,31 +41,38 @@ void FillFolder(const QString& samples, const QString& folder) {
     Shell("cp " + samples + "/*.pdf " + folder);
 }
 
-void RunPass(const QString& root, FileSync sync) {
+void RunPass(const QString& root, FileSync sync, int workers = 0) {
     SetFileSync(sync);
     RegisterActionClasses();
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
     TAgentStatus status;
-    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint, status});
+    TRunSettings settings;
+    settings.Workers = {.Count = workers,
+                        .Program =
+                            QCoreApplication::applicationDirPath() + QStringLiteral("/morvane-worker")};
+    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint, status}, settings);
     clock.Play(1);
+}
+
+void WriteConfiguration(const QString& root, const QByteArray& actions) {
+    QDir().mkpath(root + "/c");
+    WriteText(root + "/c/watchedfolders.xml",
+              "<WatchedFolder><Folders><Folder><Name>" + root.toUtf8() +
+                  "/in</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery><Action>r</Action></Folder>"
+                  "</Folders></WatchedFolder>");
+    WriteText(root + "/c/actions.xml", "<ActionManager><ManagerActions><ActionList><Name>r</Name><Actions>" +
+                                           actions +
+                                           "</Actions></ActionList></ManagerActions></ActionManager>");
 }
 
 void SmallFilesBench(const QString& root, int rounds) {
     QDir().mkpath(root + "/samples");
-    QDir().mkpath(root + "/c");
     for (int i = 0; i < SmallFiles; ++i)
         MakePdf(QStringLiteral("%1/samples/file %2.pdf").arg(root, QString::number(i)), 1 + i % 3);
     const QString folder = root + "/in";
-    WriteText(root + "/c/watchedfolders.xml",
-              "<WatchedFolder><Folders><Folder><Name>" + folder.toUtf8() +
-                  "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery><Action>r</Action></Folder>"
-                  "</Folders></WatchedFolder>");
-    WriteText(
-        root + "/c/actions.xml",
-        "<ActionManager><ManagerActions><ActionList><Name>r</Name><Actions>"
-        "<Action Class=\"TPDFActionRotatePages\"/></Actions></ActionList></ManagerActions></ActionManager>");
+    WriteConfiguration(root, "<Action Class=\"TPDFActionRotatePages\"/>");
 
     QList<double> unsynced, synced, loop, ratios, ownCpu, loopCpu;
     double ownPeak = 0;
@@ -97,6 +108,38 @@ void SmallFilesBench(const QString& root, int rounds) {
     row("\n  shell loop, qpdf", Median(loop));
     std::printf("   CPU %.0f us a file   the pass without sync is %.1f times as fast\n",
                 1e6 * Median(loopCpu) / SmallFiles, Median(ratios));
+}
+
+void WorkersBench(const QString& root, const char* place, int files, int rounds) {
+    constexpr int Counts[] = {0, 1, 2, 4};
+    WriteConfiguration(
+        root, "<Action Class=\"TPDFActionAddBatesNumbering\"><bates><HeaderLeft>[filename]</HeaderLeft>"
+              "<HeaderRight>Exhibit [page+100:6]</HeaderRight><FooterLeft>[date]</FooterLeft>"
+              "<FooterRight>[page] of [numpages]</FooterRight></bates></Action>");
+    QDir().mkpath(root + "/samples");
+    for (int i = 0; i < files; ++i)
+        MakePdf(QStringLiteral("%1/samples/file %2.pdf").arg(root, QString::number(i)), 1 + i % 3);
+    QMap<int, QList<TFigure>> figures;
+    for (int round = 0; round < rounds; ++round)
+        for (const int workers : Counts) {
+            FillFolder(root + "/samples", root + "/in");
+            figures[workers].append(Measure([&] { RunPass(root, FileSync::On, workers); }));
+            const auto done = QDir(root + "/in/output").entryList(QDir::Files).size();
+            if (done != files)
+                std::fprintf(stderr, "only %lld results\n", static_cast<long long>(done));
+        }
+    std::printf("%d files of 1 to 3 pages, six Bates texts a page, with sync, %s, %d rounds, medians\n",
+                files, place, rounds);
+    for (const int workers : Counts) {
+        QList<double> seconds, cpu, peak;
+        for (const TFigure& figure : figures[workers]) {
+            seconds.append(figure.Seconds);
+            cpu.append(figure.CpuSeconds);
+            peak.append(figure.PeakMiB);
+        }
+        std::printf("  %d workers %8.0f files/s   CPU %.0f us a file   peak of a process %.1f MiB\n", workers,
+                    files / Median(seconds), 1e6 * Median(cpu) / files, Median(peak));
+    }
 }
 
 void LargeFileBench(const QString& root, int rounds) {
@@ -135,7 +178,12 @@ int main(int argc, char** argv) {
     const QStringList arguments = QCoreApplication::arguments();
     const qsizetype at = arguments.indexOf("--rounds");
     const int rounds = at > 0 ? std::max(1, arguments.value(at + 1).toInt()) : 5;
+    const qsizetype filesAt = arguments.indexOf("--files");
+    const int files = filesAt > 0 ? std::max(1, arguments.value(filesAt + 1).toInt()) : SmallFiles;
     const QTemporaryDir root;
+    WorkersBench(root.path() + "/workers", "in the temporary folder", files, rounds);
+    if (const QTemporaryDir memory("/dev/shm/morvane-XXXXXX"); memory.isValid())
+        WorkersBench(memory.path(), "in memory", files, rounds);
     SmallFilesBench(root.path(), rounds);
     LargeFileBench(root.path(), rounds);
     return 0;
