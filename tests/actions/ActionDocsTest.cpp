@@ -5,7 +5,7 @@
 #include "actions/ActionRegistry.h"
 #include "actions/Leaves.h"
 #include "base/Convert.h"
-#include "scripting/Signatures.h"
+#include "scripting/Declarations.h"
 #include "testing/Workspace.h"
 
 #include <QMap>
