@@ -149,6 +149,38 @@ TAgentState TAgentStatus::Agent() const {
     return FAgent;
 }
 
+QStringList TAgentStatus::FolderNames() const {
+    const std::lock_guard guard(FLock);
+    QStringList names;
+    for (const TFolder& folder : FFolders)
+        names.append(folder.Name);
+    return names;
+}
+
+bool TAgentStatus::HasNews() const {
+    const std::lock_guard guard(FLock);
+    return std::any_of(FFolders.begin(), FFolders.end(), [](const TFolder& folder) {
+        const TFolderCounts& counts = folder.Counts;
+        return counts.Done + counts.Warned + counts.Failed + counts.Waiting > 0 ||
+               folder.State == TFolderState::Paused || folder.State == TFolderState::Broken;
+    });
+}
+
+bool TAgentStatus::Working() const {
+    const std::lock_guard guard(FLock);
+    return std::any_of(FFolders.begin(), FFolders.end(),
+                       [](const TFolder& folder) { return folder.State == TFolderState::Working; });
+}
+
+QMap<string, qint64> TAgentStatus::Failures() const {
+    const std::lock_guard guard(FLock);
+    QMap<string, qint64> failures;
+    for (const TFolder& folder : FFolders)
+        if (folder.Counts.Failed > 0)
+            failures.insert(folder.Name, folder.Counts.Failed);
+    return failures;
+}
+
 std::vector<TAgentStatus::TTrouble> TAgentStatus::Troubles() const {
     const std::lock_guard guard(FLock);
     std::vector<TTrouble> troubles;
@@ -171,16 +203,20 @@ string TAgentStatus::Summary() const {
         return FReason.isEmpty() ? Word(FAgent) : FReason;
     TFolderCounts sum;
     qint64 broken = 0;
+    qint64 paused = 0;
     for (const TFolder& folder : FFolders) {
         sum.Waiting += folder.Counts.Waiting;
         sum.Done += folder.Counts.Done + folder.Counts.Warned;
         sum.Failed += folder.Counts.Failed;
         broken += folder.State == TFolderState::Broken ? 1 : 0;
+        paused += folder.State == TFolderState::Paused ? 1 : 0;
     }
     string text =
         FFolders.size() == 1 ? QStringLiteral("1 folder") : QStringLiteral("%1 folders").arg(FFolders.size());
     if (broken > 0)
         text += QStringLiteral(", %1 not served").arg(broken);
+    if (paused > 0)
+        text += QStringLiteral(", %1 paused").arg(paused);
     text += sum.Done == 1 ? QStringLiteral(", 1 file done") : QStringLiteral(", %1 files done").arg(sum.Done);
     text += QStringLiteral(", %1 failed").arg(sum.Failed);
     if (sum.Waiting > 0)

@@ -4,6 +4,7 @@
 #include "base/Text.h"
 
 #include <QDateTime>
+#include <QMap>
 #include <QStringList>
 
 #include <chrono>
@@ -86,6 +87,13 @@ public:
     void ConfigurationFaultCleared(TListKind kind);
 
     [[nodiscard]] TAgentState Agent() const;
+    [[nodiscard]] QStringList FolderNames() const;
+    /// There is something to count: files, or folders that aren't served.
+    [[nodiscard]] bool HasNews() const;
+    /// A file is at work in some folder.
+    [[nodiscard]] bool Working() const;
+    /// Since the start, by the names of the folders that had any.
+    [[nodiscard]] QMap<string, qint64> Failures() const;
     /// The worst first; empty while all is well.
     [[nodiscard]] std::vector<TTrouble> Troubles() const;
     /// One short sentence for people, as "2 folders, 7 files done, 1 failed.".

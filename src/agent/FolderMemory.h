@@ -35,6 +35,7 @@ struct TFolderMemory {
     QSet<string> Protected;              ///< by name, those that a password keeps here
     TPause Pause;                        ///< of the whole folder
     QStringList LastBlock;               ///< of the run log
+    bool Paused = false;                 ///< by command
     string Trouble;                      ///< why the folder can't be served, as told; empty while it can
     qint64 SweptAt = -1;                 ///< by the steady clock; negative: not yet
 };

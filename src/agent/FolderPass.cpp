@@ -2,6 +2,7 @@
 
 #include "agent/AgentStatus.h"
 #include "agent/FolderTurn.h"
+#include "agent/Pauses.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
@@ -82,7 +83,7 @@ private:
         for (const TPDFWatchedFolder& folder : FInput.Folders.FFolders) {
             if (FPass.MemoryOf(folder).SweptAt < 0)
                 FPass.Sweep(folder); // also where it is disabled: what a dead run took is given back
-            if (IsDue(folder, tick) && !IsOpen(folder))
+            if (!FPass.NotePause(folder) && IsDue(folder, tick) && !IsOpen(folder))
                 FDue.push_back(&folder);
         }
     }
@@ -318,6 +319,18 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
         JournalLine(QStringLiteral("What dead runs may have left in \"%1\" stays: %2")
                         .arg(folder.Name, MessageOf(e)));
     }
+}
+
+/// True while it is paused.
+bool TFolderPass::NotePause(const TPDFWatchedFolder& folder) {
+    TFolderMemory& memory = MemoryOf(folder);
+    const bool paused = FHost.Pauses != nullptr && FHost.Pauses->IsPaused(folder.Name);
+    if (paused && folder.Enabled)
+        FHost.Status.SetState(folder.Name, TFolderState::Paused, QStringLiteral("paused"));
+    else if (memory.Paused && folder.Enabled)
+        FHost.Status.SetState(folder.Name, TFolderState::Watching);
+    memory.Paused = paused;
+    return paused;
 }
 
 /// Tells when it changes.

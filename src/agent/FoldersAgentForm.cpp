@@ -2,6 +2,7 @@
 
 #include "agent/AgentPicture.h"
 #include "agent/FoldersThread.h"
+#include "agent/RunLog.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
@@ -9,6 +10,7 @@
 #include "base/Settings.h"
 #include "platform/AppInstances.h"
 #include "platform/MessageBox.h"
+#include "platform/OpenPath.h"
 #include "platform/ServiceNotice.h"
 #include "scripting/AskForPassword.h"
 #include "watch/FolderWatch.h"
@@ -19,12 +21,28 @@
 #include <cstdlib>
 
 #include <algorithm>
+#include <numeric>
 
 std::atomic<TfrmFoldersAgent*> frmFoldersAgent = nullptr;
 
 namespace {
 
 constexpr int FrameSize = 16;
+constexpr size_t FailedItem = 1;
+constexpr size_t PauseItem = 2;
+constexpr qint64 NoticeEvery = 30'000; // ms: many failures make one notice
+
+string FailedCaption(qint64 count) {
+    return QStringLiteral("Failed (%1)").arg(count);
+}
+
+string PauseCaption(bool paused) {
+    return paused ? QStringLiteral("Resume") : QStringLiteral("Pause");
+}
+
+qint64 SumOf(const QMap<string, qint64>& counts) {
+    return std::accumulate(counts.begin(), counts.end(), qint64(0));
+}
 
 /// With a delimiter at its end; empty if there is no such folder. The root is none: it is what is left of a
 /// reference to an empty variable.
@@ -40,10 +58,15 @@ void ShowError(const string& text) {
 } // namespace
 
 TfrmFoldersAgent::TfrmFoldersAgent(TFormHost host)
-    : TComponent(nullptr), FCaption(QStringLiteral("Watched Folders Agent")), Exit1{QStringLiteral("Exit"),
-                                                                                    [this] { Exit1Click(); }},
-      PopupMenu1{{Exit1}}, ImageList1(FrameSize, FrameSize), TrayIcon1(nullptr), FHost(host),
+    : TComponent(nullptr),
+      FCaption(QStringLiteral("Watched Folders Agent")), OpenLog1{QStringLiteral("Open log"),
+                                                                  [this] { OpenLog1Click(); }},
+      Failed1{FailedCaption(0), [this] { Failed1Click(); }, /*Enabled=*/false},
+      Pause1{PauseCaption(/*paused=*/false), [this] { Pause1Click(); }},
+      Exit1{QStringLiteral("Exit"), [this] { Exit1Click(); }}, PopupMenu1{{OpenLog1, Failed1, Pause1, Exit1}},
+      ImageList1(FrameSize, FrameSize), TrayIcon1(nullptr), FHost(host), FPauses(StateFolder()),
       FWindow([this](TMessage& message) { WndProc(message); }, QLatin1String(WindowClass)) {
+    FCaptions = {Failed1.Caption, Pause1.Caption};
     FillTrayIcon();
     frmFoldersAgent.store(this);
     try {
@@ -69,6 +92,7 @@ void TfrmFoldersAgent::FillTrayIcon() {
     // The frames and their interval are in place, and nothing animates them: the picture stands still.
     TrayIcon1.FAnimateInterval = 500;
     TrayIcon1.PopupMenu = &PopupMenu1;
+    TrayIcon1.OnClick = [this] { IconClick(); };
 }
 
 void TfrmFoldersAgent::FormCreate() {
@@ -81,6 +105,7 @@ void TfrmFoldersAgent::FormCreate() {
         Terminate(EXIT_FAILURE); // a service starts again, and may find it by then
         return;
     }
+    FConfigPath = path;
     StartThreads(path, {.KeepDays = settings.KeepDays,
                         .FirstTick = 0,
                         .Workers = {.Count = FHost.Worker.isEmpty() ? 0 : settings.Workers,
@@ -93,7 +118,15 @@ void TfrmFoldersAgent::FormCreate() {
 
 void TfrmFoldersAgent::StartThreads(const string& path, const TRunSettings& settings) {
     FWatchedFoldersThread = std::make_unique<TWatchedFoldersThread>(
-        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus, StateFolder()}, settings);
+        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus, StateFolder(), &FPauses}, settings);
+    // The folders thread tells by itself that it lives, but while it is at work on a file.
+    if (const qint64 wait = ServiceNotice().WatchdogMs(); wait > 0 && settings.Workers.Count == 0) {
+        QObject::connect(&FSignsOfLife, &QTimer::timeout, this, [this] {
+            if (FStatus.Working())
+                ServiceNotice().Alive();
+        });
+        FSignsOfLife.start(int(wait / 2));
+    }
     FNamedPipeThread = std::make_unique<TNamedPipeThread>([] { return frmFoldersAgent.load(); }, FStatus);
 }
 
@@ -107,8 +140,11 @@ void TfrmFoldersAgent::SetHint(const string& text) {
 void TfrmFoldersAgent::StatusTold() {
     if (ServiceNotice().Listening())
         ServiceNotice().SetStatus(FStatus.Summary());
+    ServiceNotice().Alive();
+    ShowMenu();
+    const string failures = FailureNotice();
     const auto troubles = FStatus.Troubles();
-    if (troubles == FTroubles)
+    if (troubles == FTroubles && failures.isEmpty())
         return;
     QStringList all;
     QStringList fresh;
@@ -120,7 +156,82 @@ void TfrmFoldersAgent::StatusTold() {
             fresh += all.last();
     }
     FTroubles = troubles;
+    if (!failures.isEmpty())
+        fresh += failures;
     TrayIcon1.SetTrouble(all.join(u'\n'), fresh.join(u'\n'));
+}
+
+void TfrmFoldersAgent::ShowMenu() {
+    TrayIcon1.SetNote(FStatus.HasNews() ? Printable(FStatus.Summary()) : string());
+    const qint64 failed = SumOf(FStatus.Failures());
+    const QStringList captions = {FailedCaption(failed), PauseCaption(FPauses.AllPaused())};
+    if (captions == FCaptions)
+        return;
+    FCaptions = captions;
+    TrayIcon1.SetItem(FailedItem, captions[0], failed > 0);
+    TrayIcon1.SetItem(PauseItem, captions[1], true);
+}
+
+/// What failed since the last notice; empty where that is nothing, or too recent.
+string TfrmFoldersAgent::FailureNotice() {
+    const QMap<string, qint64> failures = FStatus.Failures();
+    const qint64 now = FHost.Clock.Steady();
+    if (failures == FFailuresTold || (FNoticeAt != 0 && now - FNoticeAt < NoticeEvery))
+        return {};
+    QStringList folders;
+    for (auto it = failures.begin(); it != failures.end(); ++it)
+        if (it.value() > FFailuresTold.value(it.key()))
+            folders += it.key();
+    const qint64 count = SumOf(failures) - SumOf(FFailuresTold);
+    FFailuresTold = failures;
+    if (folders.isEmpty())
+        return {};
+    FNoticeAt = now;
+    const string files = count == 1 ? QStringLiteral("1 file") : QStringLiteral("%1 files").arg(count);
+    return folders.size() == 1 ? QStringLiteral("%1 failed in \"%2\".").arg(files, Printable(folders.first()))
+                               : QStringLiteral("%1 failed in %2 folders.").arg(files).arg(folders.size());
+}
+
+void TfrmFoldersAgent::OpenLog1Click() const {
+    const string folder = FConfigPath + QStringLiteral("logs/");
+    const string today = folder + LogFileName(FHost.Clock.Now().date());
+    OpenPathHost().Open(FileExists(today) ? today : folder);
+}
+
+/// Where most have failed.
+void TfrmFoldersAgent::Failed1Click() const {
+    const QMap<string, qint64> failures = FStatus.Failures();
+    const auto most = std::max_element(failures.begin(), failures.end());
+    if (most != failures.end())
+        OpenPathHost().Open(IncludeTrailingDelimiter(most.key()) + QStringLiteral("Error"));
+}
+
+void TfrmFoldersAgent::IconClick() const {
+    if (FStatus.Failures().isEmpty())
+        OpenLog1Click();
+    else
+        Failed1Click();
+}
+
+void TfrmFoldersAgent::Pause1Click() {
+    if (const string failure = SetPaused({}, !FPauses.AllPaused()); !failure.isEmpty())
+        ShowError(failure);
+}
+
+string TfrmFoldersAgent::SetPaused(const string& folder, bool paused) {
+    QStringList known;
+    for (const string& name : FStatus.FolderNames())
+        known += IncludeTrailingDelimiter(name);
+    if (!folder.isEmpty() && !known.contains(IncludeTrailingDelimiter(folder)))
+        return QStringLiteral("No folder \"%1\" is configured.").arg(folder);
+    if (!folder.isEmpty() && !paused && FPauses.AllPaused())
+        return QStringLiteral("All folders are paused; resume them first.");
+    try {
+        FPauses.Set(folder, paused);
+        return {};
+    } catch (const std::exception& e) {
+        return MessageOf(e);
+    }
 }
 
 void TfrmFoldersAgent::StartWatch(const string& path) {

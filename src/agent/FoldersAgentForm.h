@@ -4,11 +4,14 @@
 // order.
 #include "agent/AgentStatus.h"
 #include "agent/NamedPipeThread.h"
+#include "agent/Pauses.h"
 #include "agent/RunHost.h"
 #include "base/ObjectList.h"
 #include "platform/HiddenWindow.h"
 #include "platform/TrayIcon.h"
 #include "timers/CronJob.h"
+
+#include <QTimer>
 
 #include <atomic>
 #include <cstdlib>
@@ -45,6 +48,9 @@ public:
     [[nodiscard]] TWindowHandle Handle() const { return FWindow.Handle(); }
 
     // Declared in this order because the menu names its item, and the icon its frames and menu.
+    TMenuItem OpenLog1;
+    TMenuItem Failed1;
+    TMenuItem Pause1;
     TMenuItem Exit1;
     TPopupMenu PopupMenu1;
     TImageList ImageList1;
@@ -69,6 +75,7 @@ public:
     void StatusTold() override;
     void RefreshFolders() override;
     void RefreshActions() override;
+    [[nodiscard]] string SetPaused(const string& folder, bool paused) override;
 
 private:
     using TFlag = std::atomic<bool> TWatchedFoldersThread::*;
@@ -79,13 +86,26 @@ private:
     void StartThreads(const string& path, const TRunSettings& settings);
     void StartWatch(const string& path);
     void FolderChanged(TFolderWatch& sender);
+    void OpenLog1Click() const;
+    void Failed1Click() const;
+    void Pause1Click();
     void Exit1Click() { Terminate(); }
+    void IconClick() const;
+    void ShowMenu();
+    [[nodiscard]] string FailureNotice();
     void WndProc(TMessage& message);
     [[nodiscard]] bool Raise(TFlag flag);
 
     TFormHost FHost;
     TAgentStatus FStatus;
-    std::vector<TAgentStatus::TTrouble> FTroubles; ///< those that were told; of the folders thread alone
+    TPauses FPauses;
+    QTimer FSignsOfLife;
+    string FConfigPath; ///< with a delimiter at its end
+    std::vector<TAgentStatus::TTrouble>
+        FTroubles; ///< those that were told; of the folders thread alone, as the next
+    QMap<string, qint64> FFailuresTold;
+    qint64 FNoticeAt = 0;  ///< by the steady clock; 0: never
+    QStringList FCaptions; ///< of the menu's items that change, as shown
     bool FTerminated = false;
     int FExitCode = EXIT_SUCCESS;
     THiddenWindow FWindow;

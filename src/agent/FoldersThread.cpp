@@ -92,6 +92,7 @@ void TWatchedFoldersThread::CountTick() {
 /// A pass with much to do doesn't hold up what it hasn't begun, but for a change of the configuration.
 std::optional<qint32> TWatchedFoldersThread::TickDuringPass() {
     CountTick();
+    FHost.Hint.StatusTold();
     if (Terminated() || FDirChanged || FRefreshFolders || FRefreshActions ||
         FLogDate != FHost.Clock.Now().date())
         return std::nullopt;

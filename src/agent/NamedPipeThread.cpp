@@ -22,9 +22,24 @@ void TNamedPipeThread::Execute() {
             pipe.WritePipe(QLatin1String(ControlPipe::CheckReply));
         else if (text == QLatin1String(ControlPipe::Status))
             pipe.WritePipe(Widen(FStatus.ToJson()));
+        else if (const std::optional<string> reply = HandlePause(text))
+            pipe.WritePipe(*reply);
         else if (!text.isEmpty())
             HandleRefresh(text);
     }
+}
+
+/// Nothing for other commands.
+std::optional<string> TNamedPipeThread::HandlePause(const string& command) const {
+    const string word = command.section(u' ', 0, 0);
+    const bool pause = word == QLatin1String(ControlPipe::Pause);
+    if (!pause && word != QLatin1String(ControlPipe::Resume))
+        return std::nullopt;
+    TRefreshTarget* target = FFindTarget ? FFindTarget() : nullptr;
+    if (target == nullptr)
+        return QStringLiteral("The agent is starting.");
+    const string failure = target->SetPaused(command.mid(word.size() + 1), pause);
+    return failure.isEmpty() ? QLatin1String(ControlPipe::CheckReply) : failure;
 }
 
 void TNamedPipeThread::HandleRefresh(const string& command) {

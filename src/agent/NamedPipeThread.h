@@ -3,7 +3,8 @@
 // they have written its configuration.
 //
 // Commands are compared exactly: "check" is answered "OK", "status" with the agent's status,
-// "refresh.folders" and "refresh.actions" have no answer, and anything else is ignored. "check" proves only
+// "pause" and "resume", with a folder or without, with "OK" or the reason why not; "refresh.folders" and
+// "refresh.actions" have no answer, and anything else is ignored. "check" proves only
 // that this thread lives; "status" tells what the others do.
 #include "platform/WorkerThread.h"
 
@@ -18,6 +19,8 @@ public:
     /// Both raise where there is nobody left to refresh: the agent is stopping then, and so does the pipe.
     virtual void RefreshFolders() = 0;
     virtual void RefreshActions() = 0;
+    /// Pauses a folder, or ends its pause; an empty name is every folder. Empty, or why it can't be done.
+    [[nodiscard]] virtual string SetPaused(const string& folder, bool paused) = 0;
 };
 
 class TNamedPipeThread final : public TWorkerThread {
@@ -35,6 +38,7 @@ public:
 private:
     void Execute() override;
     void HandleRefresh(const string& command);
+    [[nodiscard]] std::optional<string> HandlePause(const string& command) const;
 
     TFindTarget FFindTarget;
     const TAgentStatus& FStatus;

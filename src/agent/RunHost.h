@@ -46,13 +46,15 @@ public:
 };
 
 class TAgentStatus;
+class TPauses;
 
 struct TRunHost {
     TRunClock& Clock;
     TFolderFiles& Files;
     TTrayHint& Hint;
     TAgentStatus& Status;
-    string StateFolder = {}; ///< where a run notes the file at work; empty: nowhere
+    string StateFolder = {};   ///< where a run notes the file at work; empty: nowhere
+    TPauses* Pauses = nullptr; ///< null: nothing is paused
 };
 
 /// The application's title, which is also the hint of an idle run.

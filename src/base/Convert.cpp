@@ -1,6 +1,7 @@
 #include "base/Convert.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeKind.h"
 #include "base/TypeNames.h"
 
 #include <QObject>
@@ -12,56 +13,10 @@
 
 namespace {
 
-enum class Kind { Boolean, Signed, Unsigned, Float, Text, Color, Enumeration, Object, Other };
+using Kind = TTypeKind;
 
-Kind KindOf(QMetaType type) {
-    switch (type.id()) {
-    case QMetaType::Bool:
-        return Kind::Boolean;
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::Short:
-    case QMetaType::Int:
-    case QMetaType::Long:
-    case QMetaType::LongLong:
-        return Kind::Signed;
-    case QMetaType::UChar:
-    case QMetaType::UShort:
-    case QMetaType::UInt:
-    case QMetaType::ULong:
-    case QMetaType::ULongLong:
-        return Kind::Unsigned;
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return Kind::Float;
-    case QMetaType::QString:
-    case QMetaType::QByteArray:
-        return Kind::Text;
-    default:
-        break;
-    }
-    if (type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>() ||
-        type == QMetaType::fromType<PWideChar>())
-        return Kind::Text;
-    if (type == QMetaType::fromType<TColor>() || type == QMetaType::fromType<ARGB>())
-        return Kind::Color;
-    if (type.flags().testFlag(QMetaType::IsEnumeration))
-        return Kind::Enumeration;
-    if (type.flags().testFlag(QMetaType::PointerToQObject))
-        return Kind::Object;
-    return Kind::Other;
-}
-
-string TextOf(const QVariant& value) {
-    if (value.metaType() == QMetaType::fromType<TFileName>())
-        return value.value<TFileName>();
-    if (value.metaType() == QMetaType::fromType<TFontName>())
-        return value.value<TFontName>();
-    if (value.metaType() == QMetaType::fromType<PWideChar>())
-        return value.value<PWideChar>();
-    if (value.metaType() == QMetaType::fromType<QByteArray>())
-        return Widen(value.toByteArray());
-    return value.toString();
+bool IsNumber(Kind kind) {
+    return kind == Kind::Signed || kind == Kind::Unsigned || kind == Kind::Float;
 }
 
 /// A whole number, if the value is one.
@@ -85,62 +40,24 @@ std::optional<qint64> WholeOf(const QVariant& value, Kind kind) {
     case Kind::Color:
         return value.metaType() == QMetaType::fromType<TColor>() ? value.value<TColor>().Value
                                                                  : value.value<ARGB>().Value;
-    case Kind::Enumeration: {
-        qint64 whole = 0; // enumerations are unsigned here, and the machine is little-endian
-        std::memcpy(&whole, value.constData(), size_t(value.metaType().sizeOf()));
-        return whole;
-    }
+    case Kind::Enumeration:
+        return EnumValueOf(value);
     default:
         return std::nullopt;
     }
 }
 
-template <class T> std::optional<QVariant> Fit(qint64 whole) {
-    if (whole < qint64(std::numeric_limits<T>::min()))
-        return std::nullopt;
-    if constexpr (sizeof(T) < 8) {
-        if (whole > qint64(std::numeric_limits<T>::max()))
-            return std::nullopt;
-    }
-    return QVariant::fromValue(T(whole));
-}
-
-std::optional<QVariant> ToWhole(const QVariant& value, Kind from, QMetaType target) {
+std::optional<QVariant> ToWhole(const QVariant& value, Kind from, QMetaType target, const TTypeRow& to) {
     if (target.id() == QMetaType::ULongLong && from == Kind::Unsigned)
         return QVariant::fromValue(value.toULongLong());
     const auto whole = WholeOf(value, from);
     if (!whole || from == Kind::Enumeration)
         return std::nullopt;
-    switch (target.id()) {
-    case QMetaType::Char:
-        return Fit<char>(*whole);
-    case QMetaType::SChar:
-        return Fit<signed char>(*whole);
-    case QMetaType::UChar:
-        return Fit<uchar>(*whole);
-    case QMetaType::Short:
-        return Fit<short>(*whole);
-    case QMetaType::UShort:
-        return Fit<ushort>(*whole);
-    case QMetaType::Int:
-        return Fit<int>(*whole);
-    case QMetaType::UInt:
-        return Fit<uint>(*whole);
-    case QMetaType::Long:
-        return Fit<long>(*whole);
-    case QMetaType::ULong:
-        return Fit<ulong>(*whole);
-    case QMetaType::LongLong:
-        return Fit<qlonglong>(*whole);
-    case QMetaType::ULongLong:
-        return Fit<qulonglong>(*whole);
-    default:
-        return std::nullopt;
-    }
+    return to.FromWhole(*whole);
 }
 
 std::optional<QVariant> ToFloat(const QVariant& value, Kind from, QMetaType target) {
-    if (from != Kind::Float && from != Kind::Signed && from != Kind::Unsigned)
+    if (!IsNumber(from))
         return std::nullopt;
     const double d = value.toDouble();
     if (target.id() == QMetaType::Double)
@@ -151,46 +68,29 @@ std::optional<QVariant> ToFloat(const QVariant& value, Kind from, QMetaType targ
     return f;
 }
 
-std::optional<QVariant> ToText(const QVariant& value, Kind from, QMetaType target) {
-    if (from != Kind::Text)
-        return std::nullopt;
-    const string text = TextOf(value);
-    if (target == QMetaType::fromType<TFileName>())
-        return text.contains(QChar::Null) ? std::nullopt
-                                          : std::optional(QVariant::fromValue(TFileName(text)));
-    if (target == QMetaType::fromType<PWideChar>())
-        return QVariant::fromValue(PWideChar(text));
-    if (target == QMetaType::fromType<TFontName>())
-        return QVariant::fromValue(TFontName(text));
-    if (target == QMetaType::fromType<QByteArray>())
-        return Narrow(text);
-    return text;
+std::optional<QVariant> ToText(const QVariant& value, const TTypeRow& from, const TTypeRow& to) {
+    return from.ToText ? to.FromText(from.ToText(value)) : std::nullopt;
 }
 
-std::optional<QVariant> ToColor(const QVariant& value, Kind from, QMetaType target) {
+std::optional<QVariant> ToColor(const QVariant& value, Kind from, const TTypeRow& to) {
     const auto whole = WholeOf(value, from);
-    // A colour with its top byte set is negative where it went through a signed number.
-    if (!whole || *whole < std::numeric_limits<qint32>::min() || *whole > std::numeric_limits<quint32>::max())
-        return std::nullopt;
-    const auto bits = quint32(quint64(*whole));
-    return target == QMetaType::fromType<TColor>() ? QVariant::fromValue(TColor(bits))
-                                                   : QVariant::fromValue(ARGB(bits));
+    return whole ? to.FromWhole(*whole) : std::nullopt;
 }
 
-std::optional<QVariant> ToEnumeration(const QVariant& value, Kind from, QMetaType target) {
+std::optional<QVariant> ToEnumeration(const QVariant& value, const TTypeRow& from, QMetaType target) {
     const QMetaEnum names = EnumOf(target);
-    if (!names.isValid() ||
-        (from != Kind::Text && from != Kind::Signed && from != Kind::Unsigned && from != Kind::Float))
+    if (!names.isValid())
         return std::nullopt;
     int key = -1;
-    if (from == Kind::Text) {
+    if (from.ToText) {
+        const string text = from.ToText(value);
         for (int i = 0; i < names.keyCount(); ++i)
-            if (SameText(QString::fromLatin1(names.key(i)), TextOf(value)))
+            if (SameText(QString::fromLatin1(names.key(i)), text))
                 key = names.value(i);
         if (key < 0)
             return std::nullopt;
     } else {
-        const auto whole = WholeOf(value, from);
+        const auto whole = IsNumber(from.Kind) ? WholeOf(value, from.Kind) : std::nullopt;
         if (!whole || *whole < 0 || *whole > std::numeric_limits<int>::max() ||
             !names.valueToKey(int(*whole)))
             return std::nullopt;
@@ -225,38 +125,44 @@ QMetaEnum EnumOf(QMetaType type) {
     return scope->enumerator(scope->indexOfEnumerator(full.mid(colon + 1).constData()));
 }
 
+qint64 EnumValueOf(const QVariant& value) {
+    qint64 whole = 0; // enumerations are unsigned here, and the machine is little-endian
+    std::memcpy(&whole, value.constData(), size_t(value.metaType().sizeOf()));
+    return whole;
+}
+
 QVariant ConvertTo(const QVariant& value, QMetaType target, const string& what) {
     if (value.metaType() == target)
         return value;
-    const Kind from = KindOf(value.metaType());
+    const TTypeRow& from = RowOf(value.metaType());
+    const TTypeRow& to = RowOf(target);
     std::optional<QVariant> result;
-    switch (KindOf(target)) {
+    switch (to.Kind) {
     case Kind::Signed:
     case Kind::Unsigned:
-        result = ToWhole(value, from, target);
+        result = ToWhole(value, from.Kind, target, to);
         break;
     case Kind::Float:
-        result = ToFloat(value, from, target);
+        result = ToFloat(value, from.Kind, target);
         break;
     case Kind::Text:
-        result = ToText(value, from, target);
+        result = ToText(value, from, to);
         break;
     case Kind::Color:
-        result = ToColor(value, from, target);
+        result = ToColor(value, from.Kind, to);
         break;
     case Kind::Enumeration:
         result = ToEnumeration(value, from, target);
         break;
     case Kind::Object:
-        result = ToObject(value, from, target);
+        result = ToObject(value, from.Kind, target);
         break;
-    case Kind::Boolean:
-    case Kind::Other:
+    default:
         break;
     }
     if (result)
         return *result;
-    string given = from == Kind::Text ? u'"' + TextOf(value) + u'"' : value.toString();
+    string given = from.ToText ? u'"' + from.ToText(value) + u'"' : value.toString();
     given.replace(QChar::Null, QStringLiteral("\\0")); // or messages end there
     throw EConvertError(QStringLiteral("%1: %2 is no %3")
                             .arg(what, given.isEmpty() ? QString::fromLatin1(value.metaType().name()) : given,

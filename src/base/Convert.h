@@ -14,3 +14,5 @@
 
 /// The names of an enumeration's values, from the table of the class or header that declares it.
 [[nodiscard]] QMetaEnum EnumOf(QMetaType type);
+/// The number behind a value of an enumeration, named or not.
+[[nodiscard]] qint64 EnumValueOf(const QVariant& value);

@@ -2,30 +2,17 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
+#include "base/TypeKind.h"
 
-#include <QHash>
 #include <QStringList>
 
 string TypeName(QMetaType type) {
-    static const QHash<int, string> names{
-        {QMetaType::Bool, QStringLiteral("Boolean")},
-        {QMetaType::Int, QStringLiteral("Integer")},
-        {QMetaType::UInt, QStringLiteral("Cardinal")},
-        {QMetaType::LongLong, QStringLiteral("Int64")},
-        {QMetaType::ULongLong, QStringLiteral("UInt64")},
-        {QMetaType::Float, QStringLiteral("Single")},
-        {QMetaType::Double, QStringLiteral("Double")},
-        {QMetaType::QString, QStringLiteral("string")},
-        {QMetaType::QByteArray, QStringLiteral("string")},
-        {QMetaType::QStringList, QStringLiteral("array of string")},
-    };
-    if (const auto known = names.constFind(type.id()); known != names.cend())
-        return *known;
-    if (type.flags().testFlag(QMetaType::PointerToQObject))
+    const TTypeRow& row = RowOf(type);
+    if (row.Name)
+        return QString::fromLatin1(row.Name);
+    if (row.Kind == TTypeKind::Object)
         if (string name = Reflection::OwnClassInfo(*type.metaObject(), "ScriptName"); !name.isEmpty())
             return name;
-    if (type == QMetaType::fromType<PWideChar>())
-        return QStringLiteral("string or null");
     const string full = QString::fromLatin1(type.name()).remove(u'*');
     return full.mid(full.lastIndexOf(u':') + 1);
 }

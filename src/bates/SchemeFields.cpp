@@ -1,8 +1,10 @@
 #include "bates/SchemeFields.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeKind.h"
 #include "bates/CommaText.h"
 #include "xml/Lexical.h"
+#include "xml/XmlEscape.h"
 
 #include <array>
 #include <charconv>
@@ -21,10 +23,6 @@ QByteArray ElementOf(const QMetaProperty& member) {
     return QByteArray(member.name()).toLower();
 }
 
-bool IsColor(const QMetaProperty& member) {
-    return member.metaType() == QMetaType::fromType<ARGB>();
-}
-
 string General(double number) {
     std::array<char, 64> buffer;
     const char* end =
@@ -34,14 +32,14 @@ string General(double number) {
 }
 
 string TextOf(const QMetaProperty& member, const QVariant& value) {
-    if (IsColor(member))
+    switch (KindOf(member.metaType())) {
+    case TTypeKind::Color:
         return QString::number(value.value<ARGB>().Value);
-    switch (member.metaType().id()) {
-    case QMetaType::Bool:
+    case TTypeKind::TruthValue:
         return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QMetaType::Double:
+    case TTypeKind::Float:
         return General(value.toDouble());
-    case QMetaType::QString:
+    case TTypeKind::Text:
         return TrimBlanks(value.toString());
     default:
         return QString::number(value.toInt());
@@ -51,7 +49,8 @@ string TextOf(const QMetaProperty& member, const QVariant& value) {
 /// Not valid where the text is no such number.
 QVariant NumberOf(const string& text, const QMetaProperty& member) {
     try {
-        if (IsColor(member)) // 64 bits, of which the low ones count: -16777216 is 4278190080
+        if (KindOf(member.metaType()) ==
+            TTypeKind::Color) // 64 bits, of which the low ones count: -16777216 is 4278190080
             return QVariant::fromValue(
                 ARGB(quint32(Lexical::Parse(text, QMetaType::fromType<Int64>()).toLongLong())));
         const QVariant number = Lexical::Parse(text, member.metaType());
@@ -62,10 +61,10 @@ QVariant NumberOf(const string& text, const QMetaProperty& member) {
 }
 
 QVariant ValueOf(const std::optional<string>& text, const QMetaProperty& member) {
-    switch (member.metaType().id()) {
-    case QMetaType::QString:
+    switch (KindOf(member.metaType())) {
+    case TTypeKind::Text:
         return text.value_or(string());
-    case QMetaType::Bool:
+    case TTypeKind::TruthValue:
         return text == QStringLiteral("1");
     default:
         return text ? NumberOf(*text, member) : QVariant();
@@ -93,15 +92,10 @@ void Read(TZQPDFBatesSetting& scheme,
 }
 
 void CheckXmlText(const string& text, const string& what) {
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        const bool pair = c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        const bool control = c < u' ' && c != u'\t' && c != u'\n' && c != u'\r';
-        if (control || c >= QChar(0xFFFE) || (c.isSurrogate() && !pair))
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (IsForbiddenInXml(text, i))
             throw Exception(QStringLiteral("%1 holds a character that a scheme file cannot: U+%2")
-                                .arg(what, QString::asprintf("%04X", unsigned(c.unicode()))));
-        i += pair ? 1 : 0;
-    }
+                                .arg(what, QString::asprintf("%04X", unsigned(text[i].unicode()))));
 }
 
 } // namespace SchemeFields

@@ -1,15 +1,19 @@
 #include "desktop/Desktop.h"
 
 #include "agent/RunHost.h"
+#include "base/Journal.h"
 #include "desktop/DesktopFileDialog.h"
 #include "desktop/DesktopMessageBox.h"
 #include "desktop/DesktopPasswordPrompt.h"
 #include "desktop/DesktopTrayIcon.h"
 #include "desktop/ScriptEditorDialog.h"
+#include "platform/OpenPath.h"
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QIcon>
 #include <QSessionManager>
+#include <QUrl>
 
 #include <clocale>
 
@@ -52,8 +56,21 @@ struct TDesktop::TCommandLine {
     int Count = 1;
 };
 
+namespace {
+
+class TDesktopOpenPathHost : public TOpenPathHost {
+public:
+    void Open(const string& path) override {
+        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+            JournalLine(QStringLiteral("The desktop has no program to show \"%1\" with.").arg(path));
+    }
+};
+
+} // namespace
+
 struct TDesktop::THosts {
     THosts() {
+        SetOpenPathHost(&Paths);
         SetMessageBoxHost(&Boxes);
         SetTrayIconHost(&Icons);
         SetPasswordPrompt(&Passwords);
@@ -66,7 +83,9 @@ struct TDesktop::THosts {
         SetPasswordPrompt(nullptr);
         SetTrayIconHost(nullptr);
         SetMessageBoxHost(nullptr);
+        SetOpenPathHost(nullptr);
     }
+    TDesktopOpenPathHost Paths;
     TDesktopMessageBoxHost Boxes;
     TDesktopTrayIconHost Icons;
     TDesktopPasswordPrompt Passwords;

@@ -37,11 +37,23 @@ public:
         if (look.PopupMenu)
             FillMenu(*look.PopupMenu);
         FIcon.setContextMenu(&FMenu);
+        QObject::connect(&FIcon, &QSystemTrayIcon::activated, &FIcon,
+                         [click = look.OnClick](QSystemTrayIcon::ActivationReason reason) {
+                             if (click && reason == QSystemTrayIcon::Trigger)
+                                 click();
+                         });
         if (look.Animate && look.Icons && look.Icons->Count() > 0)
             StartFrames(*look.Icons, look.AnimateInterval);
         ShowWhenPossible();
     }
     void SetHint(const string& text) override { FIcon.setToolTip(text); }
+    void UpdateMenu(const TPopupMenu& menu) override {
+        const QList<QAction*> actions = FMenu.actions();
+        for (qsizetype i = 0; i < actions.size(); ++i) {
+            actions[i]->setText(menu.Items[size_t(i)].Caption);
+            actions[i]->setEnabled(menu.Items[size_t(i)].Enabled);
+        }
+    }
     void SetAttention(bool attention) override {
         if (attention == FAttentive)
             return;
@@ -57,8 +69,11 @@ public:
 
 private:
     void FillMenu(const TPopupMenu& menu) {
-        for (const TMenuItem& item : menu.Items)
-            QObject::connect(FMenu.addAction(item.Caption), &QAction::triggered, &FMenu, item.OnClick);
+        for (const TMenuItem& item : menu.Items) {
+            QAction* action = FMenu.addAction(item.Caption);
+            action->setEnabled(item.Enabled);
+            QObject::connect(action, &QAction::triggered, &FMenu, item.OnClick);
+        }
     }
 
     void StartFrames(const TImageList& icons, int intervalMs) {

@@ -6,8 +6,10 @@
 #include <cstring>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <unistd.h>
 
-TServiceNotice::TServiceNotice(const NarrowString& address) : FAddress(address) {
+TServiceNotice::TServiceNotice(const NarrowString& address, qint64 watchdogMs)
+    : FAddress(address), FWatchdogMs(watchdogMs) {
     const bool named = address.startsWith('/') || (address.startsWith('@') && address.size() > 1);
     if (named && size_t(address.size()) < sizeof(sockaddr_un::sun_path))
         FSocket = TDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -32,6 +34,16 @@ void TServiceNotice::Stopping() {
     Send("STOPPING=1");
 }
 
+void TServiceNotice::Alive() {
+    constexpr int Margin = 3; // what is late twice is still in time
+    const std::lock_guard guard(FLock);
+    const auto now = std::chrono::steady_clock::now();
+    if (FWatchdogMs <= 0 || now - FToldAlive < std::chrono::milliseconds(FWatchdogMs / Margin))
+        return;
+    FToldAlive = now;
+    Send("WATCHDOG=1");
+}
+
 void TServiceNotice::Send(const NarrowString& words) {
     if (!FSocket)
         return;
@@ -46,11 +58,24 @@ void TServiceNotice::Send(const NarrowString& words) {
                  reinterpret_cast<const sockaddr*>(&to), size);
 }
 
+namespace {
+
+/// As sd_watchdog_enabled(3) reads it: microseconds, for this process.
+qint64 TakeWatchdogMs() {
+    const qint64 microseconds = qgetenv("WATCHDOG_USEC").toLongLong();
+    const NarrowString process = qgetenv("WATCHDOG_PID");
+    qunsetenv("WATCHDOG_USEC");
+    qunsetenv("WATCHDOG_PID");
+    return process.isEmpty() || process.toLongLong() == ::getpid() ? microseconds / 1000 : 0;
+}
+
+} // namespace
+
 TServiceNotice& ServiceNotice() {
     static auto& notice = []() -> TServiceNotice& {
         const NarrowString address = qgetenv("NOTIFY_SOCKET");
         qunsetenv("NOTIFY_SOCKET");
-        return *new TServiceNotice(address); // threads may outlast statics
+        return *new TServiceNotice(address, TakeWatchdogMs()); // threads may outlast statics
     }();
     return notice;
 }

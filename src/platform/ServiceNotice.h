@@ -4,19 +4,25 @@
 #include "base/Text.h"
 #include "platform/Descriptor.h"
 
+#include <chrono>
 #include <mutex>
 
 /// Any thread may use it. Nothing is waited for, and nothing is raised.
 class TServiceNotice {
 public:
     /// `address` is a path, or a name behind "@" that no file has; what is neither is no socket.
-    explicit TServiceNotice(const NarrowString& address);
+    /// `watchdogMs`: how long the manager waits for a sign of life; 0: for ever.
+    explicit TServiceNotice(const NarrowString& address, qint64 watchdogMs = 0);
 
     /// The process has begun its service.
     void Ready(const string& status);
     /// One line for people. The same again is not sent.
     void SetStatus(const string& status);
     void Stopping();
+    /// The process does what it is there for. Sent as often as the manager needs it, at most.
+    void Alive();
+    /// 0 where nobody waits for signs of life.
+    [[nodiscard]] qint64 WatchdogMs() const { return FSocket ? FWatchdogMs : 0; }
     [[nodiscard]] bool Listening() const { return bool(FSocket); }
 
 private:
@@ -26,6 +32,8 @@ private:
     NarrowString FAddress;
     TDescriptor FSocket;
     string FStatus;
+    qint64 FWatchdogMs;
+    std::chrono::steady_clock::time_point FToldAlive{};
 };
 
 /// The manager of this process. The first call takes the name out of the environment, so that no program that

@@ -2,6 +2,7 @@
 
 #include "platform/MessageQueue.h"
 
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -35,7 +36,8 @@ void TTrayIcon::SetVisible(bool visible) {
                             .Animate = FAnimate,
                             .AnimateInterval = FAnimateInterval,
                             .PopupMenu = PopupMenu,
-                            .Hint = Hint()});
+                            .Hint = Hint(),
+                            .OnClick = OnClick});
 }
 
 string TTrayIcon::Hint() const {
@@ -48,6 +50,20 @@ void TTrayIcon::SetHint(const string& text) {
     if (text == FHint)
         return;
     FHint = text;
+    QueueShowing();
+}
+
+void TTrayIcon::SetNote(const string& text) {
+    const std::lock_guard guard(FHintLock);
+    if (text == FNote)
+        return;
+    FNote = text;
+    QueueShowing();
+}
+
+void TTrayIcon::SetItem(size_t index, const string& caption, bool enabled) {
+    const std::lock_guard guard(FHintLock);
+    FItems[index] = {caption, enabled};
     QueueShowing();
 }
 
@@ -72,17 +88,28 @@ void TTrayIcon::Show() {
     string hint;
     string trouble;
     string notice;
+    std::map<size_t, std::pair<string, bool>> items;
     {
         const std::lock_guard guard(FHintLock);
         FQueued = false;
         hint = FHint;
+        for (const string& line : {FNote, FTrouble})
+            if (!line.isEmpty())
+                hint += u'\n' + line;
         trouble = FTrouble;
+        items = std::exchange(FItems, {});
         notice = std::exchange(FNotice, {});
     }
     if (!FView)
         return;
     FView->SetAttention(!trouble.isEmpty());
-    FView->SetHint(trouble.isEmpty() ? hint : hint + u'\n' + trouble);
+    FView->SetHint(hint);
+    if (PopupMenu != nullptr && !items.empty()) {
+        for (const auto& [index, item] : items)
+            if (index < PopupMenu->Items.size())
+                std::tie(PopupMenu->Items[index].Caption, PopupMenu->Items[index].Enabled) = item;
+        FView->UpdateMenu(*PopupMenu);
+    }
     if (!notice.isEmpty())
         FView->Notify(notice);
 }

@@ -5,6 +5,7 @@
 #include "platform/Picture.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 
@@ -13,6 +14,7 @@ class TMessageQueue;
 struct TMenuItem {
     string Caption;
     std::function<void()> OnClick; ///< on the main thread
+    bool Enabled = true;
 };
 
 struct TPopupMenu {
@@ -24,6 +26,8 @@ class TTrayIconView {
 public:
     virtual ~TTrayIconView() = default;
     virtual void SetHint(const string& text) = 0;
+    /// The menu's items have changed, in all but their number.
+    virtual void UpdateMenu(const TPopupMenu& menu) = 0;
     /// Shows the picture that asks for attention, or the usual one.
     virtual void SetAttention(bool attention) = 0;
     /// A message beside the icon, as the desktop shows such things.
@@ -39,6 +43,7 @@ struct TTrayIconLook {
     int AnimateInterval; ///< milliseconds a frame
     const TPopupMenu* PopupMenu;
     string Hint;
+    std::function<void()> OnClick; ///< on the icon itself
 };
 
 /// Whoever has a tray area. Called on the main thread.
@@ -53,7 +58,7 @@ public:
 /// Not owned; null takes the registered one away. On the main thread, while no icon is visible.
 void SetTrayIconHost(TTrayIconHost* host);
 
-/// Belongs to the thread that made it; SetHint, Hint and SetTrouble may be called from any.
+/// Belongs to the thread that made it; SetHint, SetNote, SetItem, Hint and SetTrouble may be called from any.
 class TTrayIcon : public TComponent {
     Q_OBJECT
 public:
@@ -65,7 +70,8 @@ public:
     std::vector<TPicture> Icon;
     std::vector<TPicture> AttentionIcon;
     const TImageList* Icons = nullptr; ///< not owned, as the next
-    const TPopupMenu* PopupMenu = nullptr;
+    TPopupMenu* PopupMenu = nullptr;
+    std::function<void()> OnClick; ///< on the main thread
 
     [[nodiscard]] bool Visible() const { return FVisible; }
     /// What was set before counts; only the hint follows later changes.
@@ -74,6 +80,10 @@ public:
     [[nodiscard]] string Hint() const;
     /// Never waits. The hint is shown soon after; of several in a row perhaps only the last one.
     void SetHint(const string& text);
+    /// A line that stands below the hint.
+    void SetNote(const string& text);
+    /// The caption of an item of the menu, and whether it can be chosen.
+    void SetItem(size_t index, const string& caption, bool enabled);
     /// What somebody should look at stands below the hint, and the icon asks for attention, until it is empty
     /// again. `notice` is shown once; empty shows none. Never waits either.
     void SetTrouble(const string& text, const string& notice);
@@ -88,7 +98,9 @@ private:
     std::unique_ptr<TTrayIconView> FView;
     mutable std::mutex FHintLock; ///< of what follows
     string FHint;
+    string FNote;
     string FTrouble;
-    string FNotice; ///< yet to be shown
+    std::map<size_t, std::pair<string, bool>> FItems; ///< yet to be shown
+    string FNotice;                                   ///< yet to be shown
     bool FQueued = false;
 };

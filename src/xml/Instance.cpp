@@ -1,15 +1,15 @@
 #include "xml/Instance.h"
 
 #include "base/Exceptions.h"
+#include "base/TypeKind.h"
 #include "xml/Lexical.h"
-
-#include <QSequentialIterable>
 
 MemberKind KindOf(const QMetaProperty& member) {
     const QMetaType type = member.metaType();
     if (!member.isStored())
         return MemberKind::None;
-    if (type.flags().testFlag(QMetaType::PointerToQObject)) {
+    const TTypeKind kind = KindOf(type);
+    if (kind == TTypeKind::Object) {
         const QMetaObject* held = type.metaObject();
         return held != nullptr && held->inherits(&TObjectListBase::staticMetaObject) ? MemberKind::ObjectList
                                                                                      : MemberKind::Object;
@@ -18,16 +18,14 @@ MemberKind KindOf(const QMetaProperty& member) {
         return MemberKind::None;
     if (Lexical::IsSimple(type))
         return MemberKind::Simple;
-    if (type.flags().testFlag(QMetaType::IsGadget))
-        return MemberKind::Record;
-    if (QMetaType::canView(type, QMetaType::fromType<QSequentialIterable>()))
-        return MemberKind::ValueList;
-    return MemberKind::Unknown;
+    return kind == TTypeKind::Record ? MemberKind::Record
+           : kind == TTypeKind::List ? MemberKind::ValueList
+                                     : MemberKind::Unknown;
 }
 
 string DefaultItemName(QMetaType itemType) {
-    return itemType.flags().testFlag(QMetaType::IsGadget) ? Reflection::ClassName(*itemType.metaObject())
-                                                          : QStringLiteral("Item");
+    return KindOf(itemType) == TTypeKind::Record ? Reflection::ClassName(*itemType.metaObject())
+                                                 : QStringLiteral("Item");
 }
 
 QVariant TInstance::Get(const QMetaProperty& member) const {

@@ -2,52 +2,16 @@
 
 #include "base/Convert.h"
 #include "base/Exceptions.h"
+#include "base/TypeKind.h"
 #include "base/TypeNames.h"
 #include "xml/XmlEscape.h"
 
 #include <array>
 #include <charconv>
-#include <cstring>
 #include <optional>
 
 namespace Lexical {
 namespace {
-
-bool IsText(QMetaType type) {
-    return type.id() == QMetaType::QString || type.id() == QMetaType::QByteArray ||
-           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>();
-}
-
-bool IsColor(QMetaType type) {
-    return type == QMetaType::fromType<TColor>() || type == QMetaType::fromType<ARGB>();
-}
-
-bool IsEnumeration(QMetaType type) {
-    return type.flags().testFlag(QMetaType::IsEnumeration);
-}
-
-bool IsFloat(QMetaType type) {
-    return type.id() == QMetaType::Float || type.id() == QMetaType::Double;
-}
-
-bool IsInteger(QMetaType type) {
-    switch (type.id()) {
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        return true;
-    default:
-        return false;
-    }
-}
 
 [[noreturn]] void Raise(const string& text, const string& expected) {
     const string shown = text.size() > 80 ? text.left(80) + QStringLiteral("...") : text;
@@ -69,8 +33,7 @@ string FormatText(const QVariant& value) {
 
 string FormatEnumeration(const QVariant& value) {
     const QMetaEnum names = EnumOf(value.metaType());
-    qint64 whole = 0;
-    std::memcpy(&whole, value.constData(), size_t(value.metaType().sizeOf()));
+    const qint64 whole = EnumValueOf(value);
     const char* key = names.isValid() ? names.valueToKey(int(whole)) : nullptr;
     if (key == nullptr)
         Raise(QString::number(whole), QStringLiteral("value of ") + QString::fromLatin1(value.typeName()));
@@ -153,45 +116,59 @@ QVariant ParseEnumeration(const string& text, QMetaType type) {
 } // namespace
 
 bool IsSimple(QMetaType type) {
-    return type.id() == QMetaType::Bool || IsText(type) || IsInteger(type) || IsFloat(type) ||
-           IsColor(type) || IsEnumeration(type);
+    const TTypeRow& row = RowOf(type);
+    switch (row.Kind) {
+    case TTypeKind::TruthValue:
+    case TTypeKind::Signed:
+    case TTypeKind::Unsigned:
+    case TTypeKind::Float:
+    case TTypeKind::Text:
+    case TTypeKind::Color:
+    case TTypeKind::Enumeration:
+        return !row.TakesNull;
+    default:
+        return false;
+    }
 }
 
 string Format(const QVariant& value) {
     const QMetaType type = value.metaType();
-    if (IsText(type))
+    switch (KindOf(type)) {
+    case TTypeKind::Text:
         return FormatText(value);
-    if (type.id() == QMetaType::Bool)
+    case TTypeKind::TruthValue:
         return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    if (type.id() == QMetaType::Float)
-        return Shortest(value.toFloat());
-    if (type.id() == QMetaType::Double)
-        return Shortest(value.toDouble());
-    if (IsEnumeration(type))
+    case TTypeKind::Float:
+        return type.id() == QMetaType::Float ? Shortest(value.toFloat()) : Shortest(value.toDouble());
+    case TTypeKind::Enumeration:
         return FormatEnumeration(value);
-    if (IsColor(type)) {
+    case TTypeKind::Color: {
         const QVariant bits = ConvertTo(value, QMetaType::fromType<quint32>(), QStringLiteral("colour"));
         return QString::asprintf("0x%08X", bits.toUInt());
     }
-    if (type.id() == QMetaType::ULongLong || type.id() == QMetaType::ULong)
+    case TTypeKind::Unsigned:
         return QString::number(value.toULongLong());
-    return QString::number(
-        ConvertTo(value, QMetaType::fromType<qint64>(), QStringLiteral("number")).toLongLong());
+    default:
+        return QString::number(
+            ConvertTo(value, QMetaType::fromType<qint64>(), QStringLiteral("number")).toLongLong());
+    }
 }
 
 QVariant Parse(const string& text, QMetaType type) {
-    if (IsText(type))
+    switch (KindOf(type)) {
+    case TTypeKind::Text:
         return ConvertTo(UnescapeForbidden(text), type, QStringLiteral("text"));
-    const string trimmed = text.trimmed();
-    if (type.id() == QMetaType::Bool)
-        return ParseBoolean(trimmed);
-    if (IsFloat(type))
-        return ParseFloat(trimmed, type);
-    if (IsEnumeration(type))
-        return ParseEnumeration(trimmed, type);
-    if (IsColor(type))
-        return ParseColor(trimmed, type);
-    return ParseInteger(trimmed, type);
+    case TTypeKind::TruthValue:
+        return ParseBoolean(text.trimmed());
+    case TTypeKind::Float:
+        return ParseFloat(text.trimmed(), type);
+    case TTypeKind::Enumeration:
+        return ParseEnumeration(text.trimmed(), type);
+    case TTypeKind::Color:
+        return ParseColor(text.trimmed(), type);
+    default:
+        return ParseInteger(text.trimmed(), type);
+    }
 }
 
 } // namespace Lexical

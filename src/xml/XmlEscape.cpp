@@ -8,15 +8,6 @@ bool IsHexDigit(QChar c) {
     return (c >= u'0' && c <= u'9') || (c >= u'A' && c <= u'F') || (c >= u'a' && c <= u'f');
 }
 
-bool IsForbidden(const string& text, qsizetype i) {
-    const QChar c = text[i];
-    if (c.isHighSurrogate())
-        return i + 1 >= text.size() || !text[i + 1].isLowSurrogate();
-    if (c.isLowSurrogate())
-        return i == 0 || !text[i - 1].isHighSurrogate();
-    return (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r') || c >= QChar(0xFFFE);
-}
-
 /// Whether _xHHHH stands at `i`: an escape but for its last underscore.
 bool OpensEscape(const string& text, qsizetype i) {
     if (text[i] != u'_' || i + EscapeLength > text.size() || text[i + 1] != u'x')
@@ -28,16 +19,25 @@ bool OpensEscape(const string& text, qsizetype i) {
 }
 
 bool NeedsEscape(const string& text, qsizetype i) {
-    if (IsForbidden(text, i))
+    if (IsForbiddenInXml(text, i))
         return true;
     if (!OpensEscape(text, i))
         return false;
     // The last underscore may be one of the text or the first of the next character's escape.
     const qsizetype last = i + EscapeLength - 1;
-    return text[last] == u'_' || IsForbidden(text, last);
+    return text[last] == u'_' || IsForbiddenInXml(text, last);
 }
 
 } // namespace
+
+bool IsForbiddenInXml(QStringView text, qsizetype i) {
+    const QChar c = text[i];
+    if (c.isHighSurrogate())
+        return i + 1 >= text.size() || !text[i + 1].isLowSurrogate();
+    if (c.isLowSurrogate())
+        return i == 0 || !text[i - 1].isHighSurrogate();
+    return (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r') || c >= QChar(0xFFFE);
+}
 
 string EscapeForbidden(const string& text) {
     string escaped;

@@ -5,6 +5,9 @@
 // escaped: ECMA-376 part 1, 22.9.2.19, ST_Xstring.
 #include "base/Text.h"
 
+/// Whether XML cannot hold the code unit that stands there.
+[[nodiscard]] bool IsForbiddenInXml(QStringView text, qsizetype at);
+
 /// The text with what XML cannot hold escaped; markup characters are left alone (xml/XmlWriter.h).
 [[nodiscard]] string EscapeForbidden(const string& text);
 /// The inverse: UnescapeForbidden(EscapeForbidden(t)) == t for every t.

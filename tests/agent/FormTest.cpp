@@ -33,6 +33,7 @@ public:
             explicit TView(TNotedDesktop& desktop) : Desktop(desktop) { Desktop.Events += "icon"; }
             ~TView() override { Desktop.Events += "no icon"; }
             void SetHint(const string& text) override { Desktop.Events += text; }
+            void UpdateMenu(const TPopupMenu& /*menu*/) override {}
             void SetAttention(bool attention) override { Desktop.Attention = attention; }
             void Notify(const string& text) override { Desktop.Events += "notice " + text; }
             TNotedDesktop& Desktop;
@@ -75,6 +76,12 @@ protected:
 
     void SetFolder(const string& folder) const {
         FWorkspace.Write("settings/morvane/settings.ini", "ConfigurationFolder=" + folder.toUtf8());
+    }
+    static string Ask(const string& command) {
+        TNamedPipeClient pipe{QLatin1String(ControlPipe::Name)};
+        pipe.OpenPipe();
+        pipe.WritePipe(command);
+        return pipe.Read(60'000);
     }
     static bool Send(const char* command) {
         try {
@@ -122,9 +129,12 @@ TEST_F(FormTest, TheIconHasItsFramesAndTheMenuEndsTheApplication) {
     for (int frame = 0; frame < 6; ++frame)
         different.insert((*look.Icons)[frame].Pixels);
     EXPECT_EQ(different.size(), 6u);
-    ASSERT_EQ(look.PopupMenu->Items.size(), 1u);
-    EXPECT_EQ(look.PopupMenu->Items[0].Caption, "Exit");
-    look.PopupMenu->Items[0].OnClick();
+    QStringList captions;
+    for (const TMenuItem& item : look.PopupMenu->Items)
+        captions.append(item.Caption);
+    EXPECT_EQ(captions, QStringList({"Open log", "Failed (0)", "Pause", "Exit"}));
+    EXPECT_FALSE(look.PopupMenu->Items[1].Enabled);
+    look.PopupMenu->Items[3].OnClick();
     EXPECT_TRUE(form.Terminated());
 }
 
@@ -185,6 +195,39 @@ TEST_F(FormTest, ATroubleIsShownAsLongAsItLastsAndNotifiedOnce) {
     EXPECT_TRUE(DeliverUntil([&] { return !FDesktop.Attention; }));
     EXPECT_EQ(notices().size(), 1);
     EXPECT_EQ(FDesktop.Events.last(), "Morvane Folder Watcher");
+}
+
+TEST_F(FormTest, APauseOutlastsTheAgentAndFailuresAreOneNotice) {
+    QDir().mkpath(FWorkspace.Path("in"));
+    const string in = FWorkspace.Path("in");
+    FWorkspace.Write("c/actions.xml", "<ActionManager/>");
+    FWorkspace.Write("c/watchedfolders.xml", "<WatchedFolder><Folders><Folder><Name>" + in.toUtf8() +
+                                                 "</Name><Enabled>true</Enabled><CheckEvery>1</CheckEvery>"
+                                                 "</Folder></Folders></WatchedFolder>");
+    const auto hearing = [] { return Send(ControlPipe::Check); };
+    const auto waiting = [&] { return FWorkspace.Names("in").filter(".pdf").size(); };
+    {
+        const TfrmFoldersAgent form({FClock, FFiles});
+        FClock.Play(1);
+        ASSERT_TRUE(DeliverUntil(hearing));
+        EXPECT_EQ(Ask("pause /no/such"), "No folder \"/no/such\" is configured.");
+        EXPECT_EQ(Ask("pause " + in + u'/'), "OK");
+        for (const char* name : {"in/a.pdf", "in/b.pdf", "in/c.pdf"})
+            FWorkspace.Write(name, "no PDF");
+        FClock.Play(2);
+        EXPECT_EQ(waiting(), 3);
+        EXPECT_TRUE(Ask("status").contains("\"state\":\"paused\""));
+    }
+    FClock.Restart();
+    const TfrmFoldersAgent form({FClock, FFiles});
+    FClock.Play(2);
+    EXPECT_EQ(waiting(), 3);
+    ASSERT_TRUE(DeliverUntil(hearing));
+    EXPECT_EQ(Ask("resume"), "OK");
+    FClock.Play(2);
+    EXPECT_EQ(waiting(), 0);
+    EXPECT_TRUE(DeliverUntil([&] { return FDesktop.Look->PopupMenu->Items[1].Caption == "Failed (3)"; }));
+    EXPECT_EQ(FDesktop.Events.filter("notice "), QStringList("notice 3 files failed in \"" + in + "\"."));
 }
 
 TEST_F(FormTest, CommandsReachTheFoldersThreadUntilItHasGone) {

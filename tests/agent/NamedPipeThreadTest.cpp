@@ -20,6 +20,7 @@ struct TTarget : TRefreshTarget {
         ++Folders;
     }
     void RefreshActions() override { ++Actions; }
+    string SetPaused(const string& /*folder*/, bool /*paused*/) override { return {}; }
 
     std::atomic<int> Folders = 0;
     std::atomic<int> Actions = 0;

@@ -19,6 +19,9 @@ TProgramResult Ctl(const QString& words) {
 struct TTarget : TRefreshTarget {
     void RefreshFolders() override { ++Folders; }
     void RefreshActions() override { ++Actions; }
+    string SetPaused(const string& folder, bool paused) override {
+        return folder == u"/in" && paused ? string() : QStringLiteral("not %1").arg(folder);
+    }
     std::atomic<int> Folders = 0;
     std::atomic<int> Actions = 0;
 };
@@ -101,6 +104,10 @@ TEST_F(CtlTest, ARefreshHasReachedTheAgentWhenTheCommandEnds) {
     EXPECT_EQ(Ctl("refresh folders").Exit, 0);
     EXPECT_EQ(target.Folders, 1);
     EXPECT_EQ(target.Actions, 0);
+    EXPECT_EQ(Ctl("pause /in").Exit, 0);
+    const TProgramResult resumed = Ctl("resume /in/../other");
+    EXPECT_EQ(resumed.Exit, 1);
+    EXPECT_EQ(resumed.Errors, "not /other\n");
     const TProgramResult actions = Ctl("refresh actions");
     EXPECT_EQ(actions.Exit, 0);
     EXPECT_EQ(actions.Out + actions.Errors, "");
@@ -175,8 +182,8 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
         const char* Offered;
     } cases[] = {
-        {"_", "init lint check status refresh"},
-        {"re", "refresh"},
+        {"_", "init lint check status pause resume refresh"},
+        {"re", "resume refresh"},
         {"refresh _", "folders actions"},
         {"-q refresh f", "folders"},
         {"--timeout _", ""},

@@ -133,7 +133,7 @@ TEST_F(DesktopTest, ATrayIconWorksWithoutATrayAreaToo) {
     for (int i = 0; i < AgentFrames; ++i)
         frames.Add(AgentFrame(16, i));
     int clicks = 0;
-    const TPopupMenu menu{{{"Exit", [&] { ++clicks; }}}};
+    TPopupMenu menu{{{"Exit", [&] { ++clicks; }}}};
     TTrayIcon icon(nullptr);
     icon.Icon = {AgentPicture(16), AgentPicture(32)};
     icon.Icons = &frames;

@@ -2,10 +2,12 @@
 """The end of the desktop's session while a script is open: session_end.py MORVANE_SCRIPT
 
 Plays the session's manager (XSMP, by way of libSM) for the editor on a display: each case changes a script or not,
-ends the session, answers the question with the keyboard, and looks at what the manager is told and at the file."""
+ends the session, answers the question with the keyboard, and looks at what the manager is told and at the file.
+Once more with a signal in the place of the manager."""
 import ctypes
 import os
 import select
+import signal
 import subprocess
 import sys
 import tempfile
@@ -118,7 +120,7 @@ def has_focus(title):
     return asked("getwindowfocus", "getwindowname").startswith(title)
 
 
-def play(session, program, folder, typed, answer, stays, content):
+def play(session, program, folder, by_signal, typed, answer, stays, content):
     session.told.clear()
     path = os.path.join(folder, "a.js")
     with open(path, "w") as script:
@@ -133,29 +135,37 @@ def play(session, program, folder, typed, answer, stays, content):
                 asked("key", key)
                 session.until(lambda: shows(r"^a\.js\*"), "the mark of a change")
             session.told.clear()
-            session.end()
+            if by_signal:
+                editor.send_signal(signal.SIGTERM)
+            else:
+                session.end()
             for key in answer:
                 session.until(lambda: has_focus("Javascript editor"), "the question")
                 asked("key", key)
-            session.until(lambda: session.was_told("save_yourself_done"), "the answer")
-            assert (("interact_done", 1) in session.told) == stays, session.told
-            assert session.was_told("interact_request") == bool(answer), session.told
-            with open(path) as script:
-                assert script.read() == content
+            if by_signal:
+                session.until(lambda: not shows("^Javascript editor$"), "the answer")
+            else:
+                session.until(lambda: session.was_told("save_yourself_done"), "the answer")
+                assert (("interact_done", 1) in session.told) == stays, session.told
+                assert session.was_told("interact_request") == bool(answer), session.told
             if stays:
                 assert editor.poll() is None
             else:
-                session.die()
+                if not by_signal:
+                    session.die()
                 session.until(lambda: editor.poll() is not None, "the end")
+            with open(path) as script:
+                assert script.read() == content
         finally:
             editor.kill()
 
 
 session_of_all = Session()
 with tempfile.TemporaryDirectory() as work:
-    for case in [([], [], False, "a;\n"),
-                 (["x"], ["Return"], False, "xa;\n"),
-                 (["x"], ["Tab", "space"], False, "a;\n"),
-                 (["x"], ["Escape"], True, "a;\n")]:
-        play(session_of_all, sys.argv[1], work, *case)
-        print("passed:", *case)
+    for by_signal in (False, True):
+        for case in [([], [], False, "a;\n"),
+                     (["x"], ["Return"], False, "xa;\n"),
+                     (["x"], ["Tab", "space"], False, "a;\n"),
+                     (["x"], ["Escape"], True, "a;\n")]:
+            play(session_of_all, sys.argv[1], work, by_signal, *case)
+            print("passed:", by_signal, *case[:3])

@@ -425,4 +425,15 @@ TEST(YieldingCompletion, OpensBehindDotsThatHaveMembersAndOnRequest) {
     EXPECT_FALSE(editor.Completion.IsOpen());
 }
 
+TEST(YieldingCompletion, PutsTheCaretInsideBracketsThatEndACutLine) {
+    TYieldingEditor editor("Incl|   ");
+    editor.Memo.Settings.FRightMargin = 9; // as wide as "Include()"
+    editor.Memo.SetWordWrap(wwRightMargin);
+    editor.Key(keySpace, ssCtrl);
+    editor.Type("\n");
+    EXPECT_EQ(editor.Shown(), "Include(|)\n");
+    editor.Key(keyZ, ssCtrl);
+    EXPECT_EQ(editor.Lines(), "Incl   "); // one step
+}
+
 } // namespace

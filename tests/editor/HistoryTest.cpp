@@ -210,9 +210,12 @@ private:
                 Note(); // each may be a step
             }
         }
-        if (memo.Lines().Count() > 200)
-            memo.SelectAll(), memo.Blocks().DeleteSelection();
         Note();
+        if (memo.Lines().Count() > 200) {
+            memo.SelectAll();
+            memo.Blocks().DeleteSelection();
+            Note();
+        }
     }
 
     std::mt19937 FRandom;

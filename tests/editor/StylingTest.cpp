@@ -293,6 +293,19 @@ TEST(Styler, LoadedDropsContentsThatNobodyClaimed) {
     EXPECT_EQ(js.FAllStyles.Count(), 5);
 }
 
+TEST(TodaysLanguage, NumbersOfBothKinds) {
+    TAdvJSMemoStyler styler;
+    styler.UseTodaysLanguage();
+    TEditor editor("x = 0x1AfC, 9.5;");
+    editor.Styled(styler);
+    std::vector<std::string> numbers;
+    for (const TStyleRun& run : editor.Memo.RunsOf(0)) {
+        if (run.State.isnumber)
+            numbers.push_back(run.Text.toStdString());
+    }
+    EXPECT_EQ(numbers, (std::vector<std::string>{"0x1AfC", "9.5"}));
+}
+
 TEST(TodaysLanguage, EscapesExpressionsAndTextOfSeveralLines) {
     struct {
         const char* Text;

@@ -28,6 +28,8 @@ constexpr TCommand Commands[] = {
     {"lint", Folder, "Look for faults in the configuration.", Lint},
     {"check", "", "Tell whether the agent serves its folders.", Check},
     {"status", "", "Tell how the agent and each of its folders fare.", Status},
+    {"pause", Folder, "Leave FOLDER alone, or all of them.", Pause},
+    {"resume", Folder, "Serve FOLDER again, or all of them.", Resume},
     {"refresh", "folders|actions", "Have the agent read a configuration file again.", Refresh},
 };
 
@@ -39,7 +41,7 @@ Options:
   -h, --help               Print this.
   -v, --version            Print the version.
 
-Without FOLDER, init and lint take the configuration folder of the settings.
+Without FOLDER, init and lint take the configuration folder of the settings. A pause outlasts the agent.
 
 Exit codes: 0 done, 1 the agent does not run, or a file could not be used, 2 wrong usage,
 3 no answer in time, 4 faults in the configuration, 5 the agent runs and serves nothing.)";

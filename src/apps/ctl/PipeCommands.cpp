@@ -3,6 +3,8 @@
 #include "agent/ControlPipe.h"
 #include "platform/NamedPipe.h"
 
+#include <QDir>
+
 namespace {
 
 /// Sends the commands on one connection and reads one reply: the agent takes messages in their order.
@@ -21,10 +23,29 @@ TPipeReply Send(const QStringList& commands, int timeoutMs) {
     }
 }
 
+TCommandResult SendPause(const char* command, const string& folder, const TCommandOptions& options) {
+    string words = QLatin1String(command);
+    if (!folder.isEmpty())
+        words += u' ' + QDir(folder).absolutePath();
+    const TPipeReply reply = Send({words}, options.TimeoutMs);
+    if (reply.Failure)
+        return *reply.Failure;
+    return reply.Text == QLatin1String(ControlPipe::CheckReply) ? TCommandResult{}
+                                                                : TCommandResult{ExitFailed, reply.Text};
+}
+
 } // namespace
 
 TPipeReply AskAgent(const string& command, int timeoutMs) {
     return Send({command}, timeoutMs);
+}
+
+TCommandResult Pause(const string& argument, const TCommandOptions& options) {
+    return SendPause(ControlPipe::Pause, argument, options);
+}
+
+TCommandResult Resume(const string& argument, const TCommandOptions& options) {
+    return SendPause(ControlPipe::Resume, argument, options);
 }
 
 TCommandResult Refresh(const string& argument, const TCommandOptions& options) {

@@ -12,5 +12,9 @@ struct TPipeReply {
 /// Sends a command that has an answer, and waits for it.
 [[nodiscard]] TPipeReply AskAgent(const string& command, int timeoutMs);
 
+/// Has the agent leave a folder alone until the next; no folder is all of them.
+[[nodiscard]] TCommandResult Pause(const string& argument, const TCommandOptions& options);
+[[nodiscard]] TCommandResult Resume(const string& argument, const TCommandOptions& options);
+
 /// Has the agent reload "folders" or "actions" at its next tick. Done once the agent has taken the command.
 [[nodiscard]] TCommandResult Refresh(const string& argument, const TCommandOptions& options);

@@ -154,11 +154,15 @@ void TMemoCompletion::Accept(Path path, AddBrackets brackets) {
     if (yields)
         FMemo.UndoList().Hold();
     Replace(text, path);
-    if (yields)
-        FMemo.UndoList().Release(x0, y0);
     if (inside) {
+        if (yields && FMemo.Caret().X() == 0)
+            FMemo.Caret().SetColumn(-1); // word wrap has cut behind the brackets
         FMemo.Caret().SetColumn(FMemo.Caret().X() - 1);
         FMemo.ClearSelection();
+    }
+    if (yields)
+        FMemo.UndoList().Release(x0, y0); // leaving a line may trim it
+    if (inside) {
         if (yields)
             FMemo.Aids().PairPut();
         FHint.ShowParameterHint();

@@ -83,6 +83,7 @@ void TAdvJSMemoStyler::UseTodaysLanguage() {
     FExpressions = FAllStyles.Count();
     AddElement(FAllStyles, stBracket, Brown).SetInfo("Regular expressions");
     FCommentStyle.TextColor = Grey;
+    FHexIdentifier = "0x";
     FLiteral = "\\";
     FBracketsEndWithLine = true;
     FLongBracket = u'`';

@@ -1,5 +1,7 @@
 #include "engine/pdf/Xmp.h"
 
+#include "xml/XmlEscape.h"
+
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 
@@ -129,9 +131,9 @@ NarrowString Serialised(xmlDoc* document) {
 /// What XML 1.0 can't hold is left out.
 NarrowString XmlText(const string& text) {
     string kept;
-    for (const QChar c : text)
-        if (c >= u' ' || c == u'\t' || c == u'\n' || c == u'\r')
-            kept.append(c);
+    for (qsizetype i = 0; i < text.size(); ++i)
+        if (!IsForbiddenInXml(text, i))
+            kept.append(text[i]);
     return kept.toUtf8();
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/Convert.h"
 #include "base/Reflection.h"
+#include "base/TypeKind.h"
 #include "base/TypeNames.h"
 #include "scripting/mozjs/Core.h"
 
@@ -18,40 +19,6 @@
 #include <cmath>
 
 namespace {
-
-enum class Shape { None, Boolean, Whole, Float, Text, Color, Enumeration, Record, Object, List, Other };
-
-bool IsText(QMetaType type) {
-    return type.id() == QMetaType::QString || type.id() == QMetaType::QByteArray ||
-           type == QMetaType::fromType<TFileName>() || type == QMetaType::fromType<TFontName>() ||
-           type == QMetaType::fromType<PWideChar>();
-}
-
-Shape ShapeOf(QMetaType type) {
-    const QMetaType::TypeFlags flags = type.flags();
-    if (!type.isValid() || type.id() == QMetaType::Void)
-        return Shape::None;
-    if (type.id() == QMetaType::Bool)
-        return Shape::Boolean;
-    if (IsText(type))
-        return Shape::Text;
-    if (type.id() == QMetaType::Float || type.id() == QMetaType::Double)
-        return Shape::Float;
-    if (type == QMetaType::fromType<TColor>() || type == QMetaType::fromType<ARGB>())
-        return Shape::Color;
-    if (flags.testFlag(QMetaType::IsEnumeration))
-        return Shape::Enumeration;
-    if (flags.testFlag(QMetaType::PointerToQObject))
-        return Shape::Object;
-    if (flags.testFlag(QMetaType::IsGadget))
-        return Shape::Record;
-    if (type.id() <= QMetaType::LastCoreType && QMetaType::canConvert(type, QMetaType::fromType<qint64>()) &&
-        type.id() != QMetaType::QStringList)
-        return Shape::Whole;
-    if (QMetaType::canView(type, QMetaType::fromType<QSequentialIterable>()))
-        return Shape::List;
-    return Shape::Other;
-}
 
 [[noreturn]] void Refuse(const string& what, const string& given, QMetaType target) {
     throw EConvertError(QStringLiteral("%1: %2 is no %3").arg(what, given, TypeNameWithValues(target)));
@@ -144,16 +111,16 @@ QVariant WholeFrom(JS::BigInt* number, QMetaType target, const string& what) {
 
 QVariant FromObject(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
     JS::RootedObject object(classes.Context(), &value.toObject());
-    switch (ShapeOf(target)) {
-    case Shape::Object:
+    switch (KindOf(target)) {
+    case TTypeKind::Object:
         if (TClassTable::IsWrapper(*object))
             return QVariant::fromValue<QObject*>(&TClassTable::Unwrap(*object));
         break;
-    case Shape::Record:
+    case TTypeKind::Record:
         if (IsPlain(classes.Context(), object))
             return RecordFrom(classes, object, target, what);
         break;
-    case Shape::List:
+    case TTypeKind::List:
         return ListFrom(classes, value, target, what);
     default:
         break;
@@ -205,13 +172,13 @@ string TextOf(JSContext* cx, JS::HandleString text) {
 
 QVariant FromScript(TClassTable& classes, JS::HandleValue value, QMetaType target, const string& what) {
     JSContext* cx = classes.Context();
-    const Shape shape = ShapeOf(target);
+    const TTypeRow& row = RowOf(target);
     if (value.isNullOrUndefined()) {
-        if (shape == Shape::Object || (value.isNull() && target == QMetaType::fromType<PWideChar>()))
+        if (row.Kind == TTypeKind::Object || (value.isNull() && row.TakesNull))
             return QVariant(target);
         Refuse(what, value.isNull() ? QStringLiteral("null") : QStringLiteral("undefined"), target);
     }
-    if (shape == Shape::Text && !value.isSymbol())
+    if (row.Kind == TTypeKind::Text && !value.isSymbol())
         return TextFrom(cx, value, target, what);
     if (value.isBoolean())
         return value.toBoolean();
@@ -232,35 +199,35 @@ void ToScript(TClassTable& classes, const QVariant& value, TOwnership ownership,
               JS::MutableHandleValue result) {
     JSContext* cx = classes.Context();
     const QMetaType type = value.metaType();
-    switch (ShapeOf(type)) {
-    case Shape::None:
+    switch (KindOf(type)) {
+    case TTypeKind::None:
         return result.setUndefined();
-    case Shape::Boolean:
+    case TTypeKind::TruthValue:
         return result.setBoolean(value.toBool());
-    case Shape::Float:
+    case TTypeKind::Float:
         return result.setNumber(value.toDouble());
-    case Shape::Whole:
-        if (type.id() == QMetaType::ULongLong || type.id() == QMetaType::ULong)
-            return WholeTo(cx, value.toULongLong(), result);
+    case TTypeKind::Unsigned:
+        return WholeTo(cx, value.toULongLong(), result);
+    case TTypeKind::Signed:
         return WholeTo(cx, value.toLongLong(), result);
-    case Shape::Enumeration:
+    case TTypeKind::Enumeration:
         return result.setNumber(double(value.toLongLong()));
-    case Shape::Color:
+    case TTypeKind::Color:
         return result.setNumber(ConvertTo(value, QMetaType::fromType<quint32>(), {}).toUInt());
-    case Shape::Text: {
+    case TTypeKind::Text: {
         const string text = ConvertTo(value, QMetaType::fromType<QString>(), {}).toString();
         return result.setString(Must(
             JS_NewUCStringCopyN(cx, reinterpret_cast<const char16_t*>(text.utf16()), size_t(text.size()))));
     }
-    case Shape::Record:
+    case TTypeKind::Record:
         return RecordTo(classes, value, result);
-    case Shape::List:
+    case TTypeKind::List:
         return ListTo(classes, value, result);
-    case Shape::Object: {
+    case TTypeKind::Object: {
         auto* object = value.value<QObject*>();
         return object ? result.setObject(*classes.Wrap(*object, ownership)) : result.setNull();
     }
-    case Shape::Other:
+    case TTypeKind::Other:
         break;
     }
     throw Exception(

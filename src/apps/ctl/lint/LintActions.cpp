@@ -5,6 +5,7 @@
 #include "actions/UnknownAction.h"
 #include "actions/WatermarkActions.h"
 #include "base/Paths.h"
+#include "base/TypeKind.h"
 #include "engine/pages/PageRange.h"
 #include "scripting/ScriptDocument.h"
 #include "scripting/host/Engine.h"
@@ -112,12 +113,12 @@ private:
     }
 
     void CheckMember(const string& name, const QVariant& value) {
-        const int type = value.metaType().id();
+        const TTypeKind kind = KindOf(value.metaType());
         if (name.endsWith(u"pageRange", Qt::CaseInsensitive))
             CheckRange(name, value.toString());
-        else if (type == qMetaTypeId<TFileName>())
+        else if (value.metaType() == QMetaType::fromType<TFileName>())
             CheckFile(name, value.value<TFileName>());
-        else if (type == QMetaType::Float || type == QMetaType::Double || type == QMetaType::Int)
+        else if (kind == TTypeKind::Float || kind == TTypeKind::Signed)
             CheckNumber(name, value.toDouble());
         if (Is("ExtractPages") && name == u"fileName")
             CheckTarget(name, value.toString());
