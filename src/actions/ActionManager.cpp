@@ -1,7 +1,7 @@
 #include "actions/ActionManager.h"
 
 #include "actions/ActionRegistry.h"
-#include "actions/ConfigurationFiles.h"
+#include "actions/ConfigurationPaths.h"
 #include "base/Paths.h"
 #include "base/UniqueName.h"
 #include "xml/Xmlserial.h"

@@ -1,7 +1,7 @@
 #include "actions/WatchedFolders.h"
 
 #include "actions/ActionManager.h"
-#include "actions/ConfigurationFiles.h"
+#include "actions/ConfigurationPaths.h"
 #include "base/Exceptions.h"
 #include "base/FolderListing.h"
 #include "base/Paths.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-void WorkOnFile(const string& file, const TPDFWatchedFolder& folder) {
+void ExecuteOn(const string& file, const TPDFWatchedFolder& folder) {
     const string target = folder.OverwriteExistingFiles ? file : TPDFActionManager::UniqueFileName(file);
     auto document = std::make_unique<TZQPDFDocument>(nullptr);
     const TParkOnException park(document); // an exception leaves the document allocated
@@ -58,5 +58,5 @@ void TPDFWatchedFolders::Execute(Integer Index) {
         return;
     const string path = IncludeTrailingDelimiter(folder.Name);
     for (const string& name : ListFiles(path, QStringLiteral("*.pdf")))
-        WorkOnFile(path + name, folder);
+        ExecuteOn(path + name, folder);
 }

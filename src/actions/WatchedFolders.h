@@ -64,8 +64,13 @@ public:
     /// Always writes to `watchedfolders.xml` in the configuration folder.
     void Save();
 
-    /// A plain pass over one folder for hosts that want no more: results lie beside the sources, there are
-    /// no subfolders, no log and no handling of passwords or exceptions. The agent doesn't use it. An index
-    /// out of range raises.
+    /// A plain pass over one folder for hosts that want no more; the agent doesn't use it. Results lie beside
+    /// the sources, which stay: the next pass takes both. It lacks the safeguards of the agent's own way. A
+    /// file is not claimed, so that another program may work on it at the same time; it isn't left to lie
+    /// quiet first, and whether somebody still writes it or it changes meanwhile is not looked at. One that
+    /// is protected or cannot be read doesn't wait for a better time: its exception ends the pass. Nothing is
+    /// moved to an Error folder, nothing is logged, the folder's policy counts for nothing, and what the
+    /// actions do to this process, no worker takes in its place. What a pass that was cut off leaves behind,
+    /// none sweeps. An index out of range raises.
     void Execute(Integer Index);
 };

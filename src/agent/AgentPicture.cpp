@@ -19,30 +19,42 @@ struct TShape {
     }
 };
 
-constexpr quint32 Back = 0xB45F06;
-constexpr quint32 Sheet = 0xFFFFFF;
-constexpr quint32 Writing = 0xC62828;
-constexpr quint32 Front = 0xF6A623;
+constexpr quint32 White = 0xFFFFFF;
+constexpr quint32 Red = 0xC62828;
 
 using TDrawing = std::vector<TShape>; // from back to front
 
+enum class TPart { Folder, Sheet };
+
+/// A rectangle of the program's icon, whose side is 100.
+struct TIconShape {
+    TPart Part;
+    double X, Y, Width, Height, Radius;
+    quint32 Colour;
+};
+
+constexpr TIconShape Icon[] = {
+#include "agent/AgentIcon.inc"
+};
+
 /// `rise` is how far the sheet stands above its place.
 TDrawing Drawing(double rise) {
-    return {{0.04, 0.20, 0.46, 0.60, 0.06, Back},
-            {0.04, 0.28, 0.96, 0.90, 0.06, Back},
-            {0.20, 0.12 - rise, 0.80, 0.80 - rise, 0.04, Sheet},
-            {0.28, 0.22 - rise, 0.72, 0.28 - rise, 0.0, Writing},
-            {0.28, 0.36 - rise, 0.72, 0.42 - rise, 0.0, Writing},
-            {0.04, 0.52, 0.96, 0.94, 0.08, Front}};
+    TDrawing drawing;
+    for (const TIconShape& shape : Icon) {
+        const double top = shape.Y / 100 - (shape.Part == TPart::Sheet ? rise : 0);
+        drawing.push_back({shape.X / 100, top, (shape.X + shape.Width) / 100, top + shape.Height / 100,
+                           shape.Radius / 100, shape.Colour});
+    }
+    return drawing;
 }
 
 /// The same with a badge that holds an exclamation mark, large enough for 16 pixels.
 TDrawing DrawingWithBadge() {
     TDrawing drawing = Drawing(0);
-    drawing.insert(drawing.end(), {{0.38, 0.38, 1.00, 1.00, 0.31, Sheet},
-                                   {0.43, 0.43, 0.95, 0.95, 0.26, Writing},
-                                   {0.63, 0.50, 0.75, 0.73, 0.03, Sheet},
-                                   {0.63, 0.78, 0.75, 0.89, 0.05, Sheet}});
+    drawing.insert(drawing.end(), {{0.38, 0.38, 1.00, 1.00, 0.31, White},
+                                   {0.43, 0.43, 0.95, 0.95, 0.26, Red},
+                                   {0.63, 0.50, 0.75, 0.73, 0.03, White},
+                                   {0.63, 0.78, 0.75, 0.89, 0.05, White}});
     return drawing;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 // The run-time tables: which members and methods a class has, found by name, and calls through tagged
-// values. Qt's meta-objects are the tables; this is the only code that reads them.
+// values. Qt's meta-objects are the tables; what is looked up in them by name is looked up here alone.
 //
 // A class lists its members once, with the two macros below, and binding, files, scripts, completion and
 // settings forms all read that list.

@@ -8,7 +8,7 @@
 
 namespace {
 
-class TSystemClock : public TClock {
+class TMachineClock : public TClock {
 public:
     Cardinal TickCount() override {
         timespec now{};
@@ -56,7 +56,7 @@ TDateTime SystemTimeToDateTime(const TSystemTime& time) {
     return double(days) + double(ms) / 86'400'000.0;
 }
 
-TClock& SystemClock() {
-    static auto& clock = *new TSystemClock; // never destroyed: the timers' thread may outlast statics
+TClock& MachineClock() {
+    static auto& clock = *new TMachineClock; // never destroyed: the timers' thread may outlast statics
     return clock;
 }

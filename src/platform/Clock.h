@@ -32,4 +32,4 @@ public:
 };
 
 /// The machine's clock.
-[[nodiscard]] TClock& SystemClock();
+[[nodiscard]] TClock& MachineClock();

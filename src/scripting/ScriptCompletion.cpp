@@ -1,8 +1,8 @@
 #include "scripting/ScriptCompletion.h"
 
+#include "scripting/Declarations.h"
 #include "scripting/GlobalFunctions.h"
 #include "scripting/ScriptDocument.h"
-#include "scripting/Signatures.h"
 
 #include <algorithm>
 
@@ -29,10 +29,10 @@ TJSCompletion BuildCompletion() {
     // scripts don't see.
     QStringList document;
     for (const QMetaMethod& method : OwnMethods(TJSPDFDocument::staticMetaObject))
-        document.append(MethodSignature(method));
+        document.append(MethodDeclaration(method));
     QStringList global{QStringLiteral("Document.")};
     for (const QMetaMethod& function : OwnMethods(TJSGlobalFunctions::staticMetaObject))
         if (!IsHidden(QString::fromLatin1(function.name())))
-            global.append(MethodSignature(function));
+            global.append(MethodDeclaration(function));
     return {{QStringLiteral("DOCUMENT."), document}, {QStringLiteral("{DEFAULT}"), global}};
 }

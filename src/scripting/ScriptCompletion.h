@@ -10,6 +10,6 @@
 /// "{DEFAULT}" where there is no token.
 using TJSCompletion = QMap<string, QStringList>;
 
-/// The methods of the script document, and "Document." with the global functions, each as MethodSignature
-/// (scripting/Signatures.h) writes it, in the order of their declaration.
+/// The methods of the script document, and "Document." with the global functions, each as MethodDeclaration
+/// (scripting/Declarations.h) writes it, in the order of their declaration.
 [[nodiscard]] TJSCompletion BuildCompletion();

@@ -12,7 +12,7 @@ class TumCustomTimer;
 
 class TumTimerManager final : public TWorkerThread {
 public:
-    explicit TumTimerManager(TClock& clock = SystemClock());
+    explicit TumTimerManager(TClock& clock = MachineClock());
     /// Ends the thread and frees the timers that still live, those of TimerList first: they must have been
     /// made with new, by the calling thread or one that has ended.
     ~TumTimerManager() override;

@@ -37,9 +37,7 @@ TFolderWatch::TFolderWatch(TComponent* owner, TDesigning designing)
         fWindow = std::make_unique<THiddenWindow>([this](TMessage& message) { WndProc(message); });
 }
 
-TFolderWatch::~TFolderWatch() {
-    StopThread();
-}
+TFolderWatch::~TFolderWatch() = default;
 
 void TFolderWatch::SetDirectory(const string& directory) {
     if (directory.isEmpty()) {
@@ -84,21 +82,17 @@ void TFolderWatch::SetActive(bool active) {
     if (active && fDesigning == TDesigning::No)
         StartThread();
     else if (!active)
-        StopThread();
+        fWatchThread.reset();
     fActive = active;
 }
 
 void TFolderWatch::StartThread() {
     RequireDirectory(fDirectory);
-    fWatchThread = TWatchThread::Start({.Owner = fWindow->Handle(),
-                                        .Directory = fDirectory,
-                                        .Subtree = fWatchSubDirs ? TSubtree::Yes : TSubtree::No,
-                                        .Filters = ChangeFiltersOf(fNotifyFilters)});
-}
-
-void TFolderWatch::StopThread() {
-    if (const auto thread = std::exchange(fWatchThread, nullptr))
-        thread->Terminate();
+    fWatchThread =
+        std::make_unique<TWatchThread>(TWatchOrder{.Owner = fWindow->Handle(),
+                                                   .Directory = fDirectory,
+                                                   .Subtree = fWatchSubDirs ? TSubtree::Yes : TSubtree::No,
+                                                   .Filters = ChangeFiltersOf(fNotifyFilters)});
 }
 
 void TFolderWatch::WndProc(TMessage& message) {

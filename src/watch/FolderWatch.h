@@ -66,12 +66,11 @@ public:
 private:
     void WndProc(TMessage& message);
     void StartThread();
-    void StopThread();
     void Restart();
 
     const TDesigning fDesigning;
     std::unique_ptr<THiddenWindow> fWindow;
-    std::shared_ptr<TWatchThread> fWatchThread;
+    std::unique_ptr<TWatchThread> fWatchThread;
     bool fWatchSubDirs = false;
     string fDirectory = QStringLiteral("/");
     bool fActive = false;

@@ -1,17 +1,9 @@
 #include "watch/WatchThread.h"
 
-#include "base/Exceptions.h"
-#include "base/Journal.h"
-#include "platform/WorkerThread.h"
-
-#include <chrono>
-#include <thread>
-
-std::shared_ptr<TWatchThread> TWatchThread::Start(TWatchOrder order) {
-    std::shared_ptr<TWatchThread> watch(new TWatchThread(std::move(order)));
-    watch->FFirst = watch->Open(); // by the maker, so that no change after this call is missed
-    std::thread([watch] { watch->Run(); }).detach();
-    return watch;
+TWatchThread::TWatchThread(TWatchOrder order)
+    : TWorkerThread("folder watch", TThreadPriority::Lowest), FOrder(std::move(order)) {
+    FFirst = Open(); // by the maker, so that no change after this call is missed
+    Start();
 }
 
 void TWatchThread::SetDirectory(string directory) {
@@ -30,20 +22,8 @@ string TWatchThread::Directory() {
 }
 
 void TWatchThread::Terminate() {
-    FTerminated.store(true, std::memory_order_relaxed);
+    TWorkerThread::Terminate();
     FBreakEvent.Set();
-    while (!FFinished.load(std::memory_order_acquire))
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-}
-
-void TWatchThread::Run() noexcept {
-    DescribeThisThread("folder watch", TThreadPriority::Lowest);
-    try {
-        Execute();
-    } catch (const std::exception& e) {
-        JournalLine(QStringLiteral("The folder watch ended: %1").arg(MessageOf(e)));
-    }
-    FFinished.store(true, std::memory_order_release);
 }
 
 void TWatchThread::Execute() {

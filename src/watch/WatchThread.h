@@ -1,12 +1,11 @@
 #pragma once
 // TWatchThread: waits for changes in a folder and posts one message for each burst of them.
 //
-// A change that follows another within 10 ms belongs to the same burst. The thread and its maker share the
-// object, and whichever lets go of it last frees it.
+// A change that follows another within 10 ms belongs to the same burst.
 #include "platform/ChangeNotification.h"
 #include "platform/HiddenWindow.h"
+#include "platform/WorkerThread.h"
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 
@@ -20,34 +19,29 @@ struct TWatchOrder {
     TOpenChangeNotification Open = FindFirstChangeNotification;
 };
 
-class TWatchThread : public std::enable_shared_from_this<TWatchThread> {
+class TWatchThread final : public TWorkerThread {
 public:
     static constexpr int BurstMs = 10;  ///< changes closer than this are one
     static constexpr int DrainMs = 100; ///< quiet that ends a series of changes of directory
 
-    /// Starts the thread, at the lowest priority; the folder is watched when this returns.
-    [[nodiscard]] static std::shared_ptr<TWatchThread> Start(TWatchOrder order);
+    /// Starts the thread, at the lowest priority; the folder is watched from here on.
+    explicit TWatchThread(TWatchOrder order);
+    /// Waits until the thread has left its loop.
+    ~TWatchThread() override { Stop(); }
 
     /// Watches another folder from now on; the same one changes nothing.
     void SetDirectory(string directory);
-    /// Returns when the thread has left its loop, which takes up to about 100 ms.
-    void Terminate();
+    void Terminate() override;
 
 private:
-    explicit TWatchThread(TWatchOrder order) : FOrder(std::move(order)) {}
-
-    void Run() noexcept;
-    void Execute();
+    void Execute() override;
     void WaitLoop(TChangeNotification& changes);
     void Drain();
     [[nodiscard]] std::unique_ptr<TChangeNotification> Open();
     [[nodiscard]] string Directory();
-    [[nodiscard]] bool Terminated() const { return FTerminated.load(std::memory_order_relaxed); }
 
     TWatchOrder FOrder; ///< Directory changes under FLock, the rest never
     std::mutex FLock;
     std::unique_ptr<TChangeNotification> FFirst; ///< the thread's from its start on
     TEvent FBreakEvent;
-    std::atomic<bool> FTerminated = false;
-    std::atomic<bool> FFinished = false; ///< the thread's last word
 };

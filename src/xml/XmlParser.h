@@ -1,5 +1,6 @@
 #pragma once
-// Reading of XML into a small tree. The only code that knows the XML library.
+// Reading of XML into a small tree. No other code of this module knows the XML library; what keeps foreign
+// XML as it is has code of its own beside it: the packets of PDF files and the scheme files of Bates numbers.
 //
 // Made for configuration files from anywhere: no network, no document type declarations and so no entities
 // of their own, and stated limits, so that no file can hang the program or eat its memory. Nothing is

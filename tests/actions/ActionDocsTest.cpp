@@ -5,7 +5,7 @@
 #include "actions/ActionRegistry.h"
 #include "actions/Leaves.h"
 #include "base/Convert.h"
-#include "scripting/Signatures.h"
+#include "scripting/Declarations.h"
 #include "testing/Workspace.h"
 
 #include <QMap>
@@ -52,7 +52,7 @@ public:
         string text;
         for (const TPDFActionManager::TRegisteredAction& row : RegisteredActions()) {
             const string name = Reflection::ClassName(*row.cl);
-            text += "\n#### `" + name + "`: " + row.title + "\n\n" + Text(name);
+            text += "\n#### `" + name + "`: " + row.title + " (" + row.category + ")\n\n" + Text(name);
             const auto action = TPDFAction::CreateInstance(*row.cl);
             const QList<TLeaf> leaves = LeavesOf(*action).mid(2); // behind Name and Tag
             if (!leaves.isEmpty())

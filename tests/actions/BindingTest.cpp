@@ -6,6 +6,7 @@
 #include "actions/NavigationActions.h"
 #include "actions/PageActions.h"
 #include "base/Exceptions.h"
+#include "testing/Raised.h"
 #include "testing/Workspace.h"
 
 /// Notes the calls that reach it.
@@ -63,14 +64,6 @@ protected:
         InvokeByClassName(action, TReceiver::staticMetaObject, [this]() -> QObject& { return FReceiver; });
         return FReceiver.Calls;
     }
-    string MessageOfRun(const TPDFAction& action) {
-        try {
-            Run(action);
-        } catch (const Exception& e) {
-            return e.Message();
-        }
-        return {};
-    }
     TReceiver FReceiver;
 };
 
@@ -91,12 +84,13 @@ TEST_F(Binding, NoMethodOfThatNameIsASilentSuccess) {
 }
 
 TEST_F(Binding, AParameterWithoutSourceRaisesBeforeTheCall) {
-    EXPECT_EQ(MessageOfRun(TPDFActionLack()), "TPDFAction.Execute invalid propert/parameter name AWidth");
+    EXPECT_EQ(RaisedBy([&] { Run(TPDFActionLack()); }),
+              "TPDFAction.Execute invalid propert/parameter name AWidth");
     EXPECT_TRUE(FReceiver.Calls.isEmpty());
 }
 
 TEST_F(Binding, ExceptionsOfTheMethodPass) {
-    EXPECT_EQ(MessageOfRun(TPDFActionFail()), "from the method");
+    EXPECT_EQ(RaisedBy([&] { Run(TPDFActionFail()); }), "from the method");
 }
 
 TEST_F(Binding, PrefixIsNotChecked) {
@@ -121,12 +115,7 @@ private:
 
 TEST(Config, LooksTheDialogUpByName) {
     TPDFActionCropPages crop;
-    try {
-        crop.Config();
-        FAIL() << "no exception";
-    } catch (const Exception& e) {
-        EXPECT_EQ(e.Message(), "[TPDFAction.Config]: Class not found TFrmPDFCropPages");
-    }
+    EXPECT_EQ(RaisedBy([&] { crop.Config(); }), "[TPDFAction.Config]: Class not found TFrmPDFCropPages");
     Reflection::RegisterClass(TFrmPDFRotatePages::staticMetaObject);
     TPDFActionRotatePages rotate;
     EXPECT_TRUE(rotate.Config());

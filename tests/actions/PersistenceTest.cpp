@@ -5,6 +5,8 @@
 #include "actions/WatchedFolders.h"
 #include "base/Exceptions.h"
 #include "engine/document/Document.h"
+#include "testing/Raised.h"
+#include "testing/SamplePdf.h"
 #include "testing/Workspace.h"
 
 #include <QRegularExpression>
@@ -96,12 +98,8 @@ TEST_F(Persistence, UnknownActionIsKeptAndRaises) {
     TPDFActionManager manager;
     manager.Load({});
     TZQPDFDocument document(nullptr);
-    try {
-        manager[0].Execute(document);
-        FAIL() << "no exception";
-    } catch (const Exception& e) {
-        EXPECT_EQ(e.Message(), "Unknown action class \"TPDFActionFromTomorrow\".");
-    }
+    EXPECT_EQ(RaisedBy([&] { manager[0].Execute(document); }),
+              "Unknown action class \"TPDFActionFromTomorrow\".");
     manager.Save();
     const QByteArray saved = FWorkspace.Read("configuration/actions.xml");
     EXPECT_TRUE(saved.contains(
@@ -116,14 +114,44 @@ TEST_F(Persistence, MissingFileIsEmptyAndABadOneRaises) {
     EXPECT_EQ(manager.Count(), 0);
     manager.AddAction("old", "");
     const string bad = FWorkspace.Write("bad.xml", "<ActionManager>\n<Manager");
-    try {
-        manager.Load(bad);
-        FAIL() << "no exception";
-    } catch (const Exception& e) {
-        EXPECT_TRUE(e.Message().contains("bad.xml") && e.Message().contains(QRegularExpression("\\b2\\b")))
-            << e.what();
-    }
+    const string raised = RaisedBy([&] { manager.Load(bad); });
+    EXPECT_TRUE(raised.contains("bad.xml") && raised.contains(QRegularExpression("\\b2\\b")))
+        << raised.toStdString();
     EXPECT_EQ(manager.Count(), 0) << "the list was emptied before the file was read";
+}
+
+TEST_F(Persistence, APlainPassPutsResultsBesideTheirSources) {
+    GetActionManager().AddAction("Turn", "").FActions->Add(std::make_unique<TPDFActionRotatePages>());
+    const string in = FWorkspace.Path("in");
+    const struct {
+        TPDFWatchedFolder Folder;
+        Integer Index;
+        QByteArray Source;
+        string Result; ///< the name of a page that is looked at
+        QByteArray Turned;
+        string Raised;
+    } cases[] = {
+        {{in, true, false, 1, "Turn"}, 0, SamplePdf(1), "a (1).pdf", "90", ""},
+        {{in, true, true, 1, "tURN"}, 0, SamplePdf(1), "a.pdf", "90", ""},
+        {{in, true, false, 1, "none"}, 0, SamplePdf(1), "a (1).pdf", "0", ""},
+        {{in, false, true, 1, "Turn"}, 0, SamplePdf(1), "a.pdf", "0", ""},
+        {{in, true, true, 1, "Turn"}, 1, SamplePdf(1), "a.pdf", "0", "no watched folder with the index 1."},
+        {{in, true, true, 1, "Turn"}, -1, SamplePdf(1), "a.pdf", "0", "no watched folder with the index -1."},
+        {{in, true, true, 1, "Turn"}, 0, "text", "", "", "not a PDF file"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.Folder.Action.toStdString() + c.Raised.toStdString());
+        QDir(in).removeRecursively();
+        FWorkspace.Write("in/a.pdf", c.Source);
+        TPDFWatchedFolders folders;
+        folders.FFolders = {c.Folder};
+        const string raised = RaisedBy([&] { folders.Execute(c.Index); });
+        EXPECT_TRUE(raised.contains(c.Raised) && raised.isEmpty() == c.Raised.isEmpty())
+            << raised.toStdString();
+        EXPECT_EQ(FWorkspace.Read("in/a.pdf") == c.Source, c.Result != "a.pdf" || c.Turned == "0");
+        const QByteArray info = RunProgram("pdfinfo", {in + u'/' + c.Result}).Out.simplified();
+        EXPECT_TRUE(c.Result.isEmpty() || info.contains("Page rot: " + c.Turned)) << info.toStdString();
+    }
 }
 
 TEST_F(Persistence, AssignCopiesDeeply) {

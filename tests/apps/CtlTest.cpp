@@ -2,9 +2,8 @@
 #include "agent/NamedPipeThread.h"
 #include "platform/NamedPipeServer.h"
 #include "testing/RuntimeFolder.h"
+#include "testing/Workspace.h"
 
-#include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
 
 #include <gmock/gmock.h>
@@ -13,21 +12,7 @@ using testing::HasSubstr;
 
 namespace {
 
-struct TResult {
-    int Code = -1;
-    std::string Out, Err;
-};
-
-TResult RunProgram(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(60'000))
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
-            process.readAllStandardError().toStdString()};
-}
-
-TResult Ctl(const QString& words) {
+TProgramResult Ctl(const QString& words) {
     return RunProgram(MORVANECTL, words.split(' ', Qt::SkipEmptyParts));
 }
 
@@ -49,7 +34,7 @@ protected:
     }
     /// The pipe's thread needs a moment to bring its pipe up.
     static void WaitForAgent() {
-        while (Ctl("-q check").Code != 0) {
+        while (Ctl("-q check").Exit != 0) {
         }
     }
     static QString Source(const char* path) { return QString(MORVANE_SOURCE) + '/' + path; }
@@ -58,18 +43,18 @@ protected:
 };
 
 TEST_F(CtlTest, SaysWhetherTheAgentRuns) {
-    const TResult without = Ctl("check");
-    EXPECT_EQ(without.Code, 1);
+    const TProgramResult without = Ctl("check");
+    EXPECT_EQ(without.Exit, 1);
     EXPECT_EQ(without.Out, "");
-    EXPECT_EQ(without.Err, "The agent is not running.\n");
-    EXPECT_EQ(Ctl("--quiet refresh actions").Code, 1);
+    EXPECT_EQ(without.Errors, "The agent is not running.\n");
+    EXPECT_EQ(Ctl("--quiet refresh actions").Exit, 1);
 
     const TNamedPipeThread agent(nullptr, FStatus);
     WaitForAgent();
-    const TResult with = Ctl("check");
-    EXPECT_EQ(with.Code, 0);
+    const TProgramResult with = Ctl("check");
+    EXPECT_EQ(with.Exit, 0);
     EXPECT_EQ(with.Out, "The agent is running.\n");
-    EXPECT_EQ(with.Err, "");
+    EXPECT_EQ(with.Errors, "");
     EXPECT_EQ(Ctl("check -q").Out, "");
 }
 
@@ -77,8 +62,8 @@ TEST_F(CtlTest, CheckFailsWhereNothingIsServed) {
     const TNamedPipeThread agent(nullptr, FStatus);
     WaitForAgent();
     const auto check = [] {
-        const TResult result = Ctl("check");
-        return std::to_string(result.Code) + ' ' + result.Out + result.Err;
+        const TProgramResult result = Ctl("check");
+        return std::to_string(result.Exit) + ' ' + (result.Out + result.Errors).toStdString();
     };
     FStatus.SetState("/out", TFolderState::Broken, "no\x1b[2Jdisk");
     EXPECT_EQ(check(), "0 The agent is running.\n\"/out\" is broken: no?[2Jdisk\n");
@@ -99,32 +84,33 @@ TEST_F(CtlTest, StatusSpeaksToPeopleAndToPrograms) {
     FStatus.ListsLoaded(TListKind::Folders, QDateTime::currentDateTime());
     FStatus.CountFailed("/in");
     FStatus.SetWorking("/in", "a.pdf");
-    const TResult people = Ctl("status");
-    EXPECT_EQ(people.Code, 0);
-    EXPECT_THAT(people.Out, HasSubstr(", serving, started 20"));
-    EXPECT_THAT(people.Out, HasSubstr("watchedfolders.xml: of 20"));
-    EXPECT_THAT(people.Out, HasSubstr("actions.xml: not read yet\n"
-                                      "/in\n    working on a.pdf\n"
-                                      "    0 done, 0 done with warnings, 1 failed, 0 waiting\n"));
-    const TResult programs = Ctl("status --json");
-    EXPECT_EQ(programs.Code, 0);
-    EXPECT_THAT(programs.Out, HasSubstr(R"("state":"working")"));
+    const TProgramResult people = Ctl("status");
+    EXPECT_EQ(people.Exit, 0);
+    EXPECT_THAT(people.Out.toStdString(), HasSubstr(", serving, started 20"));
+    EXPECT_THAT(people.Out.toStdString(), HasSubstr("watchedfolders.xml: of 20"));
+    EXPECT_THAT(people.Out.toStdString(),
+                HasSubstr("actions.xml: not read yet\n"
+                          "/in\n    working on a.pdf\n"
+                          "    0 done, 0 done with warnings, 1 failed, 0 waiting\n"));
+    const TProgramResult programs = Ctl("status --json");
+    EXPECT_EQ(programs.Exit, 0);
+    EXPECT_THAT(programs.Out.toStdString(), HasSubstr(R"("state":"working")"));
 }
 
 TEST_F(CtlTest, ARefreshHasReachedTheAgentWhenTheCommandEnds) {
     TTarget target;
     const TNamedPipeThread agent([&] { return &target; }, FStatus);
     WaitForAgent();
-    EXPECT_EQ(Ctl("refresh folders").Code, 0);
+    EXPECT_EQ(Ctl("refresh folders").Exit, 0);
     EXPECT_EQ(target.Folders, 1);
     EXPECT_EQ(target.Actions, 0);
-    EXPECT_EQ(Ctl("pause /in").Code, 0);
-    const TResult resumed = Ctl("resume /in/../other");
-    EXPECT_EQ(resumed.Code, 1);
-    EXPECT_EQ(resumed.Err, "not /other\n");
-    const TResult actions = Ctl("refresh actions");
-    EXPECT_EQ(actions.Code, 0);
-    EXPECT_EQ(actions.Out + actions.Err, "");
+    EXPECT_EQ(Ctl("pause /in").Exit, 0);
+    const TProgramResult resumed = Ctl("resume /in/../other");
+    EXPECT_EQ(resumed.Exit, 1);
+    EXPECT_EQ(resumed.Errors, "not /other\n");
+    const TProgramResult actions = Ctl("refresh actions");
+    EXPECT_EQ(actions.Exit, 0);
+    EXPECT_EQ(actions.Out + actions.Errors, "");
     EXPECT_EQ(target.Folders, 1);
     EXPECT_EQ(target.Actions, 1);
 }
@@ -133,9 +119,9 @@ TEST_F(CtlTest, AnAgentThatHangsIsNotWaitedForLongerThanTold) {
     TNamedPipeServer hanging("morvane_watched_folders", ".");
     hanging.OpenPipe();
     for (const char* words : {"check --timeout 0.2", "-t 0 refresh folders"}) {
-        const TResult result = Ctl(words);
-        EXPECT_EQ(result.Code, 3) << words;
-        EXPECT_EQ(result.Err, "The agent does not answer.\n") << words;
+        const TProgramResult result = Ctl(words);
+        EXPECT_EQ(result.Exit, 3) << words;
+        EXPECT_EQ(result.Errors, "The agent does not answer.\n") << words;
     }
 }
 
@@ -159,24 +145,24 @@ TEST_F(CtlTest, WrongUsageIsToldApart) {
         {"check --json", "The command \"check\" has no JSON."},
     };
     for (const auto& c : cases) {
-        const TResult result = Ctl(c.Words);
-        EXPECT_EQ(result.Code, 2) << c.Words;
+        const TProgramResult result = Ctl(c.Words);
+        EXPECT_EQ(result.Exit, 2) << c.Words;
         EXPECT_EQ(result.Out, "") << c.Words;
-        EXPECT_EQ(result.Err, std::string("morvanectl: ") + c.Message + " Try \"morvanectl --help\".\n");
+        EXPECT_EQ(result.Errors, QByteArray("morvanectl: ") + c.Message + " Try \"morvanectl --help\".\n");
     }
 }
 
 TEST_F(CtlTest, TheManualAndTheCompletionKnowWhatTheHelpKnows) {
     EXPECT_EQ(Ctl("--version").Out, "morvanectl " MORVANE_VERSION "\n");
-    const TResult help = Ctl("--help");
-    ASSERT_EQ(help.Code, 0);
+    const TProgramResult help = Ctl("--help");
+    ASSERT_EQ(help.Exit, 0);
     QFile manual(Source("docs/man/morvanectl.1"));
     QFile completion(Source("completions/bash/morvanectl"));
     ASSERT_TRUE(manual.open(QIODevice::ReadOnly) && completion.open(QIODevice::ReadOnly));
     const std::string manualText = manual.readAll().replace("\\-", "-").toStdString();
     const std::string completionText = completion.readAll().toStdString();
     int words = 0;
-    for (const QString& line : QString::fromStdString(help.Out).split('\n')) {
+    for (const QString& line : QString::fromUtf8(help.Out).split('\n')) {
         if (!line.startsWith("  "))
             continue;
         // Everything in the left column but placeholders.
@@ -212,12 +198,12 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
     };
     for (const auto& c : cases) {
         const QString words = QString(c.Line).replace('_', "''");
-        const TResult result = RunProgram(
+        const TProgramResult result = RunProgram(
             "bash",
             {"-c", QString("source '%1'; COMP_WORDS=(morvanectl %2); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); "
                            "_morvanectl; echo \"${COMPREPLY[*]}\"")
                        .arg(Source("completions/bash/morvanectl"), words)});
-        EXPECT_EQ(result.Out, std::string(c.Offered) + "\n") << c.Line << result.Err;
+        EXPECT_EQ(result.Out, QByteArray(c.Offered) + "\n") << c.Line;
     }
 }
 

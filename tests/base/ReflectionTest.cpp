@@ -3,6 +3,7 @@
 #include "base/Component.h"
 #include "base/Convert.h"
 #include "base/Exceptions.h"
+#include "testing/Raised.h"
 
 #include <gtest/gtest.h>
 
@@ -64,18 +65,9 @@ TEST(Reflection, CallsConvertAndLetExceptionsPass) {
     EXPECT_EQ(Reflection::Call(sample, method(u"Same"), {QVariant::fromValue(&sample)}).value<TSampleBase*>(),
               &sample);
     EXPECT_EQ(Reflection::FindMethods(TSample::staticMetaObject, u"WithDefault").size(), 1);
-    try {
-        Reflection::Call(sample, method(u"Raise"), {QStringLiteral("boom")});
-        FAIL() << "no exception";
-    } catch (const Exception& e) {
-        EXPECT_EQ(e.Message(), "boom");
-    }
-    try {
-        Reflection::Call(sample, method(u"Twice"), {QStringLiteral("x")});
-        FAIL() << "no exception";
-    } catch (const EConvertError& e) {
-        EXPECT_EQ(e.Message(), "parameter \"Value\" of Twice: \"x\" is no Double");
-    }
+    EXPECT_EQ(RaisedBy([&] { Reflection::Call(sample, method(u"Raise"), {"boom"}); }), "boom");
+    EXPECT_EQ(RaisedBy([&] { Reflection::Call(sample, method(u"Twice"), {"x"}); }),
+              "parameter \"Value\" of Twice: \"x\" is no Double");
 }
 
 TEST(Reflection, ConstructsByNumberOfArguments) {
@@ -102,22 +94,22 @@ TEST(Convert, Table) {
         {std::nan(""), integer, {}},
         {4294967296.0, integer, {}},
         {true, integer, {}},
-        {QStringLiteral("1"), integer, {}},
+        {"1", integer, {}},
         {1, QMetaType::fromType<bool>(), {}},
-        {QStringLiteral("x"), QMetaType::fromType<bool>(), {}},
+        {"x", QMetaType::fromType<bool>(), {}},
         {0.1F, QMetaType::fromType<double>(), double(0.1F)},
         {1e300, QMetaType::fromType<float>(), {}},
         {-1, QMetaType::fromType<uint>(), {}},
         {std::numeric_limits<quint64>::max(), QMetaType::fromType<quint64>(),
          std::numeric_limits<quint64>::max()},
         {9223372036854775808.0, QMetaType::fromType<qint64>(), {}},
-        {QStringLiteral("a.pdf"), QMetaType::fromType<TFileName>(), QVariant::fromValue(TFileName("a.pdf"))},
+        {"a.pdf", QMetaType::fromType<TFileName>(), QVariant::fromValue(TFileName("a.pdf"))},
         {QVariant::fromValue(TFontName("Arial")), QMetaType::fromType<QByteArray>(), QByteArray("Arial")},
         {1, QMetaType::fromType<QString>(), {}},
         {-16777216, colour, QVariant::fromValue(TColor(0xFF000000))},
         {4278190080.0, colour, QVariant::fromValue(TColor(0xFF000000))},
         {1, enumeration, green},
-        {QStringLiteral("CLGREEN"), enumeration, green},
+        {"CLGREEN", enumeration, green},
         {2, enumeration, {}},
         {green, integer, {}},
     };

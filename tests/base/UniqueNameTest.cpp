@@ -2,6 +2,7 @@
 // folders, and the rule must go on naming them alike.
 #include "base/UniqueName.h"
 #include "base/Paths.h"
+#include "testing/Raised.h"
 #include "testing/Workspace.h"
 
 struct TNameCase {
@@ -44,12 +45,9 @@ TEST(UniqueName, PatternThatDoesNotCompileIsRaisedWithItsReason) {
     workspace.Write("a(b.pdf", "x");
     EXPECT_EQ(UniqueFileName(workspace.Path("c[d.pdf")), workspace.Path("c[d.pdf"))
         << "free: nothing to compile";
-    try {
-        (void)UniqueFileName(workspace.Path("a(b.pdf"));
-        FAIL() << "no exception";
-    } catch (const ENameError& e) {
-        EXPECT_TRUE(e.Message().contains("missing closing parenthesis")) << e.what();
-    }
+    EXPECT_TRUE(RaisedBy([&] {
+                    (void)UniqueFileName(workspace.Path("a(b.pdf"));
+                }).contains("missing closing parenthesis"));
 }
 
 TEST(UniqueName, WhateverHasTheNameTakesIt) {

@@ -18,20 +18,6 @@
 
 namespace {
 
-/// The boxes of the words of a file of one page, in points from the top left of the displayed page.
-QHash<string, QRectF> WordsOf(const string& path) {
-    const auto text = QString::fromUtf8(RunProgram("pdftotext", {"-bbox", "-cropbox", path, "-"}).Out);
-    static const QRegularExpression pattern(
-        R"re(xMin="([-\d.]+)" yMin="([-\d.]+)" xMax="([-\d.]+)" yMax="([-\d.]+)">([^<]*)<)re");
-    QHash<string, QRectF> words;
-    for (auto i = pattern.globalMatch(text); i.hasNext();) {
-        const auto m = i.next();
-        words[m.captured(5)] = QRectF(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
-                                      QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
-    }
-    return words;
-}
-
 class Stamp : public testing::Test {
 protected:
     void Open(int pages, const TSampleOptions& options = {}) {
@@ -106,7 +92,7 @@ TEST_F(Stamp, StandsInTheMarginsOfThePageAsDisplayed) {
         TPDFMargins cut = page.Cut;
         FDocument.CropPages({}, cut);
         FStore.ApplySchemeToDocument(FDocument, {});
-        auto words = WordsOf(Save());
+        auto words = WordBoxes(Save()).value(0);
         ASSERT_EQ(words.size(), 6 + 2); // and the page's own
         const Double middle = (50 + page.Width - 20) / 2;
         for (const string& row : {string("Head"), string("Foot")}) {

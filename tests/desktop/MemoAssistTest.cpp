@@ -60,20 +60,13 @@ TEST_F(MemoAssistTest, KeysInTheOpenList) {
     const TListKey keys[] = {
         {"Enter", {Qt::Key_Return}, "Document.Save", -1},
         {"Enter with brackets", {Qt::Key_Down, Qt::Key_Return}, "Document.SaveAs()", -1},
-        {"Space", {Qt::Key_End, Qt::Key_Space}, "Document.Close", -1},
         {"Backspace behind the dot", {Qt::Key_Backspace}, "Document", -1},
-        {"Backspace widens", {Qt::Key_S, Qt::Key_I, Qt::Key_Backspace, Qt::Key_End}, "Document.s", 2},
         {"Escape", {Qt::Key_Escape}, "Document.", -1},
-        {"Tab", {Qt::Key_Tab}, "Document.", -1},
         {"a letter", {Qt::Key_S, Qt::Key_A, Qt::Key_End}, "Document.sa", 1},
-        {"what fits nothing", {Qt::Key_Semicolon}, "Document.", -1},
-        {"Delete", {Qt::Key_Delete}, "Document.", 0},
         {"Down and Up", {Qt::Key_Down, Qt::Key_Down, Qt::Key_Up}, "Document.", 1},
-        {"Right and Left", {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}, "Document.", 1},
         {"End", {Qt::Key_End}, "Document.", 3},
         {"Home", {Qt::Key_End, Qt::Key_Home}, "Document.", 0},
         {"Page down", {Qt::Key_PageDown}, "Document.", 3},
-        {"Page up", {Qt::Key_End, Qt::Key_PageUp}, "Document.", 0},
     };
     for (const TListKey& c : keys) {
         SCOPED_TRACE(c.Name);
@@ -86,12 +79,6 @@ TEST_F(MemoAssistTest, KeysInTheOpenList) {
         Completion().CloseCompletionList();
         Completion().HideHint();
     }
-}
-
-TEST_F(MemoAssistTest, AKeyWithinTheDelayKeepsTheListShut) {
-    Completion().FAutoCompletion.Delay = 300;
-    Type("Document.s");
-    EXPECT_FALSE(QTest::qWaitFor([this] { return Open(); }, 500));
 }
 
 TEST_F(MemoAssistTest, TheListNeitherTakesTheKeyboardNorOutlivesIt) {
@@ -165,29 +152,6 @@ TEST_F(MemoAssistTest, TheMouseAcceptsScrollsAndSizes) {
     EXPECT_TRUE(FWidget->hasFocus());
     EXPECT_EQ(Completion().FAutoCompletion.Height, size.height() + 60);
     EXPECT_EQ(Completion().FAutoCompletion.Width, size.width() + 40);
-}
-
-TEST_F(MemoAssistTest, TheHintGoesFromParameterToParameter) {
-    TypeAndOpen();
-    Key(Qt::Key_Down);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(Line(), "Document.SaveAs()");
-    EXPECT_EQ(Memo().Caret().X(), 16);
-    ASSERT_TRUE(HintShows());
-    EXPECT_EQ(Hint()->Shown().part2, "fileName: string");
-    const int left = Hint()->x();
-    Type("a,");
-    EXPECT_TRUE(RealInput::Await([this] { return Hint()->Shown().part2 == " how: Integer"; }));
-    Type(" 2,");
-    EXPECT_TRUE(RealInput::Await([this] { return Hint()->Shown().part2 == " why: string"; }));
-    EXPECT_EQ(Hint()->x(), left);
-    Key(Qt::Key_Escape);
-    EXPECT_FALSE(HintShows());
-    Key(Qt::Key_Space, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_TRUE(HintShows());
-    EXPECT_EQ(Hint()->Shown().part2, " why: string");
-    Key(Qt::Key_End); // behind the bracket
-    EXPECT_TRUE(RealInput::Await([this] { return !HintShows(); }));
 }
 
 TEST_F(MemoAssistTest, TheHintComesAfterARestWhileTheEditorHasTheFocus) {

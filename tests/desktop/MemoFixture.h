@@ -4,6 +4,7 @@
 #include "desktop/Desktop.h"
 #include "desktop/memo/MemoWidget.h"
 #include "editor/style/JSMemoStyler.h"
+#include "testing/MemoText.h"
 
 #include <QApplication>
 
@@ -21,39 +22,8 @@ protected:
         (void)QTest::qWaitForWindowActive(FWidget.get(), RealInput::Patience);
     }
 
-    /// Lines between line feeds; the bar is the caret, an arrow up the other end of the selection.
-    void Given(const QString& text) {
-        Memo().SetText(QString(text).remove('|').remove('^') + '\n');
-        TSelectionRange range;
-        const QStringList lines = text.split('\n');
-        for (int y = 0; y < lines.size(); ++y) {
-            if (const qsizetype x = QString(lines[y]).remove('^').indexOf('|'); x >= 0)
-                range.EndX = int(x), range.EndY = y;
-            if (const qsizetype x = QString(lines[y]).remove('|').indexOf('^'); x >= 0)
-                range.StartX = int(x), range.StartY = y;
-        }
-        Memo().Caret().MoveTo(range.EndX, range.EndY);
-        Memo().ClearSelection();
-        if (text.contains('^'))
-            Memo().Selection().Take(range, Memo().Settings.FSelectionMode == smBlock);
-    }
-    /// What Given takes. A bar within a pair would show.
-    [[nodiscard]] std::string Shown() {
-        const TSelectionRange range = Memo().Selection().Range();
-        const TMemoCaret& caret = Memo().Caret();
-        QStringList lines;
-        for (int y = 0; y < Memo().Lines().Count(); ++y) {
-            QString line = Memo().Lines()[y];
-            const bool start = !Memo().Selection().IsEmpty() && y == range.StartY;
-            const qsizetype bar = y == caret.Y() ? caret.X() : -1;
-            if (bar >= 0)
-                line.insert(bar, '|');
-            if (start)
-                line.insert(range.StartX + (bar >= 0 && bar < range.StartX ? 1 : 0), '^');
-            lines += line;
-        }
-        return lines.join('\n').toStdString();
-    }
+    void Given(const QString& text) { GiveMarked(Memo(), text); }
+    [[nodiscard]] std::string Shown() { return Marked(Memo()); }
     /// Keys by their names between blanks, such as "Ctrl+Left Ins"; texts to type stand in single quotes.
     void Keys(const QString& keys) {
         for (const QString& key : keys.split(' ', Qt::SkipEmptyParts)) {

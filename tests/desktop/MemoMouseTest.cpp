@@ -136,16 +136,8 @@ TEST_F(MemoMouseTest, AltDragsARectangle) {
     EXPECT_EQ(Memo().SelText(), "bc\r\rgh");
     Drag(At(1, 0), At(1, 1, 2 * FWidget->Geometry().CellWidth()), Qt::AltModifier);
     EXPECT_EQ(Memo().SelText(), "bc\r"); // beyond the end of the shorter line
-    EXPECT_EQ(Text(), "abcd\ne\nfghi\n");
-    Keys("Del");
-    EXPECT_EQ(Text(), "ad\ne\nfghi\n");
     Keys("Shift+Down");
     EXPECT_FALSE(Memo().Selection().IsBlock());
-    Drag(At(0, 0), At(1, 2), Qt::AltModifier);
-    EXPECT_TRUE(Memo().Selection().IsBlock());
-    Drag(At(1, 0), At(1, 1));
-    EXPECT_EQ(Memo().SelText(), "d\re");
-    UndoAll();
     EXPECT_EQ(Text(), "abcd\ne\nfghi\n");
 }
 

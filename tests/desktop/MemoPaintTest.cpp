@@ -202,21 +202,6 @@ TEST_F(MemoPaintTest, BracketsAtTheCaretStandOut) {
     EXPECT_EQ(GroundsOf(Painted(), 0, tint), "..#.........");
 }
 
-TEST_F(MemoPaintTest, FoldBoxesAreWhereTheyShow) {
-    Memo().Folding().SetEnabled(true);
-    Given("a\nfunction f() {\n  b\n}\nc");
-    const QPoint box = Geometry().FoldBox(1).center();
-    EXPECT_EQ(Geometry().FoldMarkAt(box), 1);
-    EXPECT_EQ(Geometry().FoldMarkAt(box + QPoint(0, Geometry().LineHeight())), -1);
-    EXPECT_EQ(Geometry().FoldMarkAt({Geometry().TextLeft() + 1, box.y()}), -1);
-    EXPECT_EQ(Geometry().FoldMarkAt({box.x(), FWidget->viewport()->height() - 1}), -1);
-    const QImage open = Painted();
-    Memo().Folding().CollapseNode(1);
-    const QImage closed = Painted();
-    EXPECT_NE(Cell(open, 1, 16), Cell(closed, 1, 16)); // the dots
-    EXPECT_EQ(Geometry().YOf(4), 2 * Geometry().LineHeight());
-}
-
 TEST_F(MemoPaintTest, WrappedRowsHaveNoNumbers) {
     Memo().Settings.FRightMargin = 10;
     Memo().SetText("a\nbb bb bb bb bb bb\nc\n");
@@ -226,23 +211,6 @@ TEST_F(MemoPaintTest, WrappedRowsHaveNoNumbers) {
         numbers.push_back(Geometry().NumberOf(row));
     EXPECT_EQ(numbers, (std::vector{1, 2, 0, 3})) << Text();
     EXPECT_EQ(Geometry().NumberOf(1), 2); // asked for again
-}
-
-TEST_F(MemoPaintTest, PreeditTextPushesWhatIsBehindIt) {
-    Given("/* ab */ c");
-    At(4, 0);
-    const int cell = Geometry().CellWidth();
-    const int left = Geometry().XOf(0, 0);
-    const QImage without = Painted();
-    Geometry().Rows().Preedit = {"xyz", {}, 2};
-    const QImage with = Painted();
-    EXPECT_EQ(Geometry().XOf(0, 4), left + 4 * cell);
-    EXPECT_EQ(Geometry().CaretX(), left + 6 * cell);
-    EXPECT_EQ(Geometry().XOf(0, 9), left + 12 * cell);
-    EXPECT_EQ(Geometry().ColumnAt(0, left + 12 * cell), 9);
-    const QRect behind(left + 5 * cell, 0, 5 * cell,
-                       Geometry().LineHeight()); // comment and code as they were
-    EXPECT_EQ(Part(without, behind), Part(with, behind.translated(3 * cell, 0)));
 }
 
 TEST_F(MemoPaintTest, WideRowsScrollWithTheirCaret) {
@@ -281,22 +249,6 @@ TEST_F(MemoPaintTest, TextStandsOutOnDarkGround) {
     }
     const QColor comment = colors.Text(styler.FCommentStyle.TextColor);
     EXPECT_LT(Contrast(comment, colors.Tints.Base), Contrast(colors.Text(clBlack), colors.Tints.Base) / 2);
-}
-
-TEST_F(MemoPaintTest, LightPalettesKeepTheColours) {
-    QPalette palette;
-    palette.setColor(QPalette::Base, QColor(250, 250, 245));
-    palette.setColor(QPalette::Text, QColor(10, 20, 30));
-    palette.setColor(QPalette::ToolTipBase, QColor(40, 40, 40)); // some desktops have dark hints all the same
-    palette.setColor(QPalette::ToolTipText, QColor(240, 240, 240));
-    const TMemoColors colors(palette);
-    EXPECT_EQ(colors.Back(clWhite), QColor(250, 250, 245));
-    EXPECT_EQ(colors.Back(0xFF000005), QColor(250, 250, 245));
-    EXPECT_EQ(colors.Text(clBlack), QColor(10, 20, 30));
-    EXPECT_EQ(colors.Text(12632256), QColor(192, 192, 192));
-    EXPECT_EQ(colors.Text(1740031), QColor(0xFF, 0x8C, 0x1A)); // blue is the high byte
-    EXPECT_EQ(colors.Text(clBlack, 0xFF000018), QColor(240, 240, 240));
-    EXPECT_GE(Contrast(colors.Text(0x800000, 0xFF000018), colors.Back(0xFF000018)), 4.5);
 }
 
 } // namespace

@@ -109,21 +109,6 @@ TEST_F(ScriptEditorTest, AScriptIsWrittenWithCompletionAndConfirmed) {
     EXPECT_EQ(source, "Document.SaveAs('a.pdf');\n");
 }
 
-TEST_F(ScriptEditorTest, TheListOpensByItselfBehindADot) {
-    string source;
-    EXPECT_EQ(Edit(source,
-                   [](TOpenEditor& editor) {
-                       editor.Completion().FAutoCompletion.Delay = 1;
-                       editor.Type("Document.");
-                       editor.AwaitList();
-                       EXPECT_THAT(editor.Offered(), Contains("function SaveAs (fileName: string) Boolean;"));
-                       editor.Key(Qt::Key_Escape);
-                       EXPECT_FALSE(editor.Completion().IsOpen());
-                       EXPECT_TRUE(editor.IsOpen());
-                   }),
-              Answer::No);
-}
-
 TEST_F(ScriptEditorTest, AnErrorKeepsTheDialogOpenAndSaysWhere) {
     string source = "var a = 1;\nvar b = ;\n";
     const Answer answer = Edit(source, [](TOpenEditor& editor) {
@@ -344,25 +329,6 @@ TEST_F(ComfortableEditorTest, AnErrorIsMarkedWhileTypingAndSavedOnlyAfterAQuesti
         EXPECT_TRUE(QTest::qWaitFor([&] { return !marked(); }));
     });
     EXPECT_EQ(Questions, 3); // the last one on leaving
-}
-
-TEST_F(ComfortableEditorTest, KeysArriveAsTypedWhereverTheListOpens) {
-    const string script = "for (var i = 0; i < 3; i++) { f(\"a, b\"); }\nif (Document.PageCount() > 1) {\n"
-                          "    Document.Save();\n}\n";
-    EditFile("", [&script](TOpenEditor& editor, TfrmJavaScriptEditor& form) {
-        editor.Completion().FAutoCompletion.Delay = 0; // between any two keys
-        for (const QString& line : script.split('\n', Qt::SkipEmptyParts)) {
-            RealInput::Type(&editor.Editor(), line.trimmed());
-            editor.Key(Qt::Key_Return);
-        }
-        EXPECT_EQ(form.Script().WholeText(), script);
-        for (int i = 0; i < 200 && form.Script().CanUndo(); ++i)
-            editor.Key(Qt::Key_Z, Qt::ControlModifier);
-        EXPECT_EQ(form.Script().WholeText(), "");
-        for (int i = 0; i < 200 && form.Script().CanRedo(); ++i)
-            editor.Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        EXPECT_EQ(form.Script().WholeText(), script);
-    });
 }
 
 TEST_F(ComfortableEditorTest, AFileThatCannotBeWrittenIsRead) {

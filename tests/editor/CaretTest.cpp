@@ -72,18 +72,6 @@ TEST(Caret, TrimsTheLineThatItLeaves) {
     EXPECT_EQ(editor.Lines(), "aa \nbb"); // not where a wrapped continuation follows
 }
 
-TEST(Caret, EmptyStore) {
-    TEditor editor;
-    editor.Key(keyHome, ssCtrl);
-    editor.Key(keyEnd);
-    EXPECT_EQ(editor.Memo.Lines().Count(), 0);
-    editor.Key(keyDown);
-    EXPECT_EQ(editor.Memo.Lines().Count(), 1); // the line setter adds one
-    editor.Memo.Lines().Clear();
-    editor.Type("a");
-    EXPECT_EQ(editor.Shown(), "a|");
-}
-
 TEST(Caret, TellsOfMoves) {
     TEditor editor("ab|\ncd");
     std::string told;
@@ -106,17 +94,6 @@ TEST(Selection, GrowsWithShiftOnlyFromWhereItEnded) {
     EXPECT_EQ(editor.Memo.SelText(), "b");
     editor.Key(keyLeft);
     EXPECT_TRUE(editor.Memo.Selection().IsEmpty());
-}
-
-TEST(Selection, CtrlAndShiftKeepTheStart) {
-    TEditor editor("ab\nc|d\nef");
-    editor.Key(keyHome, ssCtrl | ssShift);
-    EXPECT_EQ(editor.Memo.SelText(), "ab\rc");
-    editor.At(1, 1);
-    editor.Key(keyEnd, ssCtrl | ssShift);
-    EXPECT_EQ(editor.Memo.SelText(), "d\ref");
-    editor.Memo.SelectAll();
-    EXPECT_EQ(editor.Memo.SelText(), "ab\rcd\ref");
 }
 
 TEST(Selection, BlocksAreRectangles) {

@@ -151,14 +151,6 @@ TEST(Completion, AcceptedEntriesReplaceTheWord) {
     }
 }
 
-TEST(Completion, OpensTheHintInsideTheBracketsThatItAdds) {
-    TCompletingEditor editor("Document.savea|");
-    editor.Key(keySpace, ssCtrl);
-    editor.Type("\n");
-    ASSERT_TRUE(editor.Window.HintShown);
-    EXPECT_EQ(editor.Window.Hint.part2, "fileName: string");
-}
-
 TEST(Completion, ClicksAndOwnTexts) {
     TCompletingEditor editor("Document.sa|ve");
     editor.Key(keySpace, ssCtrl);

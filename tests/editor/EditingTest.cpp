@@ -1,6 +1,7 @@
 // Edits by keys and calls, with their undo; and the line store under a control.
 #include "EditorFixture.h"
 #include "editor/style/JSMemoStyler.h"
+#include "testing/MemoText.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -51,48 +52,26 @@ TEST(Editing, Plain) {
 }
 
 TEST(Editing, Selections) {
-    Check({
-        {"",
-         [](TEditor& e) {
-             e.Given("abcd\nefgh"), e.Select({1, 0, 2, 1}), e.Type("x");
-         },
-         "ax|gh"},
-        {"", // the caret's old column doesn't pad the line that it comes to
-         [](TEditor& e) {
-             e.Given("ab\nefgh"), e.Select({1, 0, 4, 1}), e.Key(keyDelete);
-         },
-         "a|"},
-        {"",
-         [](TEditor& e) {
-             e.Given("abcd\nefgh"), e.Select({2, 1, 1, 0}), e.Key(keyDelete);
-         },
-         "a|gh"},
-        {"",
-         [](TEditor& e) {
-             e.Given("abcd"), e.Select({1, 0, 2, 0}), e.Type("\n");
-         },
-         "a\n|cd"},
-        {"", // Tab in one line replaces nothing
-         [](TEditor& e) {
-             e.Given("abcd"), e.Select({1, 0, 2, 0}), e.Type("\t");
-         },
-         "ab    |cd"},
-        {"", // the last line counts from column 1
-         [](TEditor& e) {
-             e.Given("a\nb\nc"), e.Select({0, 0, 0, 2}), e.Key(keyTab);
-         },
-         "    a\n    b\n|c"},
-        {"",
-         [](TEditor& e) {
-             e.Given("      a\n  b\nc"), e.Select({0, 0, 1, 2}), e.Key(keyTab, ssShift);
-         },
-         "  a\nb\nc|"},
-        {"", // without FDelErase a selection stays
-         [](TEditor& e) {
-             e.Given("abcd"), e.Memo.Settings.FDelErase = false, e.Select({1, 0, 3, 0}), e.Type("x");
-         },
-         "abcx|d"},
-    });
+    struct {
+        const char* From;
+        void (*Do)(TEditor&);
+        const char* To;
+    } const cases[] = {
+        {"a^bcd\nef|gh", [](TEditor& e) { e.Type("x"); }, "ax|gh"},
+        {"a^b\nefgh|", [](TEditor& e) { e.Key(keyDelete); }, "a|"}, // the caret's old column pads nothing
+        {"a|bcd\ne^fgh", [](TEditor& e) { e.Key(keyDelete); }, "a|fgh"},
+        {"a^b|cd", [](TEditor& e) { e.Type("\n"); }, "a\n|cd"},
+        {"a^b|cd", [](TEditor& e) { e.Type("\t"); }, "ab    |cd"}, // Tab in one line replaces nothing
+        {"^a\nb\n|c", [](TEditor& e) { e.Key(keyTab); }, "    a\n    b\n|c"}, // counts from column 1
+        {"^      a\n  b\nc|", [](TEditor& e) { e.Key(keyTab, ssShift); }, "  a\nb\nc|"},
+        {"a^bc|d", [](TEditor& e) { e.Memo.Settings.FDelErase = false, e.Type("x"); }, "abcx|d"},
+    };
+    for (const auto& c : cases) {
+        TEditor editor;
+        GiveMarked(editor.Memo, c.From);
+        c.Do(editor);
+        EXPECT_EQ(editor.Shown(), c.To) << c.From;
+    }
 }
 
 TEST(Editing, SmartTabs) {

@@ -3,6 +3,7 @@
 #include "EditorFixture.h"
 #include "editor/place/LinePlace.h"
 #include "editor/style/JSMemoStyler.h"
+#include "testing/MemoText.h"
 
 namespace {
 
@@ -11,37 +12,9 @@ using TCommand = void (TLineCommands::*)();
 struct TLineCase {
     const char* Name;
     TCommand Command;
-    const char* Text; // between the bars is selected; a single one is the caret
+    const char* Text;
     const char* After;
 };
-
-/// The text with bars at both ends of the selection.
-std::string Marked(const TEditor& editor) {
-    const TSelectionRange range = editor.Memo.Selection().Ordered();
-    QStringList lines;
-    for (int row = 0; row < editor.Memo.Lines().Count(); ++row)
-        lines += editor.Memo.Lines()[row];
-    if (editor.Memo.Selection().IsEmpty())
-        return editor.Shown();
-    lines[range.EndY].insert(range.EndX, '|');
-    lines[range.StartY].insert(range.StartX, '|');
-    return lines.join('\n').toStdString();
-}
-
-void GiveMarked(TEditor& editor, const QString& text) {
-    const QString before = text.section('|', 0, 0);
-    const QString inside = text.section('|', 1, 1);
-    editor.Given(QString(text).remove('|').toUtf8().constData());
-    int x = 0;
-    int y = 0;
-    TSelectionRange range;
-    editor.Memo.Words().PosFromText(int(before.size()), range.StartX, range.StartY);
-    editor.Memo.Words().PosFromText(int(before.size() + inside.size()), range.EndX, range.EndY);
-    if (text.count('|') > 1)
-        return editor.Select(range);
-    editor.Memo.Words().PosFromText(int(before.size()), x, y);
-    editor.At(x, y);
-}
 
 TEST(LineCommands, AreOneStepThatUndoTakesBack) {
     const TLineCase cases[] = {
@@ -50,38 +23,38 @@ TEST(LineCommands, AreOneStepThatUndoTakesBack) {
         {"back", &TLineCommands::ToggleComment, "  // ab|c", "  ab|c"},
         {"back without a blank", &TLineCommands::ToggleComment, "//ab|c", "ab|c"},
         {"the caret in the mark", &TLineCommands::ToggleComment, " /|/ a", " |a"},
-        {"the smallest indent", &TLineCommands::ToggleComment, "|  if\n    a\n\n  b|",
-         "|  // if\n  //   a\n\n  // b|"},
-        {"some commented", &TLineCommands::ToggleComment, "|// a\nb|", "|// // a\n// b|"},
-        {"all commented", &TLineCommands::ToggleComment, "|// a\n\n  //b\n|c", "|a\n\n  b\n|c"},
-        {"the start of a line isn't touched", &TLineCommands::ToggleComment, "a|b\n|c", "// a|b\n|c"},
+        {"the smallest indent", &TLineCommands::ToggleComment, "^  if\n    a\n\n  b|",
+         "^  // if\n  //   a\n\n  // b|"},
+        {"some commented", &TLineCommands::ToggleComment, "^// a\nb|", "^// // a\n// b|"},
+        {"all commented", &TLineCommands::ToggleComment, "^// a\n\n  //b\n|c", "^a\n\n  b\n|c"},
+        {"the start of a line isn't touched", &TLineCommands::ToggleComment, "a^b\n|c", "// a^b\n|c"},
         {"up", &TLineCommands::MoveUp, "a\nb|c\nd", "b|c\na\nd"},
         {"up at the top", &TLineCommands::MoveUp, "a|b\nc", "a|b\nc"},
-        {"some up", &TLineCommands::MoveUp, "long\n|b\nc|c\nd", "|b\nc|c\nlong\nd"},
+        {"some up", &TLineCommands::MoveUp, "long\n^b\nc|c\nd", "^b\nc|c\nlong\nd"},
         {"down", &TLineCommands::MoveDown, "a|b\n\nc", "\na|b\nc"},
-        {"some down", &TLineCommands::MoveDown, "|a\nb\n|c\nd", "c\n|a\nb\n|d"},
+        {"some down", &TLineCommands::MoveDown, "^a\nb\n|c\nd", "c\n^a\nb\n|d"},
         {"down at the end", &TLineCommands::MoveDown, "a\nb|", "a\nb|"},
-        {"copies", &TLineCommands::Duplicate, "x\na|b|", "x\nab\na|b|"},
+        {"copies", &TLineCommands::Duplicate, "x\na^b|", "x\nab\na^b|"},
     };
     TAdvJSMemoStyler styler;
     for (const TLineCase& c : cases) {
         SCOPED_TRACE(c.Name);
         TEditor editor;
         editor.Styled(styler);
-        GiveMarked(editor, c.Text);
-        const std::string before = Marked(editor);
+        GiveMarked(editor.Memo, c.Text);
+        const std::string before = Marked(editor.Memo);
         TLineCommands commands(editor.Memo);
         (commands.*c.Command)();
-        EXPECT_EQ(Marked(editor), c.After);
+        EXPECT_EQ(Marked(editor.Memo), c.After);
         EXPECT_LE(editor.Memo.UndoList().Count(), 1);
         editor.Memo.Undo();
-        EXPECT_EQ(Marked(editor), before);
+        EXPECT_EQ(Marked(editor.Memo), before);
         editor.Memo.Redo();
-        EXPECT_EQ(Marked(editor), c.After);
+        EXPECT_EQ(Marked(editor.Memo), c.After);
         editor.Memo.Undo();
         editor.Memo.Settings.FReadOnly = true;
         (commands.*c.Command)();
-        EXPECT_EQ(Marked(editor), before);
+        EXPECT_EQ(Marked(editor.Memo), before);
     }
 }
 

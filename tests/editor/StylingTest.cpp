@@ -274,9 +274,7 @@ TEST(RunLook, FirstMatchWins) {
     EXPECT_EQ(look([](TStyle&) {}), base);
     EXPECT_EQ(look([](TStyle& s) { s.isComment = s.isBracket = true; }),
               (TRunLook{12632256, clWhite, fsItalic}));
-    EXPECT_EQ(look([](TStyle& s) { s.isBracket = true, s.index = 3; }), (TRunLook{1740031, clWhite, 0}));
     EXPECT_EQ(look([](TStyle& s) { s.isComment = s.isURL = true; }), (TRunLook{0xFF0000, 2, fsUnderline}));
-    EXPECT_EQ(look([](TStyle& s) { s.isnumber = true; }), (TRunLook{8388608, clWhite, fsBold}));
     EXPECT_EQ(look([](TStyle& s) { s.isHighlight = s.isURL = true; }), (TRunLook{clWhite, 255, fsBold}));
     EXPECT_EQ(look([](TStyle& s) { s.iskeyWord = true, s.index = 1; }),
               (TRunLook{0x008000, clWhite, fsBold}));

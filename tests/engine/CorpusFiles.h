@@ -5,8 +5,7 @@
 
 /// Pages that libqpdf finds: none where the page tree itself is lost, and other readers guess.
 inline bool HasReadableTree(const TCorpusFile& file) {
-    return RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--show-npages"), file.Path}).Out.trimmed() !=
-           "0";
+    return RunProgram("qpdf", {"--show-npages", file.Path}).Out.trimmed() != "0";
 }
 
 struct TCorpus : testing::Test {};

@@ -5,12 +5,12 @@
 
 struct TDocumentTest : testing::Test {
     const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
+    const string In = Files.Path("in.pdf");
+    const string Out = Files.Path("out.pdf");
     TZQPDFDocument Document{nullptr};
 
     void Open(const QByteArray& contents) {
-        Files.Write(QStringLiteral("in.pdf"), contents);
+        Files.Write("in.pdf", contents);
         Document.OpenFromFile(In, {});
     }
     /// As the run does.

@@ -15,10 +15,9 @@ inline QImage RenderedBy(TRenderer renderer, const string& path, int page = 1) {
     const string dpi = QString::number(RenderDpi);
     const string picture = path + QStringLiteral(".png");
     if (renderer == TRenderer::Poppler)
-        RunProgram(QStringLiteral("pdftoppm"),
-                   {"-cropbox", "-png", "-singlefile", "-r", dpi, "-f", number, path, path});
+        RunProgram("pdftoppm", {"-cropbox", "-png", "-singlefile", "-r", dpi, "-f", number, path, path});
     else
-        RunProgram(QStringLiteral("mutool"), {"draw", "-q", "-r", dpi, "-o", picture, path, number});
+        RunProgram("mutool", {"draw", "-q", "-r", dpi, "-o", picture, path, number});
     QImage image(picture);
     QFile::remove(picture);
     return image.convertToFormat(QImage::Format_RGB32);

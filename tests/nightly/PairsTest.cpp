@@ -73,27 +73,4 @@ TEST_F(MemoPairsTest, NoKeyLeavesHalfAPair) {
     }
 }
 
-TEST_F(MemoPairsTest, UndoingEverythingBringsTheFirstTextBack) {
-    Memo().Settings.FAutoIndent = false;
-    for (unsigned seed = 1; seed <= 40; ++seed) {
-        TPairsRun run(seed);
-        Memo().Settings.FOverwrite = false;
-        Given("a😀b|😁\n😀\nab😀😀cd");
-        Memo().Settings.FOverwrite = seed % 2 != 0;
-        const std::string first = Text();
-        FWidget->Clipboard().SetText("x😀");
-        QStringList keys;
-        for (int step = 0; step < 60; ++step)
-            Keys(keys.emplaceBack(run.Edit()));
-        const std::string last = Text();
-        UndoAll();
-        ASSERT_EQ(Text(), first) << "seed " << seed << ": " << keys.join(' ').toStdString();
-        if (seed % 2 == 0) { // what was typed over another character isn't redone
-            while (Memo().CanRedo())
-                Keys("Ctrl+Y");
-            ASSERT_EQ(Text(), last) << "seed " << seed << ": " << keys.join(' ').toStdString();
-        }
-    }
-}
-
 } // namespace

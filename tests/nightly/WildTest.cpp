@@ -1,5 +1,6 @@
-// Random keys and calls with every switch on and off, and edits of wrapped text. Steps and seed are set as
-// in ModelTest.cpp.
+// Random keys and calls with every switch on and off, and edits of wrapped text.
+//
+// MORVANE_EDITOR_STEPS sets the number of steps of each test, MORVANE_EDITOR_SEED the first seed.
 #include "EditorFixture.h"
 #include "base/Exceptions.h"
 #include "editor/style/JSMemoStyler.h"

@@ -75,11 +75,11 @@ TEST(MessageQueue, AWindowMayGoWhileItReceives) {
 }
 
 TEST(MessageQueue, FindsWindowsByClassName) {
-    const THiddenWindow one([](TMessage&) {}, QStringLiteral("TfrmOne"));
-    const THiddenWindow other([](TMessage&) {}, QStringLiteral("TfrmOther"));
-    const THiddenWindow again([](TMessage&) {}, QStringLiteral("TfrmOne"));
-    EXPECT_THAT(FindWindows(QStringLiteral("TfrmOne")), ElementsAre(one.Handle(), again.Handle()));
-    EXPECT_THAT(FindWindows(QStringLiteral("TfrmNone")), ElementsAre());
+    const THiddenWindow one([](TMessage&) {}, "TfrmOne");
+    const THiddenWindow other([](TMessage&) {}, "TfrmOther");
+    const THiddenWindow again([](TMessage&) {}, "TfrmOne");
+    EXPECT_THAT(FindWindows("TfrmOne"), ElementsAre(one.Handle(), again.Handle()));
+    EXPECT_THAT(FindWindows("TfrmNone"), ElementsAre());
 }
 
 TEST(MessageQueue, IsBoundedAndKeepsWhatItHas) {
@@ -128,7 +128,7 @@ TEST(MessagePump, DeliversInTheEventLoopAndSurvivesExceptions) {
     testing::internal::CaptureStderr();
     std::thread poster([&] {
         queue->Post([&] { ran.push_back(1); });
-        queue->Post([] { throw Exception(QStringLiteral("out of a handler")); });
+        queue->Post([] { throw Exception("out of a handler"); });
         queue->Post([&] {
             ran.push_back(2); // stays queued behind the exception, and comes in the next turn
             QCoreApplication::quit();
@@ -181,7 +181,7 @@ public:
 private:
     void Execute() override {
         Sleep(3'600'000);
-        throw Exception(QStringLiteral("woken"));
+        throw Exception("woken");
     }
 };
 

@@ -1,9 +1,13 @@
-// Every method and function that a script can reach, its effect seen from outside: in the file as other
-// programs read it, in a process, in a box.
+// Every method and function that a script can reach, and the actions that do the same: their effect seen from
+// outside, in the file as other programs read it, in a process, in a box.
+#include "actions/ActionClasses.h"
+#include "actions/ActionList.h"
 #include "platform/Signals.h"
 #include "scripting/GlobalFunctions.h"
 #include "scripting/ScriptFixture.h"
+#include "xml/Xmlserial.h"
 
+#include <QBuffer>
 #include <QSet>
 
 #include <dirent.h>
@@ -25,6 +29,7 @@ struct TMethodCase {
     string Script;
     TJudge Judge;
     string Expected;
+    const char* Action = nullptr; ///< elements of the action of that name, where it is to do the same
 };
 
 QList<TMethodCase> DocumentCases() {
@@ -49,21 +54,32 @@ QList<TMethodCase> DocumentCases() {
         {"TPDFDocument.Decrypt", "ShowMessage(Document.Decrypt())", Said,
          "false"}, // there is no protection to take off
         {"TPDFDocument.GetSignaturesCount", "ShowMessage(Document.GetSignaturesCount())", Said, "0"},
-        {"TPDFDocument.AddFileAttachment", "Document.AddFileAttachment('DIR/note.txt')", Attached,
-         "note.txt"},
+        {"TPDFDocument.AddFileAttachment", "Document.AddFileAttachment('DIR/note.txt')", Attached, "note.txt",
+         "<fileName>DIR/note.txt</fileName>"},
         {"TPDFDocument.AddDocumentDescription",
-         "Document.AddDocumentDescription({Title: 'Neu', AuthorAsIs: true})", Has, "/Title (Neu)"},
+         "Document.AddDocumentDescription({Title: 'Neu', AuthorAsIs: true})", Has, "/Title (Neu)",
+         "<Description><Title>Neu</Title><AuthorAsIs>true</AuthorAsIs></Description>"},
         {"TPDFDocument.InsertPages", "Document.InsertPages(1, 2, 200, 300, true)", Has, "/Count 6"},
-        {"TPDFDocument.DeletePages", "Document.DeletePages(1, 1)", Text, "Page 3 Page 4"},
-        {"TPDFDocument.DeletePagesEx", "Document.DeletePagesEx('2-last')", Text, "Page 1"},
+        {"TPDFDocument.DeletePages", "Document.DeletePages(1, 1)", Text, "Page 3 Page 4",
+         "<Index>1</Index><Count>1</Count>"},
+        {"TPDFDocument.DeletePagesEx", "Document.DeletePagesEx('2-last')", Text, "Page 1",
+         "<pageRange>2-last</pageRange>"},
         {"TPDFDocument.ExtractPages", "Document.ExtractPages('4,2', '', true).SaveAs('DIR/out.pdf')", Text,
          "Page 4 Page 2"},
-        {"TPDFDocument.CropPages", "Document.CropPages('1', 10, 20, 30, 40)", Has, "565 832"},
+        {"TPDFDocument.CropPages", "Document.CropPages('1', 10, 20, 30, 40)", Has, "565 832",
+         "<pageRange>1</pageRange><top>10</top><left>20</left><right>30</right><bottom>40</bottom>"},
         {"TPDFDocument.ImportPages", "Document.ImportPages('DIR/in.pdf', '3', false, 'ppFirst')", Text,
-         "Page 3 Page 1 Page 2 Page 3 Page 4"},
+         "Page 3 Page 1 Page 2 Page 3 Page 4",
+         "<fileName>DIR/in.pdf</fileName><pageRange>3</pageRange><insertAfter>false</insertAfter>"
+         "<pagePosition>ppFirst</pagePosition>"},
+        {"TPDFDocument.ImportPages", "Document.ImportPages('DIR/in.pdf', '4', true, 'ppFirst')", Text,
+         "Page 1 Page 4 Page 2 Page 3 Page 4"},
+        {"TPDFDocument.ImportPages", "Document.ImportPages('DIR/in.pdf', '1', false, 'ppLast')", Text,
+         "Page 1 Page 2 Page 3 Page 1 Page 4"},
         {"TPDFDocument.ImportPagesFromDocument", "Document.ImportPagesFromDocument(Document, '1-2', true, 2)",
          Text, "Page 1 Page 2 Page 3 Page 4 Page 1 Page 2"},
-        {"TPDFDocument.RotatePages", "Document.RotatePages('3', -90)", Has, "/Rotate 270"},
+        {"TPDFDocument.RotatePages", "Document.RotatePages('3', -90)", Has, "/Rotate 270",
+         "<pageRange>3</pageRange><Angle>-90</Angle>"},
         {"TPDFDocument.GotoPage", "Document.GotoPage(3); Document.ImportPages('DIR/in.pdf', '1', true, 0)",
          Text, "Page 1 Page 2 Page 3 Page 1 Page 4"},
         {"TPDFDocument.GotoNextPage",
@@ -101,8 +117,9 @@ QList<TMethodCase> DocumentCases() {
          "p)).join())",
          Said, "false,true"},
         {"TPDFDocument.AddText", "Document.AddText('Hello', '', 0, 0, 72, 36).FontSize = 20", Text,
-         "Hello Page 1 Page 2 Page 3 Page 4"},
-        {"TPDFDocument.AddImage", "Document.AddImage('DIR/dot.png', 10, 10)", Has, "/Subtype /Image"},
+         "Hello Page 1 Page 2 Page 3 Page 4", "<Text>Hello</Text><x>72</x><y>36</y>"},
+        {"TPDFDocument.AddImage", "Document.AddImage('DIR/dot.png', 10, 10)", Has, "/Subtype /Image",
+         "<x>10</x><y>10</y><Filename>DIR/dot.png</Filename>"},
         {"TZQPDFImage.LoadFromFile", "Document.AddImage('', 10, 10).LoadFromFile('DIR/dot.png')", Has,
          "/Subtype /Image"},
         {"TPDFDocument.SaveGraphicPageToBitmap",
@@ -128,7 +145,8 @@ QList<TMethodCase> DocumentCases() {
          "Document.GetPrevOutline(Document.GetNextOutline(first)) !== null)",
          Said, "true"},
         {"TPDFDocument.AddBatesNumbering", "Document.AddBatesNumbering({HeaderLeft: 'Case 7'}, '2')", Text,
-         "Page 1 Case 7 Page 2 Page 3 Page 4"},
+         "Page 1 Case 7 Page 2 Page 3 Page 4",
+         "<bates><HeaderLeft>Case 7</HeaderLeft></bates><pageRange>2</pageRange>"},
         {"TPDFDocument.AddWatermark",
          "const w = new TPDFWatermarkSettings(); w.Text = 'DRAFT'; w.Rotation = 0; w.PageRange = '2';"
          "w.VerticalPosition = 'vpTop'; Document.AddWatermark(w)",
@@ -149,19 +167,21 @@ QList<TMethodCase> DocumentCases() {
          Said, "COPY"},
         {"TPDFDocument.AddNoteAnnotation", "Document.AddNoteAnnotation(9, 9, 0xFF).Contents = 'Look'", Has,
          "/Contents (Look)"},
+        {"TPDFDocument.AddNoteAnnotation", "Document.AddNoteAnnotation(9, 9, 0xFF)", Has, "/Subtype /Text",
+         "<x>9</x><y>9</y>"},
         {"TPDFDocument.AddStampAnnotation",
          "Document.AddStampAnnotation(9, 9, 'PAID', 'Done', 0xFF, 0xFFFFFF, 0xCCCCCC)", Has,
-         "/Subtype /Stamp"},
+         "/Subtype /Stamp", "<Text>PAID</Text><Subject>Done</Subject>"},
         {"TPDFDocument.AddStampAnnotationDefined",
          "ShowMessage(String(Document.AddStampAnnotationDefined('Standard.Paid')))", Said, "null"},
         {"TPDFDocument.AddFileAttachAnnotation", "Document.AddFileAttachAnnotation(9, 9, 'DIR/note.txt')",
-         Attached, "note.txt"},
+         Attached, "note.txt", "<Filename>DIR/note.txt</Filename>"},
         {"TPDFDocument.AddLinkAnnotation", "Document.AddLinkAnnotation(9, 9, 99, 99, 2)", Has,
-         "/Subtype /Link"},
+         "/Subtype /Link", "<width>99</width><height>99</height><pageNum>2</pageNum>"},
         {"TPDFDocument.AddWebAnnotation", "Document.AddWebAnnotation(9, 9, 99, 9, 'https://localhost/')", Has,
          "/URI (https://localhost/)"},
         {"TPDFDocument.AddFreeTextAnnotation", "Document.AddFreeTextAnnotation('Free', 9, 9, 99, 50)", Has,
-         "/Subtype /FreeText"},
+         "/Subtype /FreeText", "<Text>Free</Text><width>99</width><height>50</height>"},
         {"TZQPDFBatesDictionary.Prepare",
          "const s = new TZQPDFBatesDictionary(); s.Prepare('DIR/s.xml'); ShowMessage(s.IsPrepared && "
          "s.SchemeFile)",
@@ -327,6 +347,20 @@ protected:
     }
     ~ScriptMethods() override { qputenv("PATH", FPath); }
 
+    /// Carries the row's action out, as its configuration file would have it.
+    string OutcomeOfAction(const TMethodCase& row) {
+        string xml =
+            QStringLiteral("<ActionList><Actions><Action Class=\"TPDFAction%1\">%2</Action></Actions>"
+                           "</ActionList>")
+                .arg(QByteArray(row.Method).split('.')[1], row.Action);
+        QBuffer file;
+        file.setData(Narrow(xml.replace("DIR", FWorkspace.Path())));
+        file.open(QIODevice::ReadOnly);
+        TPDFActionList list;
+        XMLDeserialize(list, file, {});
+        EXPECT_EQ(list.Execute(*FDocument), 0U);
+        return Outcome({row.Method, {}, row.Judge, {}});
+    }
     string Outcome(const TMethodCase& row) {
         const bool saves = row.Judge != TJudge::Said && row.Judge != TJudge::File;
         const string said =
@@ -356,18 +390,22 @@ protected:
     const QByteArray FPath = qgetenv("PATH");
 };
 
-TEST_F(ScriptMethods, HaveTheirEffect) {
-    for (const TMethodCase& row : DocumentCases() + FunctionCases()) {
-        Open(4, {.Outlines = true});
-        QFile::remove(FWorkspace.Path("made"));
-        string expected = row.Expected;
-        expected.replace("DIR", FWorkspace.Path());
-        const string outcome = Outcome(row);
-        const bool part = row.Judge != TJudge::Said && row.Judge != TJudge::Text;
-        EXPECT_TRUE(part ? outcome.contains(expected) : outcome == expected)
-            << row.Method << ": " << row.Script.toStdString() << "\ngave "
-            << outcome.left(2000).toStdString();
-    }
+TEST_F(ScriptMethods, HaveTheirEffectAsTheActionsHave) {
+    RegisterActionClasses();
+    for (const TMethodCase& row : DocumentCases() + FunctionCases())
+        for (const bool asAction : {false, true}) {
+            if (asAction && row.Action == nullptr)
+                continue;
+            Open(4, {.Outlines = true});
+            QFile::remove(FWorkspace.Path("made"));
+            string expected = row.Expected;
+            expected.replace("DIR", FWorkspace.Path());
+            const string outcome = asAction ? OutcomeOfAction(row) : Outcome(row);
+            const bool part = row.Judge != TJudge::Said && row.Judge != TJudge::Text;
+            EXPECT_TRUE(part ? outcome.contains(expected) : outcome == expected)
+                << row.Method << ": " << (asAction ? string(row.Action) : row.Script).toStdString()
+                << "\ngave " << outcome.left(2000).toStdString();
+        }
 }
 
 TEST_F(ScriptMethods, NoneIsWithoutACase) {
@@ -380,22 +418,18 @@ TEST_F(ScriptMethods, NoneIsWithoutACase) {
     EXPECT_EQ(QStringList((functions - NamesOf(FunctionCases())).values()), QStringList());
 }
 
-TEST_F(ScriptMethods, DecryptTakesTheOwnersPassword) {
-    Open(1, {.UserPassword = "user", .OwnerPassword = "owner"});
-    EXPECT_EQ(Value("Document.Decrypt() && Document.SaveAs('DIR/out.pdf')"), "true");
-    EXPECT_EQ(TextOf("out.pdf"), "Page 1");
-}
-
 TEST_F(ScriptMethods, RefusedPermissionsChangeNothing) {
-    MakePdf(FWorkspace.Path("in.pdf"), 2, {.OwnerPassword = "owner", .Restrictions = {"--modify=none"}});
+    MakePdf(FWorkspace.Path("in.pdf"), 2,
+            {.Outlines = true, .OwnerPassword = "owner", .Restrictions = {"--modify=none"}});
     TZQPDFDocument document(nullptr);
     document.OpenFromFile(FWorkspace.Path("in.pdf"), {});
     ActionDocument().SetDocument(&document);
     EXPECT_EQ(
         Value("[Document.RotatePages('', 90), Document.DeletePages(1, 0), Document.InsertPages(1, 1, 9, 9, "
               "true), Document.CropPages('', 1, 1, 1, 1), Document.ExtractPages('1', '', true), "
-              "Document.SetPageMode(1), Document.Decrypt()]"),
-        "false,false,false,false,,false,false");
+              "Document.SetPageMode(1), Document.Decrypt(), Document.NewOutline(null, 'x', 99, 'ldFit'), "
+              "Document.SetOutlineColor(Document.GetFirstOutline(), 0xFF)]"),
+        "false,false,false,false,,false,false,,false");
     EXPECT_FALSE(document.GetModified());
 }
 

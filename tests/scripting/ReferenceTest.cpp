@@ -3,9 +3,9 @@
 // With MORVANE_WRITE_DOCS set, the reference is brought up to date in the file; descriptions stay, and a new
 // entry gets an empty one, which this test refuses.
 #include "base/Convert.h"
+#include "scripting/Declarations.h"
 #include "scripting/GlobalFunctions.h"
 #include "scripting/ScriptFixture.h"
-#include "scripting/Signatures.h"
 
 #include <QMap>
 #include <QRegularExpression>
@@ -95,7 +95,7 @@ private:
     }
     void Methods(const QMetaObject& type) {
         for (const QMetaMethod& method : Reflection::Methods(type)) {
-            const string signature = MethodSignature(method).remove(0, 9).chopped(1).simplified();
+            const string signature = MethodDeclaration(method).remove(0, 9).chopped(1).simplified();
             Entry(QString::fromLatin1(method.name()), signature);
             Note(method.returnMetaType());
             for (int i = 0; i < method.parameterCount(); ++i)

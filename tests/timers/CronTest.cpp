@@ -43,18 +43,14 @@ TEST(Cron, OneFieldSelectsTheseValues) {
         {"5+0", Bits({5})},
         {"5-+20", Bits({5, 25, 45})}, // no last value but a step: to the end of the scale
         {"1--3", Bits({1})},
-        {"59", Bits({59})},
         {"58-63", Bits({58, 59})},
         {"60", 0},
-        {"63", 0},
         {"99999999999", Bits({0})}, // no number, as the next two
         {"x", Bits({0})},
-        {"MON-FRI", Bits({0})},
         {"5-x", Bits({5})},
         {"59+2147483647", Bits({59})},
         {"5+-5", Bits({5, 0})}, // downwards, to the scale's lower end
         {"3+1+1", Bits({3})},
-        {"4,", Bits({4})},
         {",4", Bits({0, 4})},
         {"*", All},
         {"*+5", All},

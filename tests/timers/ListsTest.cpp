@@ -2,149 +2,124 @@
 #include "timers/ThreadList.h"
 
 #include <QCoreApplication>
+#include <QHash>
 #include <QPointer>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <thread>
-
-using testing::ElementsAre;
 
 namespace {
 
-/// An object whose life can be watched.
-struct TItem : QPointer<QObject> {
-    TItem() : QPointer<QObject>(new QObject) {}
-    bool Lives() const { return !isNull(); }
-};
-
-/// Tells of everything that a list says, by name.
+/// Makes its objects by name, and tells of everything that it says and of the end of each. One whose name is
+/// "no" is refused.
 class TToldList : public TumObjectList {
 public:
-    explicit TToldList(TOwnsObjects owns) : TumObjectList(owns) {
+    TToldList(TOwnsObjects owns, QString& told) : TumObjectList(owns), FTold(told) {
         OnAdded = [this](TumObjectList&, QObject* item) { Tell("added", item); };
         OnDeleted = [this](TumObjectList&, QObject* item) { Tell("deleted", item); };
-        OnChanged = [this](TumObjectList& list) { Told += QString(" changed:%1").arg(list.Count()); };
+        OnChanged = [this](TumObjectList& list) { FTold += QString(" changed:%1").arg(list.Count()); };
     }
     ~TToldList() override { OnAdded = OnDeleted = nullptr, OnChanged = nullptr; }
-    QString Told;
+    bool CanAdd(QObject* item) override { return !item || item->objectName() != "no"; }
+
+    QObject* operator()(const char* name) {
+        QPointer<QObject>& item = FItems[name];
+        if (!item) {
+            item = new QObject;
+            item->setObjectName(name);
+            QObject::connect(item, &QObject::destroyed, [this, name] { FTold += QString(" -%1").arg(name); });
+        }
+        return item;
+    }
+    /// Empties the list and frees whatever is left.
+    void End() {
+        Clear();
+        for (const QPointer<QObject>& item : FItems)
+            delete item.data();
+    }
 
 private:
-    void Tell(const char* what, QObject* item) { Told += QString(" %1:%2").arg(what, item->objectName()); }
+    void Tell(const char* what, QObject* item) { FTold += QString(" %1:%2").arg(what, item->objectName()); }
+    QString& FTold;
+    QHash<QString, QPointer<QObject>> FItems;
 };
 
-QObject* Named(const char* name) {
-    auto* item = new QObject;
-    item->setObjectName(name);
-    return item;
-}
-
-TEST(ObjectList, HoldsNothingTwiceAndNoNull) {
-    TumObjectList list(TOwnsObjects::Yes);
-    const TItem item;
-    EXPECT_EQ(list.Add(nullptr), -1);
-    EXPECT_EQ(list.Add(item), 0);
-    EXPECT_EQ(list.Add(item), -1);
-    list.Insert(0, item);
-    list.Insert(0, nullptr);
-    EXPECT_EQ(list.Count(), 1);
-    EXPECT_TRUE(item.Lives());
-    const TItem first;
-    list.Insert(0, first);
-    EXPECT_EQ(list[0], first);
-    EXPECT_EQ(list.IndexOf(item), 1);
-    EXPECT_EQ(list.Extract(item), item);
-    EXPECT_EQ(list.Extract(item), nullptr);
-    EXPECT_TRUE(item.Lives());
-    delete item;
-}
-
-TEST(ObjectList, FreesByOwnershipUnlessToldOtherwise) {
-    for (const TOwnsObjects owns : {TOwnsObjects::No, TOwnsObjects::Yes}) {
-        TumObjectList list(owns);
-        const TItem removed, freed, deleted, cleared;
-        for (QObject* item : {removed.data(), freed.data(), deleted.data(), cleared.data()})
-            list.Add(item);
-        EXPECT_EQ(list.Remove(removed, TFreeIt::No), 0);
-        EXPECT_EQ(list.Remove(removed, TFreeIt::Yes), -1);
-        EXPECT_TRUE(removed.Lives());
-        list.Delete(0, TFreeIt::Yes);
-        EXPECT_FALSE(freed.Lives());
-        EXPECT_EQ(list.OwnsObjects(), owns == TOwnsObjects::Yes); // as before
-        list.Delete(0);
-        EXPECT_EQ(deleted.Lives(), owns == TOwnsObjects::No);
-        list.Clear();
-        EXPECT_EQ(cleared.Lives(), owns == TOwnsObjects::No);
-        for (const TItem* item : {&removed, &deleted, &cleared})
-            delete item->data();
-    }
-}
-
-TEST(ObjectList, TheOldestLeaveAFullListAndAreFreedEvenByOneThatOwnsNothing) {
-    TumObjectList list(TOwnsObjects::No);
-    list.SetMaxSize(3);
-    const TItem items[5];
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(list.Add(items[i]), i);
-    EXPECT_EQ(list.Add(items[3]), 3); // where it was added, before the oldest went
-    EXPECT_EQ(list.IndexOf(items[3]), 2);
-    EXPECT_FALSE(items[0].Lives());
-    list.Insert(0, items[4]); // no limit here
-    EXPECT_EQ(list.Count(), 4);
-    list.SetMaxSize(3); // no change, so it isn't applied
-    EXPECT_EQ(list.Count(), 4);
-    list.SetMaxSize(1);
-    EXPECT_EQ(list[0], items[3]);
-    EXPECT_EQ(list.Count(), 1);
-    EXPECT_FALSE(items[4].Lives());
-    delete items[3];
-}
-
-TEST(ObjectList, ARefusedObjectIsFreedByAnOwningList) {
-    struct TRefusing : TumObjectList {
-        using TumObjectList::TumObjectList;
-        bool CanAdd(QObject*) override { return false; }
+TEST(ObjectList, TellsAndFrees) {
+    constexpr auto Owns = TOwnsObjects::Yes, Borrows = TOwnsObjects::No;
+    const struct {
+        const char* What;
+        TOwnsObjects Owner;
+        std::function<void(TToldList&)> Do;
+        const char* Told; ///< "-a" where the object of that name is freed
+    } cases[] = {
+        {"nothing twice and no null", Owns,
+         [](TToldList& list) {
+             EXPECT_EQ(list.Add(nullptr), -1);
+             EXPECT_EQ(list.Add(list("a")), 0);
+             EXPECT_EQ(list.Add(list("a")), -1);
+             list.Insert(0, list("a")), list.Insert(0, nullptr);
+             list.Insert(0, list("b"));
+             EXPECT_EQ(list.IndexOf(list("a")), 1);
+             EXPECT_EQ(list.Extract(list("a")), list("a"));
+             EXPECT_EQ(list.Extract(list("a")), nullptr);
+         },
+         " added:a changed:1 added:b changed:2 deleted:a changed:1"},
+        {"told otherwise", Owns,
+         [](TToldList& list) {
+             list.Add(list("a")), list.Add(list("b"));
+             EXPECT_EQ(list.Remove(list("a"), TFreeIt::No), 0);
+             EXPECT_EQ(list.Remove(list("a"), TFreeIt::Yes), -1);
+             list.Delete(0); // owning as before
+         },
+         " added:a changed:1 added:b changed:2 deleted:a changed:1 deleted:b -b changed:0"},
+        {"told otherwise", Borrows,
+         [](TToldList& list) {
+             list.Add(list("a")), list.Add(list("b"));
+             list.Delete(0, TFreeIt::Yes);
+             list.Clear();
+         },
+         " added:a changed:1 added:b changed:2 deleted:a -a changed:1 deleted:b changed:0"},
+        {"a limit frees the oldest", Borrows,
+         [](TToldList& list) {
+             list.SetMaxSize(2);
+             list.Add(list("a")), list.Add(list("b"));
+             EXPECT_EQ(list.Add(list("c")), 2); // where it was added, before the oldest went
+             list.Insert(0, list("d"));         // no limit here
+             list.SetMaxSize(2);                // no change, so it isn't applied
+             list.SetMaxSize(1);
+         },
+         " added:a changed:1 added:b changed:2 added:c changed:3 deleted:a -a changed:2 added:d changed:3"
+         " deleted:d -d changed:2 deleted:b -b changed:1"},
+        {"refused", Owns,
+         [](TToldList& list) {
+             EXPECT_EQ(list.Add(list("no")), -1);
+             list.Insert(0, list("no"));
+         },
+         " -no -no"},
+        {"refused", Borrows, [](TToldList& list) { EXPECT_EQ(list.Add(list("no")), -1); }, ""},
     };
-    for (const TOwnsObjects owns : {TOwnsObjects::No, TOwnsObjects::Yes}) {
-        TRefusing list(owns);
-        const TItem added, inserted;
-        EXPECT_EQ(list.Add(added), -1);
-        EXPECT_EQ(list.Add(nullptr), -1);
-        list.Insert(0, inserted);
-        EXPECT_EQ(list.Count(), 0);
-        EXPECT_EQ(added.Lives(), owns == TOwnsObjects::No);
-        EXPECT_EQ(inserted.Lives(), owns == TOwnsObjects::No);
-        delete added;
-        delete inserted;
+    for (const auto& c : cases) {
+        QString told;
+        TToldList list(c.Owner, told);
+        c.Do(list);
+        EXPECT_EQ(told.toStdString(), c.Told) << c.What;
+        list.End();
     }
-}
-
-TEST(ObjectList, TellsOfEachChangeWhileTheObjectLives) {
-    TToldList list(TOwnsObjects::Yes);
-    QObject* extracted = Named("c");
-    list.Add(Named("a"));
-    list.Insert(0, Named("b"));
-    list.Add(extracted);
-    EXPECT_EQ(list.Told, " added:a changed:1 added:b changed:2 added:c changed:3");
-    list.Told.clear();
-    delete list.Extract(extracted);
-    list.Delete(1);
-    list.Clear();
-    EXPECT_EQ(list.Told, " deleted:c changed:2 deleted:a changed:1 deleted:b changed:0");
 }
 
 TEST(ObjectList, NoEventSeesTheEndOfTheApplicationObject) {
-    TToldList list(TOwnsObjects::Yes);
+    QString told;
+    TToldList list(TOwnsObjects::Yes, told);
     int argc = 1;
     char name[] = "test";
     char* argv[] = {name, nullptr};
     {
         const QCoreApplication application(argc, argv);
-        list.Add(Named("a"));
-        EXPECT_EQ(list.Told, " added:a changed:1");
+        list.Add(list("a"));
+        EXPECT_EQ(told, " added:a changed:1");
     }
     list.Clear();
-    EXPECT_EQ(list.Told, " added:a changed:1");
-    EXPECT_EQ(list.Count(), 0);
+    EXPECT_EQ(told, " added:a changed:1 -a");
     const QCoreApplication again(argc, argv);
 }
 
@@ -202,11 +177,10 @@ TEST(ThreadList, ADescendantMayMakeAListOfItsOwn) {
             return std::make_unique<TumObjectList>(TOwnsObjects::No);
         }
     } list;
-    const TItem item;
-    list.Add(item);
+    QObject item; // which the list would free if it were its owner
+    list.Add(&item);
     list.Clear();
-    EXPECT_TRUE(item.Lives());
-    delete item;
+    EXPECT_EQ(list.Count(), 0);
 }
 
 } // namespace

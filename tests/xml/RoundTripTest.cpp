@@ -1,6 +1,7 @@
 // The form of documents, and that reading restores what was written.
 #include "Samples.h"
 #include "base/Exceptions.h"
+#include "testing/Raised.h"
 #include "xml/Xmlserial.h"
 
 #include <QBuffer>
@@ -15,7 +16,7 @@ namespace {
 string Xmllint(const QByteArray& document) {
     QProcess lint;
     lint.setProcessChannelMode(QProcess::MergedChannels);
-    lint.start(QStringLiteral("xmllint"), {QStringLiteral("--noout"), QStringLiteral("-")});
+    lint.start("xmllint", {"--noout", "-"});
     lint.write(document);
     lint.closeWriteChannel();
     if (!lint.waitForFinished())
@@ -95,8 +96,8 @@ constexpr char Golden[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 
 void FillAsGolden(TSample& sample) {
     sample.FCheckEvery = std::numeric_limits<qint64>::min();
-    sample.FPlain = {{QStringLiteral("a.pdf"), true, {2.5}}};
-    sample.FLines = QStringList{QStringLiteral(" x ")};
+    sample.FPlain = {{"a.pdf", true, {2.5}}};
+    sample.FLines = QStringList{" x "};
     auto* text = new TSampleTextStep;
     sample.FSteps.Add(std::unique_ptr<TSampleStep>(text));
     text->FName = QStringLiteral("first");
@@ -158,20 +159,6 @@ TEST_F(RoundTrip, MembersMayLackStandInAnyOrderAndBeUnknown) {
     EXPECT_TRUE(sample.FRecord.isFolder);
 }
 
-TEST_F(RoundTrip, CopiesThroughAMemoryStream) {
-    TSample source;
-    FillAsGolden(source);
-    TSample copy;
-    QBuffer memory;
-    memory.open(QIODevice::ReadWrite);
-    XMLSerialize(source, memory, string());
-    memory.seek(0);
-    EXPECT_EQ(&XMLDeserialize(copy, memory, string()), &copy);
-    EXPECT_EQ(copy.Dump(), source.Dump());
-    qobject_cast<TSampleTextStep*>(copy.FSteps[0])->FText = QStringLiteral("changed");
-    EXPECT_NE(copy.Dump(), source.Dump());
-}
-
 TEST_F(RoundTrip, RootNamesFollowMarksAndTheCaller) {
     const auto rootOf = [](const QObject& object) {
         const QByteArray document = Written(object);
@@ -185,13 +172,13 @@ TEST_F(RoundTrip, RootNamesFollowMarksAndTheCaller) {
 
     QBuffer stream;
     stream.open(QIODevice::ReadWrite);
-    XMLSerialize(TSampleHeld(), stream, QStringLiteral("Other"));
+    XMLSerialize(TSampleHeld(), stream, "Other");
     EXPECT_EQ(stream.data(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Other>\n"
                              "  <Print>true</Print>\n</Other>\n");
     stream.seek(0);
     TSampleHeld held;
     held.FPrint = false;
-    XMLDeserialize(held, stream, QStringLiteral("Other"));
+    XMLDeserialize(held, stream, "Other");
     EXPECT_TRUE(held.FPrint);
 }
 
@@ -224,11 +211,7 @@ TEST_F(RoundTrip, WhatCouldNotBeReadBackIsNotWritten) {
     const auto refusal = [](std::unique_ptr<TSampleStep> step) {
         TSample sample;
         sample.FSteps.Add(std::move(step));
-        try {
-            return Written(sample).toStdString();
-        } catch (const Exception& e) {
-            return e.Message().toStdString();
-        }
+        return RaisedBy([&] { (void)Written(sample); }).toStdString();
     };
     EXPECT_EQ(refusal(std::make_unique<TUnregistered>()),
               "Objects of class TSampleStep could not be read back: it is not registered");

@@ -1,4 +1,5 @@
 #include "Samples.h"
+#include "testing/Raised.h"
 
 #include "base/Exceptions.h"
 #include "xml/Xmlserial.h"
@@ -167,12 +168,7 @@ string ReadFrom(TSample& sample, const QByteArray& document) {
     QByteArray bytes = document;
     QBuffer stream(&bytes);
     stream.open(QIODevice::ReadOnly);
-    try {
-        XMLDeserialize(sample, stream, string());
-        return {};
-    } catch (const Exception& e) {
-        return e.Message();
-    }
+    return RaisedBy([&] { XMLDeserialize(sample, stream, string()); });
 }
 
 QByteArray Written(const QObject& object) {

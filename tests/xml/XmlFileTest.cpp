@@ -1,6 +1,7 @@
 // Files: whole or not at all, never replaced by what could not be read, never waited for.
 #include "Samples.h"
 #include "base/Exceptions.h"
+#include "testing/Raised.h"
 #include "xml/Xmlserial.h"
 
 #include <QFile>
@@ -30,12 +31,7 @@ protected:
     }
     [[nodiscard]] string Load(const string& path) const {
         TSample sample;
-        try {
-            XMLDeserialize(sample, path, string());
-            return {};
-        } catch (const Exception& e) {
-            return e.Message();
-        }
+        return RaisedBy([&] { XMLDeserialize(sample, path, string()); });
     }
     [[nodiscard]] QStringList Entries() const {
         return QDir(FFolder.path())

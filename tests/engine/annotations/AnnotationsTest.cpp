@@ -8,6 +8,7 @@
 #include "engine/annotations/TextAnnotation.h"
 #include "engine/annotations/TextWrap.h"
 #include "engine/control/Editor.h"
+#include "testing/Raised.h"
 
 #include <QRegularExpression>
 
@@ -34,7 +35,7 @@ struct Annotations : TDocumentTest {
         Files.Write("note.txt", "the attached text");
         auto* note = new TZQPDFTextAnnotation(Document, Layers(), 0, 0, "Comment");
         note->SetColor(Red);
-        note->SetContents(QStringLiteral("A remark – 中"));
+        note->SetContents("A remark – 中");
         note->SetAuthor("Somebody");
         auto* file = new TZQPDFFileAttachementAnnotation(Document, Layers(), 280, 5, "paperclip");
         file->SetDiskFilename(Narrow(Files.Path("note.txt")));
@@ -61,8 +62,7 @@ struct Annotations : TDocumentTest {
         const QJsonObject objects = PdfObjects(Out);
         QMap<string, QJsonObject> found;
         for (const QJsonValue& reference : PageDicts(Out).at(page).value("/Annots").toArray()) {
-            const QJsonObject one =
-                objects.value("obj:" + reference.toString()).toObject().value("value").toObject();
+            const QJsonObject one = DictOf(objects, reference);
             found.insert(one.value("/Subtype").toString(), one);
         }
         return found;
@@ -132,7 +132,7 @@ TEST_F(Annotations, CarryWhatViewersAskFor) {
     };
     QSet<string> identities;
     for (const TCase& row :
-         {TCase{"/Text", 20, QStringLiteral("u:A remark – 中"), "/Comment"},
+         {TCase{"/Text", 20, "u:A remark – 中", "/Comment"},
           TCase{"/FileAttachment", 4, "u:note.txt", "/Paperclip"},
           TCase{"/Stamp", 4, "u:APPROVED", "/APPROVED"},
           TCase{"/FreeText", 4, "u:Free text, wide enough to wrap", ""}, TCase{"/Link", 4, "", ""}}) {
@@ -154,17 +154,13 @@ TEST_F(Annotations, CarryWhatViewersAskFor) {
     EXPECT_EQ(all.value("/Link").value("/Rect").toArray(), QJsonArray({110, 190, 160, 210}));
 
     const QJsonObject objects = PdfObjects(Out);
-    const QJsonObject spec = objects.value("obj:" + all.value("/FileAttachment").value("/FS").toString())
-                                 .toObject()
-                                 .value("value")
-                                 .toObject();
+    const QJsonObject spec = DictOf(objects, all.value("/FileAttachment").value("/FS"));
     EXPECT_EQ(spec.value("/UF").toString(), "u:note.txt");
     const string stream = spec.value("/EF").toObject().value("/UF").toString();
     EXPECT_EQ(
         RunProgram("qpdf", {"--show-object=" + stream.section(' ', 0, 0), "--filtered-stream-data", Out}).Out,
         "the attached text");
-    const QJsonObject dict =
-        objects.value("obj:" + stream).toObject().value("stream").toObject().value("dict").toObject();
+    const QJsonObject dict = DictOf(objects, stream);
     EXPECT_EQ(dict.value("/Params").toObject().value("/Size").toInt(), 17);
     EXPECT_EQ(dict.value("/Subtype").toString(), "/text/plain");
 }
@@ -175,12 +171,7 @@ TEST_F(Annotations, LinkFollowsItsPage) {
         new TZQPDFLinkAnnotation(Document.Pages().getItem(target - 1), Layers());
     };
     EXPECT_THROW(link(6), EPDFError);
-    try {
-        link(0);
-        FAIL();
-    } catch (const EPDFError& e) {
-        EXPECT_EQ(e.Message(), "Page 0 does not exist.");
-    }
+    EXPECT_EQ(RaisedBy([&] { link(0); }), "Page 0 does not exist.");
     link(3);
     Document.InsertPages(1, 2, 100, 100, /*before*/ false); // before the target, which is now page 5
     Document.DeletePage(3);                                 // page 2 of old
@@ -228,9 +219,9 @@ TEST_F(Annotations, FreeTextWrapsInItsBox) {
     EXPECT_EQ(lines.join("").remove(' '), QString(text).remove(' ').remove('\n'));
 
     // A box that is too narrow for any of them has a letter on each line.
-    const auto letters = WrapText(QStringLiteral("a\u0301bc d"), {}, 1, 1000);
+    const auto letters = WrapText("a\u0301bc d", {}, 1, 1000);
     ASSERT_EQ(letters.size(), 4U);
-    EXPECT_EQ(letters[0].Text, QStringLiteral("a\u0301"));
+    EXPECT_EQ(letters[0].Text, "a\u0301");
     EXPECT_EQ(letters[2].Text, "c");
 
     box->SetHeight(30); // too low: the text is cut where it is seen, and kept

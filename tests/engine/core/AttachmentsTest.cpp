@@ -6,7 +6,7 @@
 namespace {
 
 struct TAttachments : TDocumentTest {
-    const string Note = Files.Write(QStringLiteral("note.txt"), "new");
+    const string Note = Files.Write("note.txt", "new");
 
     void Attach() {
         TPDFEmbeddedFiles& attached = Document.GetEmbeddedFiles();
@@ -17,15 +17,15 @@ struct TAttachments : TDocumentTest {
         EXPECT_EQ(QpdfCheck(Out), 0);
     }
     [[nodiscard]] QByteArray Attached(const string& name) const {
-        return RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--show-attachment=") + name, Out}).Out;
+        return RunProgram("qpdf", {QStringLiteral("--show-attachment=") + name, Out}).Out;
     }
 };
 
 TEST_F(TAttachments, AttachmentsAreKeyedByBaseName) {
     Open(SamplePdf(1));
-    const string note = Files.Write(QStringLiteral("folder/note.txt"), "first");
+    const string note = Files.Write("folder/note.txt", "first");
     for (const char* contents : {"first", "second, longer"}) {
-        Files.Write(QStringLiteral("folder/note.txt"), contents);
+        Files.Write("folder/note.txt", contents);
         TPDFEmbeddedFiles& attached = Document.GetEmbeddedFiles();
         if (attached.Exists(note))
             attached.Delete(note);
@@ -40,19 +40,18 @@ TEST_F(TAttachments, AttachmentsAreKeyedByBaseName) {
     const QJsonObject stream = attachments["note.txt"].toObject()["streams"].toObject().begin()->toObject();
     EXPECT_EQ(stream["mimetype"].toString(), "text/plain");
     EXPECT_EQ(stream["checksum"].toString(), "db68a5436e7587753f2f604eb05707b5");
-    const auto shown =
-        RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--show-attachment=note.txt"), Out});
+    const auto shown = RunProgram("qpdf", {"--show-attachment=note.txt", Out});
     EXPECT_EQ(shown.Out, "second, longer");
-    EXPECT_FALSE(Files.Read(QStringLiteral("out.pdf")).contains("folder"));
+    EXPECT_FALSE(Files.Read("out.pdf").contains("folder"));
 
     TZQPDFDocument saved(nullptr);
     saved.OpenFromFile(Out, {});
-    EXPECT_TRUE(saved.GetEmbeddedFiles().Exists(QStringLiteral("/elsewhere/note.txt")));
-    saved.GetEmbeddedFiles().Delete(QStringLiteral("note.txt"));
+    EXPECT_TRUE(saved.GetEmbeddedFiles().Exists("/elsewhere/note.txt"));
+    saved.GetEmbeddedFiles().Delete("note.txt");
     saved.GetEmbeddedFiles().Update();
     saved.SaveToPath(Out, true, false);
     EXPECT_TRUE(PdfJson(Out)["attachments"].toObject().isEmpty());
-    EXPECT_THROW(saved.GetEmbeddedFiles().Add(QStringLiteral("/nowhere/x"), {}, {}, {}), EFileError);
+    EXPECT_THROW(saved.GetEmbeddedFiles().Add("/nowhere/x", {}, {}, {}), EFileError);
 }
 
 TEST_F(TAttachments, AnyTreeIsReadAndTakesMore) {
@@ -78,7 +77,7 @@ TEST_F(TAttachments, AnyTreeIsReadAndTakesMore) {
                             {c.Tree, StreamOf("old", "/Type /EmbeddedFile")}));
         EXPECT_EQ(Document.GetEmbeddedFiles().Names().size(), c.Kept);
         Attach();
-        EXPECT_EQ(Attached(QStringLiteral("note.txt")), "new");
+        EXPECT_EQ(Attached("note.txt"), "new");
         TZQPDFDocument saved(nullptr);
         saved.OpenFromFile(Out, {});
         EXPECT_EQ(saved.GetEmbeddedFiles().Names().size(), c.Kept + 1);
@@ -94,7 +93,7 @@ TEST_F(TAttachments, ManyGoIntoATreeOfLeavesThatOthersSearch) {
     Save();
     EXPECT_EQ(QpdfCheck(Out), 0);
     EXPECT_EQ(PdfJson(Out)["attachments"].toObject().size(), 200);
-    EXPECT_EQ(Attached(QStringLiteral("77.txt")), "new"); // found by the limits of its leaf
+    EXPECT_EQ(Attached("77.txt"), "new"); // found by the limits of its leaf
 }
 
 TEST_F(TAttachments, ReplacingKeepsWhatRefersToTheFile) {
@@ -103,12 +102,12 @@ TEST_F(TAttachments, ReplacingKeepsWhatRefersToTheFile) {
                          "/Source /EF << /F 5 0 R >> /RF << >> >>",
                          StreamOf("old"), "<< /Type /Filespec /F (note.txt) /EF << /F 5 0 R >> >>"}));
     Attach();
-    EXPECT_EQ(Attached(QStringLiteral("k")), "new");
-    EXPECT_FALSE(Files.Read(QStringLiteral("out.pdf")).contains("old"));
+    EXPECT_EQ(Attached("k"), "new");
+    EXPECT_FALSE(Files.Read("out.pdf").contains("old"));
     const QJsonObject objects = PdfObjects(Out);
     const QJsonArray associated = Catalog(Out)["/AF"].toArray();
     ASSERT_EQ(associated.size(), 1) << "the second of the same name is gone";
-    const QJsonObject spec = objects["obj:" + associated[0].toString()].toObject()["value"].toObject();
+    const QJsonObject spec = DictOf(objects, associated[0]);
     EXPECT_EQ(spec["/AFRelationship"], "/Source");
     EXPECT_EQ(spec["/Desc"], "u:Invoice");
     EXPECT_FALSE(spec.contains("/RF"));
@@ -119,7 +118,7 @@ TEST_F(TAttachments, PdfAFromItsThirdPartOnRelatesThem) {
         Open(PdfWithCatalog("/Metadata 4 0 R", {PdfAMetadata(part)}));
         Attach();
         EXPECT_EQ(Catalog(Out)["/AF"].toArray().size(), part >= 3 ? 1 : 0) << part;
-        EXPECT_EQ(Files.Read(QStringLiteral("out.pdf")).contains("/AFRelationship /Unspecified"), part >= 3);
+        EXPECT_EQ(Files.Read("out.pdf").contains("/AFRelationship /Unspecified"), part >= 3);
     }
 }
 

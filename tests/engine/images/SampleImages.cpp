@@ -147,7 +147,7 @@ QByteArray WithSegment(QByteArray jpeg, int marker, const QByteArray& data) {
 
 QByteArray TiffOf(const TSampleImage& image, const TTiffForm& form) {
     const TWorkspace files;
-    const QByteArray path = files.Path(QStringLiteral("a.tif")).toUtf8();
+    const QByteArray path = files.Path("a.tif").toUtf8();
     TIFF* tiff = TIFFOpen(path.constData(), "w");
     TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, image.Width);
     TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, image.Height);
@@ -209,7 +209,7 @@ QByteArray TiffOf(const TSampleImage& image, const TTiffForm& form) {
         }
     }
     TIFFClose(tiff);
-    return files.Read(QStringLiteral("a.tif"));
+    return files.Read("a.tif");
 }
 
 QByteArray GifOf(const TSampleImage& image, const QByteArray& palette) {

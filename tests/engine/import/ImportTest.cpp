@@ -6,13 +6,13 @@
 namespace {
 
 struct TImport : TDocumentTest {
-    const string Other = Files.Path(QStringLiteral("other.pdf"));
+    const string Other = Files.Path("other.pdf");
 
     void SetUp() override {
         MakePdf(In, 2);
         Document.OpenFromFile(In, {});
     }
-    void WriteOther(const QByteArray& contents) { Files.Write(QStringLiteral("other.pdf"), contents); }
+    void WriteOther(const QByteArray& contents) { Files.Write("other.pdf", contents); }
     /// Pages of the sample with another text, so that their origin shows.
     void WriteOther(int pages, const TSampleOptions& options = {}) {
         WriteOther(SamplePdf(pages, options).replace("(Page ", "(Leaf "));
@@ -28,10 +28,7 @@ struct TImport : TDocumentTest {
     }
     QString SavedTexts() {
         Save(Document);
-        return PageTexts(Out)
-            .join(u'|')
-            .remove(QStringLiteral("age "))
-            .replace(QStringLiteral("Leaf "), QStringLiteral("L"));
+        return PageTexts(Out).join(u'|').remove("age ").replace("Leaf ", "L");
     }
     /// A page range of `Other` as a document of its own, as extraction makes it.
     void Extract(const char* range) {
@@ -63,36 +60,35 @@ TEST_F(TImport, PagesGoBeforeTheNumberNamed) {
 }
 
 TEST_F(TImport, FromAFileTheIndexIsTakenAsItIs) {
-    MakePdf(Other, 1, {.UserPassword = QStringLiteral("geheim"), .OwnerPassword = QStringLiteral("x")});
+    MakePdf(Other, 1, {.UserPassword = "geheim", .OwnerPassword = "x"});
     EXPECT_THROW(Document.ImportPagesFromDocument(Other, {}, {}, 1, false), EPDFError);
-    EXPECT_TRUE(Document.ImportPagesFromDocument(Other, QStringLiteral("geheim"), {}, 2, /*after*/ true));
-    EXPECT_FALSE(
-        Document.ImportPagesFromDocument(Other, QStringLiteral("geheim"), QStringLiteral("5"), 2, true));
+    EXPECT_TRUE(Document.ImportPagesFromDocument(Other, "geheim", {}, 2, /*after*/ true));
+    EXPECT_FALSE(Document.ImportPagesFromDocument(Other, "geheim", "5", 2, true));
     EXPECT_EQ(SavedTexts(), "P1|P1|P2");
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Encrypted")), "no");
+    EXPECT_EQ(PdfInfo(Out, "Encrypted"), "no");
 }
 
 TEST_F(TImport, TheSourceMayGoChangeOrBeTheDocumentItself) {
     WriteOther(2, {.PageEntries = "/Rotate 90"});
     auto source = std::make_unique<TZQPDFDocument>(nullptr);
     source->OpenFromFile(Other, {});
-    source->RotatePages(QStringLiteral("1"), 90);
+    source->RotatePages("1", 90);
     source->InsertPages(1, 1, 10, 10, /*before*/ true);
     EXPECT_EQ(Document.ImportPagesFrom(*source, "1-2", 1), 2);
-    source->RotatePages(QStringLiteral("2"), 90); // too late for the copy
+    source->RotatePages("2", 90); // too late for the copy
     source->DeletePage(2);
-    source->SaveToPath(Files.Path(QStringLiteral("source.pdf")), true, false);
+    source->SaveToPath(Files.Path("source.pdf"), true, false);
     source.reset();
     QFile::remove(Other);
-    Document.RotatePages(QStringLiteral("3"), 270);
+    Document.RotatePages("3", 270);
     EXPECT_EQ(Document.ImportPagesFrom(Document, "2-3", -1), 2);
     EXPECT_EQ(SavedTexts(), "|L1|P1|P2|L1|P1");
     const auto pages = PageDicts(Out);
     EXPECT_EQ(pages[1]["/Rotate"].toInt(), 180);
     EXPECT_EQ(pages[4]["/Rotate"].toInt(), 180);
     EXPECT_EQ(pages[5]["/Rotate"].toInt(), 270);
-    EXPECT_EQ(PageTexts(Files.Path(QStringLiteral("source.pdf"))), (QStringList{"", "Leaf 1"}));
-    Document.DeletePageRange(QStringLiteral("1-3"));
+    EXPECT_EQ(PageTexts(Files.Path("source.pdf")), (QStringList{"", "Leaf 1"}));
+    Document.DeletePageRange("1-3");
     EXPECT_EQ(SavedTexts(), "P2|L1|P1");
 }
 
@@ -108,15 +104,12 @@ TEST_F(TImport, LinksLeadToTheCopiesOfPagesImportedTogether) {
                "<< /Type /Annot /Subtype /Popup /Rect [0 0 9 9] /Parent 8 0 R >>", StreamOf("0 0 m")}));
     EXPECT_EQ(Import("1,3,1"), 3);
     Save(Document);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Page")), 5) << "page 2 of the source stayed where it was";
+    EXPECT_EQ(CountOfType(Out, "/Page"), 5) << "page 2 of the source stayed where it was";
     const QJsonObject objects = PdfObjects(Out);
     const QJsonArray pages = PdfJson(Out)["pages"].toArray();
     const auto page = [&](int i) { return pages[i].toObject()["object"].toString(); };
     const QList<QJsonObject> dicts = PageDicts(Out);
-    const auto annotation = [&](int i, int n) {
-        const QString key = dicts[i]["/Annots"].toArray()[n].toString();
-        return objects[QStringLiteral("obj:") + key].toObject()["value"].toObject();
-    };
+    const auto annotation = [&](int i, int n) { return DictOf(objects, dicts[i]["/Annots"].toArray()[n]); };
     for (const int copy : {2, 4}) {
         EXPECT_EQ(annotation(copy, 0)["/P"].toString(), page(copy));
         EXPECT_TRUE(annotation(copy, 0)["/Dest"].toArray()[0].isNull()) << "its page was not imported";
@@ -125,7 +118,7 @@ TEST_F(TImport, LinksLeadToTheCopiesOfPagesImportedTogether) {
     }
     EXPECT_NE(dicts[2]["/Annots"].toArray()[2].toString(), dicts[4]["/Annots"].toArray()[2].toString())
         << "each copy has annotations of its own";
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Annot")), 8);
+    EXPECT_EQ(CountOfType(Out, "/Annot"), 8);
 }
 
 TEST_F(TImport, FormFieldsComeAlongRenamedAndWithoutPagesLeftBehind) {
@@ -141,7 +134,7 @@ TEST_F(TImport, FormFieldsComeAlongRenamedAndWithoutPagesLeftBehind) {
          "<< /FT /Tx /T (second) /Type /Annot /Subtype /Widget /Rect [0 0 9 9] /P 4 0 R >>",
          "<< /Type /Font /Subtype /Type1 /BaseFont /Helvetica >>"});
     WriteOther(form);
-    Files.Write(QStringLiteral("in.pdf"), form);
+    Files.Write("in.pdf", form);
     Document.OpenFromFile(In, {});
     EXPECT_EQ(Import("1"), 1);
     EXPECT_EQ(Import("1-2"), 2);
@@ -198,11 +191,11 @@ TEST_F(TImport, ExtractionLeavesUnusedResourcesBehind) {
          "<< /XObject << /A 6 0 R /B 7 0 R >> >>", StreamOf("A" + noise, "/Subtype /Form /BBox [0 0 9 9]"),
          StreamOf("B" + noise, "/Subtype /Form /BBox [0 0 9 9]"), StreamOf("/A Do"), StreamOf("/B Do")}));
     Extract("2");
-    const QByteArray written = Files.Read(QStringLiteral("out.pdf"));
+    const QByteArray written = Files.Read("out.pdf");
     EXPECT_TRUE(written.contains("Bxxx"));
     EXPECT_FALSE(written.contains("Axxx"));
     Extract("1-2");
-    EXPECT_TRUE(Files.Read(QStringLiteral("out.pdf")).contains("Axxx"));
+    EXPECT_TRUE(Files.Read("out.pdf").contains("Axxx"));
 }
 
 TEST_F(TImport, LayersThatWereHiddenStayHidden) {
@@ -213,15 +206,14 @@ TEST_F(TImport, LayersThatWereHiddenStayHidden) {
                       "<< /Type /OCG /Name (hidden) >>", "<< /Type /OCG /Name (shown) >>",
                       "<< /Type /OCG /Name (unused) >>"}));
     Extract("1");
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/OCG")), 2);
+    EXPECT_EQ(CountOfType(Out, "/OCG"), 2);
     const QJsonObject objects = PdfObjects(Out);
     for (const QJsonValue& object : objects) {
         const QJsonObject properties = object.toObject()["value"].toObject()["/OCProperties"].toObject();
         if (properties.isEmpty())
             continue;
-        const QString off = properties["/D"].toObject()["/OFF"].toArray().at(0).toString();
-        EXPECT_EQ(objects[QStringLiteral("obj:") + off].toObject()["value"].toObject()["/Name"].toString(),
-                  "u:hidden");
+        const QJsonValue off = properties["/D"].toObject()["/OFF"].toArray().at(0);
+        EXPECT_EQ(DictOf(objects, off)["/Name"].toString(), "u:hidden");
         EXPECT_EQ(properties["/OCGs"].toArray().size(), 2);
         return;
     }
@@ -241,7 +233,7 @@ TEST_F(TImport, LongChainsOfObjectsNeedNoStack) {
     WriteOther(PdfOf(objects));
     EXPECT_EQ(Import("1"), 1);
     Save(Document);
-    EXPECT_TRUE(Files.Read(QStringLiteral("out.pdf")).contains("(the end)"));
+    EXPECT_TRUE(Files.Read("out.pdf").contains("(the end)"));
     // The library's way with fields does, so they stay behind, and that is told.
     EXPECT_FALSE(PageDicts(Out)[2].contains("/Annots"));
     EXPECT_TRUE(Document.Warnings().Has(TWarningKind::FieldsLost));
@@ -264,13 +256,11 @@ TEST_F(TImport, ManyFilesNeedFewDescriptorsAndMayGoBeforeTheSave) {
     Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false);
     ::setrlimit(RLIMIT_NOFILE, &before);
     EXPECT_EQ(QpdfCheck(Out), 0);
-    EXPECT_EQ(PageTexts(Out).count(QStringLiteral("Page 1")), Imports + 1);
+    EXPECT_EQ(PageTexts(Out).count("Page 1"), Imports + 1);
 }
 
 TEST_F(TImport, AnUnreadableSourceLeavesTheDocumentAlone) {
-    EXPECT_THROW(
-        Document.ImportPagesFromDocument(Files.Path(QStringLiteral("missing.pdf")), {}, {}, 1, false),
-        EFileError);
+    EXPECT_THROW(Document.ImportPagesFromDocument(Files.Path("missing.pdf"), {}, {}, 1, false), EFileError);
     WriteOther(2);
     EXPECT_THROW(Import("x"), EPDFError);
     EXPECT_EQ(Document.GetPageCount(), 2);

@@ -5,7 +5,6 @@
 #include "engine/layers/LayerText.h"
 
 #include <QImage>
-#include <QRegularExpression>
 
 namespace {
 
@@ -14,42 +13,12 @@ constexpr int ImageTop = 60;
 constexpr int ImageSize = 30;
 const string Token = QStringLiteral("Zq36placed");
 
-struct TWord {
-    Double Left = 0;
-    Double Top = 0;
-    Double Right = 0;
-    Double Bottom = 0;
-};
-
-/// Where the token stands on each page, as poppler sees the displayed page.
-std::vector<std::optional<TWord>> TokenPlaces(const string& path) {
-    const auto result =
-        RunProgram(QStringLiteral("pdftotext"),
-                   {QStringLiteral("-bbox"), QStringLiteral("-cropbox"), path, QStringLiteral("-")});
-    static const QRegularExpression wordPattern(
-        QStringLiteral("xMin=\"([-\\d.]+)\" yMin=\"([-\\d.]+)\" xMax=\"([-\\d.]+)\" yMax=\"([-\\d.]+)\">%1<")
-            .arg(Token));
-    std::vector<std::optional<TWord>> places;
-    for (const QString& page : QString::fromUtf8(result.Out).split(QStringLiteral("<page ")).mid(1)) {
-        const auto match = wordPattern.match(page);
-        if (match.hasMatch())
-            places.push_back(TWord{match.captured(1).toDouble(), match.captured(2).toDouble(),
-                                   match.captured(3).toDouble(), match.captured(4).toDouble()});
-        else
-            places.push_back(std::nullopt);
-    }
-    return places;
-}
-
 /// Pages as poppler renders them, a pixel a point.
 std::vector<QImage> Rendered(const TWorkspace& files, const string& path, int lastPage) {
-    const string prefix = files.Path(QStringLiteral("page"));
-    RunProgram(QStringLiteral("pdftoppm"),
-               {QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("-cropbox"), QStringLiteral("-l"),
-                QString::number(lastPage), path, prefix});
+    const string prefix = files.Path("page");
+    RunProgram("pdftoppm", {"-r", "72", "-cropbox", "-l", QString::number(lastPage), path, prefix});
     std::vector<QImage> pages;
-    for (const QString& name :
-         QDir(files.Path({})).entryList({QStringLiteral("page*.ppm")}, QDir::Files, QDir::Name)) {
+    for (const QString& name : QDir(files.Path({})).entryList({"page*.ppm"}, QDir::Files, QDir::Name)) {
         pages.emplace_back(files.Path(name));
         QFile::remove(files.Path(name));
     }
@@ -70,7 +39,7 @@ std::string DifferenceOutside(const QImage& before, const QImage& after, const Q
 string RedSquare(const TWorkspace& files) {
     QImage image(ImageSize, ImageSize, QImage::Format_RGB32);
     image.fill(Qt::red);
-    const string path = files.Path(QStringLiteral("red.png"));
+    const string path = files.Path("red.png");
     image.save(path);
     return path;
 }
@@ -94,7 +63,7 @@ float PutOnPages(TZQPDFDocument& document, const string& image, int lastPage) {
 /// Poppler measures in user units, of which a page may have larger ones than points.
 void ExpectPlaced(const TWorkspace& files, const TZQPDFDocument& document, const string& before,
                   const string& after, int pages, float width) {
-    const auto places = TokenPlaces(after);
+    const auto words = WordBoxes(after);
     const auto was = Rendered(files, before, pages);
     const auto is = Rendered(files, after, pages);
     ASSERT_EQ(was.size(), size_t(pages));
@@ -103,12 +72,13 @@ void ExpectPlaced(const TWorkspace& files, const TZQPDFDocument& document, const
         SCOPED_TRACE("page " + std::to_string(i + 1));
         if (was[i].width() <= Place || was[i].height() <= Place)
             continue; // off the page
-        ASSERT_TRUE(i < places.size() && places[i]) << "not found";
+        ASSERT_TRUE(words.value(qsizetype(i)).contains(Token)) << "not found";
+        const QRectF place = words[qsizetype(i)][Token];
         const Double unit = document.Pages().getItem(int(i)).Geometry().UserUnit;
-        EXPECT_NEAR(places[i]->Left * unit, Place, 1);
-        EXPECT_NEAR(places[i]->Right * unit, Place + width, 1);
-        EXPECT_NEAR(places[i]->Top * unit, Place, 1);
-        EXPECT_LT(places[i]->Bottom * unit, ImageTop);
+        EXPECT_NEAR(place.left() * unit, Place, 1);
+        EXPECT_NEAR(place.right() * unit, Place + width, 1);
+        EXPECT_NEAR(place.top() * unit, Place, 1);
+        EXPECT_LT(place.bottom() * unit, ImageTop);
         const auto pixels = [unit](Double points) { return int(points / unit); };
         const QRect drawn(pixels(Place) - 1, pixels(Place) - 1, pixels(std::max(width, float(ImageSize))) + 3,
                           pixels(ImageTop + ImageSize - Place) + 3);
@@ -133,13 +103,13 @@ TEST(TPlacement, HoldsForEveryRotationBoxAndUnit) {
     for (const int rotation : {0, 90, 180, 270, -90, 450})
         for (const auto& [media, crop] : boxes) {
             SCOPED_TRACE((media + crop).toStdString() + " rotated by " + std::to_string(rotation));
-            const string path = files.Path(QStringLiteral("in.pdf"));
+            const string path = files.Path("in.pdf");
             const QByteArray rotate = " /Rotate " + QByteArray::number(rotation);
             MakePdf(path, 1, {.PageEntries = crop + rotate, .MediaBox = media});
             TZQPDFDocument document(nullptr);
             document.OpenFromFile(path, {});
             const float width = PutOnPages(document, image, 1);
-            const string out = files.Path(QStringLiteral("out.pdf"));
+            const string out = files.Path("out.pdf");
             document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
             EXPECT_EQ(QpdfCheck(out), 0);
             ExpectPlaced(files, document, path, out, 1, width);
@@ -158,9 +128,9 @@ TEST(TPlacement, MeetsTheStateThatThePageBeganWith) {
                                    ""};
     for (const QByteArray& content : contents) {
         SCOPED_TRACE(content.toStdString());
-        const string path = files.Path(QStringLiteral("in.pdf"));
+        const string path = files.Path("in.pdf");
         files.Write(
-            QStringLiteral("in.pdf"),
+            "in.pdf",
             PdfOf({"<</Type /Catalog /Pages 2 0 R>>", "<</Type /Pages /Kids [3 0 R] /Count 1>>",
                    "<</Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R /Resources <</Font "
                    "<</F1 <</Type /Font /Subtype /Type1 /BaseFont /Helvetica>> >> >> >>",
@@ -168,7 +138,7 @@ TEST(TPlacement, MeetsTheStateThatThePageBeganWith) {
         TZQPDFDocument document(nullptr);
         document.OpenFromFile(path, {});
         const float width = PutOnPages(document, image, 1);
-        const string out = files.Path(QStringLiteral("out.pdf"));
+        const string out = files.Path("out.pdf");
         document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
         ExpectPlaced(files, document, path, out, 1, width);
     }
@@ -176,20 +146,20 @@ TEST(TPlacement, MeetsTheStateThatThePageBeganWith) {
 
 TEST(TPlacement, WhatChangesAfterASaveIsWrittenAgain) {
     const TWorkspace files;
-    const string path = files.Path(QStringLiteral("in.pdf"));
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string path = files.Path("in.pdf");
+    const string out = files.Path("out.pdf");
     MakePdf(path, 2);
     TZQPDFDocument document(nullptr);
     document.OpenFromFile(path, {});
     auto* text = new TZQPDFText(&document.Pages().getItem(0).Layers());
-    text->SetText(QStringLiteral("first"));
+    text->SetText("first");
     document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
     EXPECT_TRUE(PageTexts(out)[0].contains("first"));
-    text->SetText(QStringLiteral("second"));
+    text->SetText("second");
     document.SaveToPath(out, /*keepSource*/ false, /*takeName*/ true);
     EXPECT_TRUE(PageTexts(out)[0].contains("second"));
     EXPECT_FALSE(PageTexts(out)[0].contains("first"));
-    (new TZQPDFText(&document.Pages().getItem(0).Layers()))->SetText(QStringLiteral("third"));
+    (new TZQPDFText(&document.Pages().getItem(0).Layers()))->SetText("third");
     document.SaveToPath(out, false, true);
     EXPECT_TRUE(PageTexts(out)[0].contains("second"));
     EXPECT_TRUE(PageTexts(out)[0].contains("third"));
@@ -197,7 +167,7 @@ TEST(TPlacement, WhatChangesAfterASaveIsWrittenAgain) {
 
 TEST(TPlacement, AMovedLayerGoesByThePageAsItLiesThen) {
     const TWorkspace files;
-    const string path = files.Path(QStringLiteral("in.pdf"));
+    const string path = files.Path("in.pdf");
     MakePdf(path, 1);
     TZQPDFDocument document(nullptr);
     document.OpenFromFile(path, {});
@@ -208,9 +178,9 @@ TEST(TPlacement, AMovedLayerGoesByThePageAsItLiesThen) {
     document.CropPages({}, margins);
     const auto left = [&] {
         document.SaveToPath(path, /*keepSource*/ true, /*takeName*/ false);
-        const auto place = TokenPlaces(path)[0].value_or(TWord{});
-        return std::pair(std::lround(place.Left),
-                         std::lround(place.Top / 2)); // its height is the font's affair
+        const QRectF place = WordBoxes(path).value(0).value(Token);
+        return std::pair(std::lround(place.left()),
+                         std::lround(place.top() / 2)); // its height is the font's affair
     };
     const auto kept = left();
     EXPECT_EQ(kept.first, 86) << "the layer went with its page";
@@ -223,7 +193,7 @@ TEST(TPlacement, AMovedLayerGoesByThePageAsItLiesThen) {
 
 TEST(TPlacement, GoesAlongWhenThePageIsCopied) {
     const TWorkspace files;
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string out = files.Path("out.pdf");
     TZQPDFDocument target(nullptr);
     {
         TZQPDFDocument source(nullptr); // with a blank page that stands in no file yet
@@ -239,7 +209,7 @@ TEST_F(TCorpus, WhatIsPutOnAPageLiesThereAndNothingElseChanges) {
     constexpr int PagesLookedAt = 70;
     const TWorkspace files;
     const string image = RedSquare(files);
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string out = files.Path("out.pdf");
     for (const TCorpusFile& file : CorpusFiles({"ok"})) { // where damage ends is each reader's own opinion
         SCOPED_TRACE(file.Path.toStdString());
         TZQPDFDocument document(nullptr);

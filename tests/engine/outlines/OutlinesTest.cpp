@@ -1,21 +1,14 @@
 // Outlines: walking, adding, where items lead after a save, damage.
-#include "engine/PdfJudges.h"
-#include "engine/document/Document.h"
+#include "engine/DocumentFixture.h"
+#include "testing/Raised.h"
 
 #include <QPointer>
 
 namespace {
 
-struct TOutlines : testing::Test {
-    const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
-    const string Out = Files.Path(QStringLiteral("out.pdf"));
-    TZQPDFDocument Document{nullptr};
-
-    void Open(int pages, const TSampleOptions& options = {}) {
-        MakePdf(In, pages, options);
-        Document.OpenFromFile(In, {});
-    }
+struct TOutlines : TDocumentTest {
+    using TDocumentTest::Open;
+    void Open(int pages, const TSampleOptions& options = {}) { Open(SamplePdf(pages, options)); }
     TPDFIndirect* Add(TPDFIndirect* parent, const char* text, int page,
                       TPDFLinkDestKind kind = TPDFLinkDestKind::ldFit) {
         return Document.NewOutline(parent, text, page, kind);
@@ -23,33 +16,20 @@ struct TOutlines : testing::Test {
     /// "Title>page (child>page ...)" of each item, as another program reads the saved file; "+" before an
     /// open item. The chain of each level must hold together both ways.
     QString Saved() {
-        Document.SaveToPath(Out, /*keepSource*/ true, /*takeName*/ false);
+        Save();
         return Written();
     }
     [[nodiscard]] QString Written() const {
         EXPECT_EQ(QpdfCheck(Out), 0);
         const QJsonObject objects = PdfObjects(Out);
         int shown = 0;
-        const QJsonObject catalog = Value(objects, Trailer().value(QStringLiteral("/Root")));
-        const QString root = catalog.value(QStringLiteral("/Outlines")).toString();
+        const QJsonObject trailer = objects["trailer"].toObject()["value"].toObject();
+        const QString root = DictOf(objects, trailer["/Root"])["/Outlines"].toString();
         CheckLinks(objects, root, shown);
-        return Text(PdfJson(Out).value(QStringLiteral("outlines")).toArray());
+        return Text(PdfJson(Out).value("outlines").toArray());
     }
 
 private:
-    [[nodiscard]] QJsonObject Trailer() const {
-        return PdfObjects(Out)
-            .value(QStringLiteral("trailer"))
-            .toObject()
-            .value(QStringLiteral("value"))
-            .toObject();
-    }
-    static QJsonObject Value(const QJsonObject& objects, const QJsonValue& reference) {
-        return objects.value(QStringLiteral("obj:") + reference.toString())
-            .toObject()
-            .value(QStringLiteral("value"))
-            .toObject();
-    }
     static QString Text(const QJsonArray& items) {
         QStringList texts;
         for (const QJsonValue& item : items) {
@@ -65,21 +45,21 @@ private:
     }
     /// Gives the items below `parent` that are shown when it is open.
     static void CheckLinks(const QJsonObject& objects, const QString& parent, int& shown) {
-        const QJsonObject above = Value(objects, parent);
+        const QJsonObject above = DictOf(objects, parent);
         QString before;
-        QString at = above.value(QStringLiteral("/First")).toString();
+        QString at = above.value("/First").toString();
         for (int guard = 0; !at.isEmpty() && guard < 1000; ++guard) {
-            const QJsonObject item = Value(objects, at);
-            EXPECT_EQ(item.value(QStringLiteral("/Parent")).toString(), parent);
-            EXPECT_EQ(item.value(QStringLiteral("/Prev")).toString(), before);
+            const QJsonObject item = DictOf(objects, at);
+            EXPECT_EQ(item.value("/Parent").toString(), parent);
+            EXPECT_EQ(item.value("/Prev").toString(), before);
             int below = 0;
             CheckLinks(objects, at, below);
-            shown += 1 + (item.value(QStringLiteral("/Count")).toInt() > 0 ? below : 0);
+            shown += 1 + (item.value("/Count").toInt() > 0 ? below : 0);
             before = at;
-            at = item.value(QStringLiteral("/Next")).toString();
+            at = item.value("/Next").toString();
         }
-        EXPECT_EQ(above.value(QStringLiteral("/Last")).toString(), before);
-        EXPECT_EQ(qAbs(above.value(QStringLiteral("/Count")).toInt()), shown);
+        EXPECT_EQ(above.value("/Last").toString(), before);
+        EXPECT_EQ(qAbs(above.value("/Count").toInt()), shown);
     }
 };
 
@@ -98,7 +78,7 @@ TEST_F(TOutlines, ItemsAreAddedLastAndCounted) {
     EXPECT_TRUE(RunProgram("mutool", {"show", Out, "outline"})
                     .Out.contains("\"Enkel \xC3\xA4 \xE6\x97\xA5\"\t#page=3"));
     Add(child, "later", 1); // the document goes on from what was written
-    EXPECT_TRUE(Saved().contains(QStringLiteral(" later>1) second>1)")));
+    EXPECT_TRUE(Saved().contains(" later>1) second>1)"));
 }
 
 TEST_F(TOutlines, ReferencesOutliveSavesAndNothingElse) {
@@ -126,9 +106,9 @@ TEST_F(TOutlines, ReferencesOutliveSavesAndNothingElse) {
 }
 
 TEST_F(TOutlines, ItemsFollowTheirPages) {
-    MakePdf(Files.Path(QStringLiteral("other.pdf")), 2);
+    MakePdf(Files.Path("other.pdf"), 2);
     TZQPDFDocument other(nullptr);
-    other.OpenFromFile(Files.Path(QStringLiteral("other.pdf")), {});
+    other.OpenFromFile(Files.Path("other.pdf"), {});
     Add(nullptr, "blank", 1); // a new document, without a file
     Document.ImportPagesFrom(other, "all", -1);
     Add(nullptr, "imported", 3);
@@ -146,12 +126,8 @@ TEST_F(TOutlines, ItemsFollowTheirPages) {
 TEST_F(TOutlines, PagesCountFromOneAndMustExist) {
     Open(2);
     for (const int page : {0, 3, -1, std::numeric_limits<int>::min()}) {
-        try {
-            Add(nullptr, "x", page);
-            ADD_FAILURE() << page;
-        } catch (const Exception& e) {
-            EXPECT_EQ(e.Message(), QStringLiteral("Page %1 does not exist.").arg(page));
-        }
+        EXPECT_EQ(RaisedBy([&] { Add(nullptr, "x", page); }),
+                  QStringLiteral("Page %1 does not exist.").arg(page));
     }
     EXPECT_EQ(Document.OutlineCount(), 0);
     EXPECT_FALSE(Document.GetModified());
@@ -183,7 +159,7 @@ TEST_F(TOutlines, DestinationsAreTheTopLeftCornerAsDisplayed) {
         Add(nullptr, "x", 1, c.Kind);
         Document.RotatePages({}, c.Rotation); // behind the item: the page counts as it is saved
         Saved();
-        const QJsonArray items = PdfJson(Out).value(QStringLiteral("outlines")).toArray();
+        const QJsonArray items = PdfJson(Out).value("outlines").toArray();
         QJsonArray dest = items.at(0)[QStringLiteral("dest")].toArray();
         dest.removeFirst(); // the page
         EXPECT_EQ(QJsonDocument(dest).toJson(QJsonDocument::Compact), '[' + QByteArray(c.Expected) + ']');
@@ -192,13 +168,12 @@ TEST_F(TOutlines, DestinationsAreTheTopLeftCornerAsDisplayed) {
 
 TEST_F(TOutlines, AClosedItemStaysClosed) {
     const auto item = [](const char* rest) { return QByteArray("<< /Title (x) ") + rest + " >>"; };
-    Files.Write(QStringLiteral("in.pdf"),
-                PdfOf({"<< /Type /Catalog /Pages 2 0 R /Outlines 4 0 R >>",
-                       "<< /Type /Pages /Count 1 /Kids [3 0 R] >>",
-                       "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] >>",
-                       "<< /First 5 0 R /Last 5 0 R /Count 1 >>",
-                       item("/Parent 4 0 R /First 6 0 R /Last 6 0 R /Count -1 /Dest [3 0 R /Fit]"),
-                       item("/Parent 5 0 R /Dest [3 0 R /Fit]")}));
+    Files.Write("in.pdf", PdfOf({"<< /Type /Catalog /Pages 2 0 R /Outlines 4 0 R >>",
+                                 "<< /Type /Pages /Count 1 /Kids [3 0 R] >>",
+                                 "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] >>",
+                                 "<< /First 5 0 R /Last 5 0 R /Count 1 >>",
+                                 item("/Parent 4 0 R /First 6 0 R /Last 6 0 R /Count -1 /Dest [3 0 R /Fit]"),
+                                 item("/Parent 5 0 R /Dest [3 0 R /Fit]")}));
     Document.OpenFromFile(In, {});
     Add(Document.FirstChildOutline(Document.FirstOutline()), "new", 1);
     EXPECT_EQ(Saved(), "x>1(+x>1(new>1))");
@@ -229,7 +204,7 @@ TEST_F(TOutlines, DamageEndsWhereItIsMetAndIsMendedWhereItemsAreAdded) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.What);
-        Files.Write(QStringLiteral("in.pdf"), c.File);
+        Files.Write("in.pdf", c.File);
         Document.OpenFromFile(In, {});
         EXPECT_EQ(Document.OutlineCount(), c.Count);
         Add(nullptr, "new", 1);

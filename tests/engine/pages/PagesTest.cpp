@@ -1,5 +1,6 @@
 // Pages: geometry, rotation, cropping, inserting, deleting and what has to go with them.
 #include "engine/DocumentFixture.h"
+#include "testing/Raised.h"
 
 #include <cmath>
 
@@ -15,14 +16,6 @@ struct TPages : TDocumentTest {
     QStringList SavedTexts() {
         Save();
         return PageTexts(Out);
-    }
-    [[nodiscard]] string Message(const std::function<void()>& action) const {
-        try {
-            action();
-        } catch (const Exception& e) {
-            return e.Message();
-        }
-        return QStringLiteral("no exception");
     }
 };
 
@@ -68,10 +61,10 @@ TEST_F(TPages, AttributesAreThoseOfTheUnrotatedCropBox) {
 TEST_F(TPages, NumbersOutsideTheDocumentRaise) {
     Open(2);
     for (const int index : {-1, 2})
-        EXPECT_EQ(Message([&] { static_cast<void>(Document.Pages().getItem(index)); }),
+        EXPECT_EQ(RaisedBy([&] { static_cast<void>(Document.Pages().getItem(index)); }),
                   QStringLiteral("Page %1 does not exist.").arg(index + 1));
-    EXPECT_EQ(Message([&] { Document.PageTree().SetPage(3); }), "Page 3 does not exist.");
-    EXPECT_EQ(Message([&] { static_cast<void>(Document.PageTree().GetPageAttributes(0)); }),
+    EXPECT_EQ(RaisedBy([&] { Document.PageTree().SetPage(3); }), "Page 3 does not exist.");
+    EXPECT_EQ(RaisedBy([&] { static_cast<void>(Document.PageTree().GetPageAttributes(0)); }),
               "Page 0 does not exist.");
     EXPECT_EQ(Document.PageTree().CurrentPage(), 1);
     EXPECT_THROW(Document.RenderToLayers(2, 72), EPDFError);
@@ -79,9 +72,9 @@ TEST_F(TPages, NumbersOutsideTheDocumentRaise) {
 
 TEST_F(TPages, RotationAddsToThePagesOwnOnce) {
     Open(4, {.PageEntries = "/Rotate 270"});
-    Document.RotatePages(QStringLiteral("1,3,1"), 180);
-    Document.RotatePages(QStringLiteral("2"), -630);
-    EXPECT_EQ(Message([&] { Document.RotatePages(QStringLiteral("1"), 45); }),
+    Document.RotatePages("1,3,1", 180);
+    Document.RotatePages("2", -630);
+    EXPECT_EQ(RaisedBy([&] { Document.RotatePages("1", 45); }),
               "Pages turn by multiples of 90 degrees, not by 45.");
     EXPECT_EQ(Document.PageTree().GetPageAttributes(1).Rotation, 90);
     Save();
@@ -121,10 +114,10 @@ TEST_F(TPages, CroppingEverythingAwayRaisesAndChangesNoPage) {
     QByteArray pdf = SamplePdf(2).replace("/MediaBox [0 0 595 842]", "/MediaBox [0 0 100 100]");
     Open(pdf);
     TPDFMargins margins = TPDFMargins::Create(0, 50, 50, 0);
-    EXPECT_EQ(Message([&] { Document.CropPages({}, margins); }),
+    EXPECT_EQ(RaisedBy([&] { Document.CropPages({}, margins); }),
               "Cropping by these margins leaves nothing of page 1.");
     margins = TPDFMargins::Create(-20, -20, 30, 30); // a negative margin gives back at most the media box
-    Document.CropPages(QStringLiteral("2"), margins);
+    Document.CropPages("2", margins);
     EXPECT_EQ(Document.Pages().getItem(0).GetWidth(), 100);
     EXPECT_EQ(Document.Pages().getItem(1).GetWidth(), 70);
 }
@@ -140,7 +133,7 @@ TEST_F(TPages, BlankPagesGoBeforeOrBehindThePlaceNamed) {
     for (const auto& c : cases) {
         Open(2);
         Document.InsertPages(c.Index, 1, 300, 200, c.Before);
-        EXPECT_EQ(SavedTexts().join(u'|').remove(QStringLiteral("Page ")), QLatin1String(c.Texts)) << c.Index;
+        EXPECT_EQ(SavedTexts().join(u'|').remove("Page "), QLatin1String(c.Texts)) << c.Index;
     }
     for (const auto& [width, height] : {std::pair(0.F, 5.F), std::pair(5.F, -1.F), std::pair(NAN, 5.F)})
         EXPECT_THROW(Document.InsertPages(1, 1, width, height, true), EPDFError);
@@ -153,24 +146,24 @@ TEST_F(TPages, DeletingKeepsOnePageAndTellsWhereToGo) {
     EXPECT_EQ(Document.DeletePageRange({}), 1) << "an empty range deletes nothing";
     EXPECT_EQ(Document.GetPageCount(), 5);
     Document.PageTree().SetPage(5);
-    EXPECT_EQ(Document.DeletePageRange(QStringLiteral("2,5,2,77")), 2);
+    EXPECT_EQ(Document.DeletePageRange("2,5,2,77"), 2);
     EXPECT_EQ(Document.PageTree().CurrentPage(), 3);
     EXPECT_EQ(SavedTexts(), (QStringList{"Page 1", "Page 3", "Page 4"}));
-    EXPECT_EQ(Document.DeletePageRange(QStringLiteral("3")), 2) << "the last page now";
+    EXPECT_EQ(Document.DeletePageRange("3"), 2) << "the last page now";
     for (const char* all : {"all", "1-", "even odd"})
-        EXPECT_EQ(Message([&] { Document.DeletePageRange(QLatin1String(all)); }),
+        EXPECT_EQ(RaisedBy([&] { Document.DeletePageRange(QLatin1String(all)); }),
                   "A document must keep at least one page.");
     Document.DeletePage(0);
-    EXPECT_EQ(Message([&] { Document.DeletePage(0); }), "A document must keep at least one page.");
+    EXPECT_EQ(RaisedBy([&] { Document.DeletePage(0); }), "A document must keep at least one page.");
     EXPECT_EQ(SavedTexts(), QStringList{"Page 3"});
 }
 
 TEST_F(TPages, DeletedPagesReallyLeaveTheFile) {
     Open(4, {.Outlines = true, .Links = true});
-    Document.DeletePageRange(QStringLiteral("2"));
+    Document.DeletePageRange("2");
     EXPECT_EQ(SavedTexts(), (QStringList{"Page 1", "Page 3", "Page 4"}));
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Page")), 3);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Pages")), 1);
+    EXPECT_EQ(CountOfType(Out, "/Page"), 3);
+    EXPECT_EQ(CountOfType(Out, "/Pages"), 1);
     QStringList titles;
     for (const QJsonValue& item : PdfJson(Out)["outlines"].toArray())
         titles.append(item.toObject()["title"].toString());
@@ -215,18 +208,17 @@ TEST_F(TPages, WhateverLedToADeletedPageIsPruned) {
     }));
     Document.DeletePage(1);
     Save();
-    const QByteArray written =
-        RunProgram(QStringLiteral("qpdf"), {QStringLiteral("--qdf"), Out, QStringLiteral("-")}).Out;
+    const QByteArray written = RunProgram("qpdf", {"--qdf", Out, "-"}).Out;
     for (const char* gone :
          {"/OpenAction", "/old ", "(gone)", "(on 4)", "(private)", "(Dead)", "/MCR", "/Link"})
         EXPECT_FALSE(written.contains(gone)) << gone;
     for (const char* kept : {"/kept", "(stays)", "(on both)", "(nowhere)", "(Heading)", "(Alive)"})
         EXPECT_TRUE(written.contains(kept)) << kept;
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Page")), 1);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Annot")), 1);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Thread")), 1);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/Bead")), 1);
-    EXPECT_EQ(CountOfType(Out, QStringLiteral("/StructElem")), 2);
+    EXPECT_EQ(CountOfType(Out, "/Page"), 1);
+    EXPECT_EQ(CountOfType(Out, "/Annot"), 1);
+    EXPECT_EQ(CountOfType(Out, "/Thread"), 1);
+    EXPECT_EQ(CountOfType(Out, "/Bead"), 1);
+    EXPECT_EQ(CountOfType(Out, "/StructElem"), 2);
     EXPECT_EQ(BoxText(PageDicts(Out)[0]["/MediaBox"]), "0 0 99 99") << "what the old tree passed on";
 }
 
@@ -277,12 +269,12 @@ TEST_F(TPages, InheritedAttributesAndSharedNodesSurviveReordering) {
     EXPECT_EQ(pages[1]["/Rotate"].toInt(), 90);
     EXPECT_EQ(pages[2]["/Rotate"].toInt(), 0);
     EXPECT_EQ(BoxText(pages[3]["/MediaBox"]), "0 0 7 8");
-    EXPECT_FALSE(pages[0].contains(QStringLiteral("/Rotate")));
+    EXPECT_FALSE(pages[0].contains("/Rotate"));
 }
 
 TEST_F(TPages, ManyPagesMakeABalancedTreeInNoTime) {
     Open(3000);
-    Document.DeletePageRange(QStringLiteral("even"));
+    Document.DeletePageRange("even");
     Document.InsertPages(1, 1500, 50, 50, /*before*/ true);
     Document.RotatePages({}, 90);
     Document.SaveToPath(Out, true, false);

@@ -3,6 +3,7 @@
 #include "engine/control/Editor.h"
 #include "engine/document/Document.h"
 #include "testing/Corpus.h"
+#include "testing/Raised.h"
 
 #include <QImage>
 
@@ -13,11 +14,11 @@ namespace {
 
 struct TRender : testing::Test {
     const TWorkspace Files;
-    const string In = Files.Path(QStringLiteral("in.pdf"));
+    const string In = Files.Path("in.pdf");
     TZQPDFDocument Document{nullptr};
 
     /// Writes the picture of a page and reads it again.
-    QImage Picture(int page, int dpi, const string& name = QStringLiteral("page.png")) {
+    QImage Picture(int page, int dpi, const string& name = "page.png") {
         TZQPDFEditor editor(nullptr);
         editor.setDocument(&Document);
         editor.SetCurrentPage(page);
@@ -32,15 +33,10 @@ struct TRender : testing::Test {
             "pdftoppm", options + QStringList{"-f", number, "-l", number, "-r", QString::number(dpi), "-png",
                                               "-singlefile", "-cropbox", path, Files.Path("judge")});
         EXPECT_EQ(result.Exit, 0) << result.Errors.toStdString();
-        return QImage(Files.Path(QStringLiteral("judge.png")));
+        return QImage(Files.Path("judge.png"));
     }
     string Message(const string& name, int dpi) {
-        try {
-            Picture(1, dpi, name);
-        } catch (const Exception& e) {
-            return e.Message();
-        }
-        return QStringLiteral("no exception");
+        return RaisedBy([&] { Picture(1, dpi, name); });
     }
 };
 
@@ -144,10 +140,10 @@ TEST_F(TRender, UnsavedPagesAreTakenAsTheyWouldBeSaved) {
         EXPECT_EQ(Stripes(picture), stripes);
         EXPECT_EQ(picture.size(), size);
     };
-    Files.Write(QStringLiteral("in.pdf"), Striped("/UserUnit 2"));
+    Files.Write("in.pdf", Striped("/UserUnit 2"));
     Document.OpenFromFile(In, {});
     expect(1, "wrwgb", {400, 160});
-    Files.Write(QStringLiteral("in.pdf"), Striped("/Rotate 180"));
+    Files.Write("in.pdf", Striped("/Rotate 180"));
     Document.OpenFromFile(In, {});
     expect(1, "bgwrw", {200, 80});
     Document.RotatePages({}, 90);
@@ -157,19 +153,18 @@ TEST_F(TRender, UnsavedPagesAreTakenAsTheyWouldBeSaved) {
     expect(1, "bbbbb", {80, 40});
 
     TZQPDFDocument other(nullptr); // pages that no file holds yet
-    other.OpenFromFile(Files.Write(QStringLiteral("other.pdf"), Striped()), {});
+    other.OpenFromFile(Files.Write("other.pdf", Striped()), {});
     Document.ImportPagesFrom(other, "1", -1);
     expect(2, "wrwgb", {200, 80});
     Document.InsertPages(1, 1, 50, 20, /*before*/ true);
     expect(1, "wwwww", {100, 40});
     EXPECT_TRUE(Document.GetModified());
-    Document.SaveToPath(Files.Path(QStringLiteral("out.pdf")), /*keepSource*/ true, /*takeName*/ false);
-    EXPECT_EQ(Stripes(Judged(Files.Path(QStringLiteral("out.pdf")), 3, 144)), "wrwgb")
-        << "saving still works";
+    Document.SaveToPath(Files.Path("out.pdf"), /*keepSource*/ true, /*takeName*/ false);
+    EXPECT_EQ(Stripes(Judged(Files.Path("out.pdf"), 3, 144)), "wrwgb") << "saving still works";
 }
 
 TEST_F(TRender, TheExtensionChoosesTheFormat) {
-    Files.Write(QStringLiteral("in.pdf"), Striped());
+    Files.Write("in.pdf", Striped());
     Document.OpenFromFile(In, {});
     for (const char* name : {"a.png", "a.jpg", "a.JPEG", "a.tif", "a.tiff", "\xC3\xA4 \xE6\x97\xA5.bmp"}) {
         const QImage picture = Picture(1, 150, QString::fromUtf8(name));
@@ -179,18 +174,18 @@ TEST_F(TRender, TheExtensionChoosesTheFormat) {
         EXPECT_FALSE(picture.hasAlphaChannel()) << name;
     }
     const QStringList before = Files.Names();
-    EXPECT_TRUE(Message("a.gif", 150).contains(QStringLiteral(".png, .jpg")));
-    EXPECT_TRUE(Message("png", 150).contains(QStringLiteral("Cannot write")));
-    EXPECT_TRUE(Message("b.png", 0).contains(QStringLiteral("0 dots per inch")));
-    EXPECT_TRUE(Message("b.png", -72).contains(QStringLiteral("-72 dots per inch")));
-    EXPECT_TRUE(Message("b.png", 2'000'000'000).contains(QStringLiteral("too many")));
-    EXPECT_TRUE(Message("b.png", 50'000).contains(QStringLiteral("69444 x 27778 pixels")));
-    EXPECT_NE(Message("nowhere/b.png", 72), "no exception");
+    EXPECT_TRUE(Message("a.gif", 150).contains(".png, .jpg"));
+    EXPECT_TRUE(Message("png", 150).contains("Cannot write"));
+    EXPECT_TRUE(Message("b.png", 0).contains("0 dots per inch"));
+    EXPECT_TRUE(Message("b.png", -72).contains("-72 dots per inch"));
+    EXPECT_TRUE(Message("b.png", 2'000'000'000).contains("too many"));
+    EXPECT_TRUE(Message("b.png", 50'000).contains("69444 x 27778 pixels"));
+    EXPECT_NE(Message("nowhere/b.png", 72), "");
     EXPECT_EQ(Files.Names(), before);
 }
 
 TEST_F(TRender, AnyThreadPaints) {
-    Files.Write(QStringLiteral("in.pdf"), Striped());
+    Files.Write("in.pdf", Striped());
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([this, i] {

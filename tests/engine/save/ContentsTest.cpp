@@ -53,8 +53,7 @@ TEST_F(TContents, OfCopiedPagesTakeWhatIsPutOnThem) {
         const QStringList texts = PageTexts(Out);
         ASSERT_EQ(texts.size(), document->GetPageCount());
         for (const QString& text : texts)
-            EXPECT_EQ(text.split(QRegularExpression(QStringLiteral("\\s+"))),
-                      QStringList({Stamp, "one", "two"}));
+            EXPECT_EQ(text.split(QRegularExpression("\\s+")), QStringList({Stamp, "one", "two"}));
     }
 }
 
@@ -84,7 +83,7 @@ QStringList WordsOf(const string& path, const string& program) {
     const QStringList arguments =
         program == "mutool" ? QStringList{"draw", "-q", "-F", "txt", path} : QStringList{path, "-"};
     const QByteArray text = RunProgram(program, arguments).Out;
-    return QString::fromUtf8(text).split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
+    return QString::fromUtf8(text).split(QRegularExpression("\\s+"), Qt::SkipEmptyParts);
 }
 
 /// Readers give up on damage each at a place of its own, and must find what we add all the same.

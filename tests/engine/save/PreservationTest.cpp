@@ -10,9 +10,9 @@ namespace {
 
 /// Object numbers change with each save, and nothing refers to them from outside.
 QJsonValue WithoutNumbers(const QJsonValue& value) {
-    static const QRegularExpression reference(QStringLiteral("\\b\\d+ \\d+ R\\b"));
+    static const QRegularExpression reference("\\b\\d+ \\d+ R\\b");
     if (value.isString())
-        return value.toString().replace(reference, QStringLiteral("R"));
+        return value.toString().replace(reference, "R");
     if (value.isArray()) {
         QJsonArray items;
         for (const QJsonValue& item : value.toArray())
@@ -66,11 +66,10 @@ QMap<QString, QByteArray> PartsOf(const string& path) {
             QJsonDocument(QJsonObject{{"part", WithoutNumbers(json.value(QLatin1String(part)))}}).toJson();
     int links = 0;
     int structureElements = 0;
-    for (const QJsonValue& object : json.value(QStringLiteral("qpdf")).toArray().at(1).toObject()) {
-        const QJsonObject dict = object.toObject().value(QStringLiteral("value")).toObject();
-        links += dict.value(QStringLiteral("/Subtype")).toString() == u"/Link";
-        structureElements += dict.contains(QStringLiteral("/S")) && dict.contains(QStringLiteral("/P")) &&
-                             dict.contains(QStringLiteral("/K"));
+    for (const QJsonValue& object : json.value("qpdf").toArray().at(1).toObject()) {
+        const QJsonObject dict = object.toObject().value("value").toObject();
+        links += dict.value("/Subtype").toString() == u"/Link";
+        structureElements += dict.contains("/S") && dict.contains("/P") && dict.contains("/K");
     }
     parts["links"] = QByteArray::number(links);
     parts["tags"] = QByteArray::number(structureElements);
@@ -83,7 +82,7 @@ QMap<QString, QByteArray> PartsOf(const string& path) {
 TEST_F(TCorpus, AddingTextKeepsEverythingElse) {
     constexpr int MostPages = 1000; // qpdf's description of more takes minutes
     const TWorkspace files;
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string out = files.Path("out.pdf");
     int compared = 0;
     for (const TCorpusFile& file : CorpusFiles({"ok"})) {
         SCOPED_TRACE(file.Path.toStdString());
@@ -92,7 +91,7 @@ TEST_F(TCorpus, AddingTextKeepsEverythingElse) {
         TZQPDFDocument document(nullptr);
         document.OpenFromFile(file.Path, {});
         for (int i = 0; i < document.GetPageCount(); ++i)
-            (new TZQPDFText(&document.Pages().getItem(i).Layers()))->SetText(QStringLiteral("added"));
+            (new TZQPDFText(&document.Pages().getItem(i).Layers()))->SetText("added");
         document.SaveToPath(out, /*keepSource*/ true, /*takeName*/ false);
         EXPECT_LE(QpdfCheck(out), file.QpdfExit);
         const auto before = PartsOf(file.Path);
@@ -126,16 +125,16 @@ TEST(TPreservation, OnePageOfManyTakesItsOwnPictureOnly) {
     }
     objects[1] = "<< /Type /Pages /Count " + QByteArray::number(Pages) + " /Kids [" + kids + "] >>";
     objects[2] = "<< /XObject << " + pictures + ">> >>";
-    files.Write(QStringLiteral("in.pdf"), PdfOf(objects));
+    files.Write("in.pdf", PdfOf(objects));
     TZQPDFDocument source(nullptr);
-    source.OpenFromFile(files.Path(QStringLiteral("in.pdf")), {});
+    source.OpenFromFile(files.Path("in.pdf"), {});
     TZQPDFDocument target(nullptr);
     ASSERT_EQ(target.ImportPagesFrom(source, "150", -1), 1);
     target.DeletePage(0);
-    const string out = files.Path(QStringLiteral("out.pdf"));
+    const string out = files.Path("out.pdf");
     target.SaveCopyToFile(out, /*keepSource*/ true, /*takeName*/ false);
     EXPECT_EQ(QpdfCheck(out), 0);
-    EXPECT_EQ(CountOfType(out, QStringLiteral("/XObject")), 1);
+    EXPECT_EQ(CountOfType(out, "/XObject"), 1);
     EXPECT_LT(QFileInfo(out).size(), 2 * PictureBytes);
 }
 

@@ -7,7 +7,7 @@
 namespace {
 
 struct TRewrite : TDocumentTest {
-    void AddText(const string& text = QStringLiteral("x"), const NarrowString& font = "Arial", float y = 50) {
+    void AddText(const string& text = "x", const NarrowString& font = "Arial", float y = 50) {
         auto* line = new TZQPDFText(&Document.Pages().getItem(0).Layers());
         line->SetText(text);
         line->SetFontName(font);
@@ -19,9 +19,9 @@ struct TRewrite : TDocumentTest {
         AddText(text, font, y);
         Save();
         EXPECT_EQ(QpdfCheck(Out), 0);
-        return CountOfType(Out, QStringLiteral("/FontDescriptor"));
+        return CountOfType(Out, "/FontDescriptor");
     }
-    [[nodiscard]] QByteArray Header() const { return Files.Read(QStringLiteral("out.pdf")).left(8); }
+    [[nodiscard]] QByteArray Header() const { return Files.Read("out.pdf").left(8); }
     [[nodiscard]] qsizetype WarningsWith(const char* word) const {
         const TPDFWarnings all = Document.Warnings();
         return std::count_if(all.begin(), all.end(), [word](const TPDFWarning& warning) {
@@ -40,8 +40,8 @@ TEST_F(TRewrite, TheHeaderRisesAsFarAsWhatWasAddedNeeds) {
     Save();
     EXPECT_EQ(Header(), "%PDF-1.2");
     Open(old);
-    new TZQPDFStampAnnotation(Document, &Document.Pages().getItem(0).Layers(), 9, 9, 0, 0, 0,
-                              QStringLiteral("Stamp"), {}, 16);
+    new TZQPDFStampAnnotation(Document, &Document.Pages().getItem(0).Layers(), 9, 9, 0, 0, 0, "Stamp", {},
+                              16);
     Save();
     EXPECT_EQ(Header(), "%PDF-1.3");
     Open(old);
@@ -49,8 +49,8 @@ TEST_F(TRewrite, TheHeaderRisesAsFarAsWhatWasAddedNeeds) {
     Save();
     EXPECT_EQ(Header(), "%PDF-1.6");
     Open(old);
-    MakePdf(Files.Path(QStringLiteral("other.pdf")), 1); // 1.5, and so may be what its page uses
-    Document.ImportPagesFromDocument(Files.Path(QStringLiteral("other.pdf")), {}, {}, 1, false);
+    MakePdf(Files.Path("other.pdf"), 1); // 1.5, and so may be what its page uses
+    Document.ImportPagesFromDocument(Files.Path("other.pdf"), {}, {}, 1, false);
     Save();
     EXPECT_EQ(Header(), "%PDF-1.5");
 }
@@ -119,7 +119,7 @@ TEST_F(TRewrite, PagesThatXfaViewersDoNotShowAreTold) {
     for (const auto& c : cases) {
         SCOPED_TRACE((c.Catalog + c.Packet).toStdString());
         Open(PdfWithCatalog(c.Catalog, {c.Packet}));
-        Document.SetInfoString("Title", QStringLiteral("new"), false);
+        Document.SetInfoString("Title", "new", false);
         Save();
         EXPECT_EQ(WarningsWith("XFA"), 0) << "no page was changed";
         AddText();
@@ -139,10 +139,9 @@ TEST_F(TRewrite, NestedMetadataStaysAsItIs) {
     Open(PdfWithCatalog("/Metadata 4 0 R", {metadata, metadata})
              .replace("/MediaBox", "/Metadata 5 0 R /MediaBox"));
     Save();
-    EXPECT_EQ(Files.Read(QStringLiteral("out.pdf")).count(packed), 1) << "the document's own is plain";
+    EXPECT_EQ(Files.Read("out.pdf").count(packed), 1) << "the document's own is plain";
     const QJsonObject objects = PdfObjects(Out);
-    const QString own = "obj:" + PageDicts(Out)[0]["/Metadata"].toString();
-    EXPECT_EQ(objects[own].toObject()["stream"].toObject()["dict"].toObject()["/Filter"], "/FlateDecode");
+    EXPECT_EQ(DictOf(objects, PageDicts(Out)[0]["/Metadata"])["/Filter"], "/FlateDecode");
 }
 
 TEST_F(TRewrite, NewFormatsTellAboutThemselvesByThePacketAlone) {
@@ -159,8 +158,8 @@ TEST_F(TRewrite, NewFormatsTellAboutThemselvesByThePacketAlone) {
     for (const auto& c : cases) {
         SCOPED_TRACE((c.Catalog + c.Version).toStdString());
         Open(PdfWithCatalog(c.Catalog, c.Objects, c.Version));
-        Document.SetInfoString("Title", QStringLiteral("Täglich"), false);
-        Document.SetInfoString("Author", QStringLiteral("Me"), false);
+        Document.SetInfoString("Title", "Täglich", false);
+        Document.SetInfoString("Author", "Me", false);
         Save();
         const QJsonObject trailer = PdfObjects(Out)["trailer"].toObject()["value"].toObject();
         EXPECT_EQ(trailer.contains("/Info"), c.HasInfo);
@@ -201,7 +200,7 @@ TEST_F(TRewrite, ALaterRunUsesAndGrowsTheFontsOfAnEarlierOne) {
         Open(SamplePdf(1));
         AddText(QString::fromUtf8(c.First), c.Font);
         Save();
-        const int fonts = CountOfType(Out, QStringLiteral("/FontDescriptor"));
+        const int fonts = CountOfType(Out, "/FontDescriptor");
         const auto sizeBefore = QFileInfo(Out).size();
         EXPECT_EQ(FontsAfter(QString::fromUtf8(c.Within), c.Font, 150), fonts);
         EXPECT_LT(QFileInfo(Out).size(), sizeBefore + 1500);
@@ -214,9 +213,9 @@ TEST_F(TRewrite, ALaterRunUsesAndGrowsTheFontsOfAnEarlierOne) {
 
 TEST_F(TRewrite, AFontThatIsNotOursToTheLastByteIsLeftAlone) {
     Open(SamplePdf(1));
-    AddText(QStringLiteral("Hello"));
+    AddText("Hello");
     Save();
-    const QByteArray good = Files.Read(QStringLiteral("out.pdf"));
+    const QByteArray good = Files.Read("out.pdf");
     for (const auto& [ours, other] : {std::pair<QByteArray, QByteArray>("/W [", "/X ["),
                                       {"/Identity-H", "/Identity-V"},
                                       {"/FontFile2", "/FontFile3"},
@@ -224,20 +223,19 @@ TEST_F(TRewrite, AFontThatIsNotOursToTheLastByteIsLeftAlone) {
                                       {"+LiberationSans", "+LiberationSanz"}}) {
         SCOPED_TRACE(other.toStdString());
         ASSERT_TRUE(good.contains(ours));
-        Files.Write(QStringLiteral("out.pdf"), QByteArray(good).replace(ours, other));
-        EXPECT_EQ(FontsAfter(QStringLiteral("Hell"), "Arial", 150), 2);
+        Files.Write("out.pdf", QByteArray(good).replace(ours, other));
+        EXPECT_EQ(FontsAfter("Hell", "Arial", 150), 2);
     }
     // What another program has packed anew may hold the same, but isn't looked into.
-    Files.Write(QStringLiteral("out.pdf"), good);
-    RunProgram(QStringLiteral("qpdf"),
-               {"--recompress-flate", "--compression-level=1", Out, "--replace-input"});
-    EXPECT_EQ(FontsAfter(QStringLiteral("Hell"), "Arial", 150), 2);
+    Files.Write("out.pdf", good);
+    RunProgram("qpdf", {"--recompress-flate", "--compression-level=1", Out, "--replace-input"});
+    EXPECT_EQ(FontsAfter("Hell", "Arial", 150), 2);
 }
 
 TEST_F(TRewrite, SubsetsInPdfA1SayWhatTheyHold) {
     for (const int part : {1, 2}) {
         Open(PdfWithCatalog("/Metadata 4 0 R", {PdfAMetadata(part)}, "1.4"));
-        AddText(QStringLiteral("é")); // made of two others
+        AddText("é"); // made of two others
         Save();
         const QJsonObject objects = PdfObjects(Out);
         QString set;
@@ -246,10 +244,9 @@ TEST_F(TRewrite, SubsetsInPdfA1SayWhatTheyHold) {
                 set = dict["/CIDSet"].toString();
         EXPECT_EQ(!set.isEmpty(), part == 1);
         if (part == 1) {
-            const QByteArray bits =
-                RunProgram(QStringLiteral("qpdf"),
-                           {"--filtered-stream-data", "--show-object=" + set.section(u' ', 0, 0), Out})
-                    .Out;
+            const QByteArray bits = RunProgram("qpdf", {"--filtered-stream-data",
+                                                        "--show-object=" + set.section(u' ', 0, 0), Out})
+                                        .Out;
             int glyphs = 0;
             for (const char byte : bits)
                 glyphs += qPopulationCount(quint8(byte));

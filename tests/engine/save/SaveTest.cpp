@@ -19,15 +19,14 @@ QByteArray WithMetadata(const QByteArray& metadata, const QByteArray& info = "<<
 TEST_F(TSaveCase, InformationIsWrittenInAnyScriptAndDatesAreRenewed) {
     Open(SamplePdf(1, {.Title = "Old"}));
     EXPECT_EQ(Document.GetInfoString("Title"), "Old");
-    Document.SetInfoString("Title", QStringLiteral("Überschrift 題名 \U0001F600"), false);
-    Document.SetInfoString("Author", QStringLiteral("A (B) \\ C"), false);
-    Document.SetInfoString("Title", QStringLiteral("ignored"), /*keepExisting*/ true);
+    Document.SetInfoString("Title", "Überschrift 題名 \U0001F600", false);
+    Document.SetInfoString("Author", "A (B) \\ C", false);
+    Document.SetInfoString("Title", "ignored", /*keepExisting*/ true);
     EXPECT_TRUE(Document.GetModified());
     Save();
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Title")), QStringLiteral("Überschrift 題名 \U0001F600"));
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Author")), "A (B) \\ C");
-    const QDateTime written = QDateTime::fromString(
-        PdfInfo(Out, QStringLiteral("ModDate"), {QStringLiteral("-isodates")}), Qt::ISODate);
+    EXPECT_EQ(PdfInfo(Out, "Title"), "Überschrift 題名 \U0001F600");
+    EXPECT_EQ(PdfInfo(Out, "Author"), "A (B) \\ C");
+    const QDateTime written = QDateTime::fromString(PdfInfo(Out, "ModDate", {"-isodates"}), Qt::ISODate);
     EXPECT_LT(qAbs(written.secsTo(QDateTime::currentDateTime())), 60);
     EXPECT_TRUE(Document.GetModified()) << "only a save that takes the name clears the state";
 
@@ -35,7 +34,7 @@ TEST_F(TSaveCase, InformationIsWrittenInAnyScriptAndDatesAreRenewed) {
     again.OpenFromFile(Out, {});
     again.SetInfoString("Author", {}, false);
     again.SaveToPath(Out, true, false);
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Author")), "");
+    EXPECT_EQ(PdfInfo(Out, "Author"), "");
 }
 
 TEST_F(TSaveCase, TheFirstHalfOfTheIdStaysAndTheSecondIsRenewed) {
@@ -54,7 +53,7 @@ TEST_F(TSaveCase, AFreeNameReplacesNothingWhateverTheName) {
     for (const char* name : {"a (final).pdf", ".hidden.pdf", "linked.pdf"}) {
         const TWorkspace place;
         if (name == QByteArray("linked.pdf"))
-            QFile::link(QStringLiteral("elsewhere.pdf"), place.Path(QLatin1String(name)));
+            QFile::link("elsewhere.pdf", place.Path(QLatin1String(name)));
         for (int i = 0; i < 4; ++i) {
             Open(SamplePdf(1 + i));
             Document.SaveToFreeName(place.Path(QLatin1String(name)));
@@ -62,7 +61,7 @@ TEST_F(TSaveCase, AFreeNameReplacesNothingWhateverTheName) {
         QStringList pages;
         for (const string& made : place.Names())
             if (place.Has(made))
-                pages.append(PdfInfo(place.Path(made), QStringLiteral("Pages")));
+                pages.append(PdfInfo(place.Path(made), "Pages"));
         pages.sort();
         EXPECT_EQ(pages, QStringList({"1", "2", "3", "4"})) << name;
     }
@@ -74,7 +73,7 @@ TEST_F(TSaveCase, StreamsAreCopiedAsTheyStand) {
                 "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 99 99] /Contents 4 0 R >>",
                 StreamOf(badlyDeflated, "/Filter /FlateDecode")}));
     Save();
-    EXPECT_TRUE(Files.Read(QStringLiteral("out.pdf")).contains(badlyDeflated));
+    EXPECT_TRUE(Files.Read("out.pdf").contains(badlyDeflated));
 }
 
 TEST_F(TSaveCase, XmpIsKeptInStepAndEverythingElseInIt) {
@@ -86,16 +85,16 @@ TEST_F(TSaveCase, XmpIsKeptInStepAndEverythingElseInIt) {
         "<rdf:Description rdf:about=\"\" xmlns:pdf=\"http://ns.adobe.com/pdf/1.3/\" pdf:Keywords=\"old\" "
         "xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\" xmp:ModifyDate=\"2001-01-01T00:00:00Z\"/>";
     Open(WithMetadata(XmpPacket(titleElement + attributes)));
-    Document.SetInfoString("Title", QStringLiteral("New <&> Ω"), false);
-    Document.SetInfoString("Keywords", QStringLiteral("a, b"), false);
-    Document.SetInfoString("Author", QStringLiteral("M\x01o\uFFFF"), false); // with what XML can't hold
+    Document.SetInfoString("Title", "New <&> Ω", false);
+    Document.SetInfoString("Keywords", "a, b", false);
+    Document.SetInfoString("Author", "M\x01o\uFFFF", false); // with what XML can't hold
     Save();
     EXPECT_EQ(QpdfCheck(Out), 0);
     TZQPDFDocument saved(nullptr);
     saved.OpenFromFile(Out, {});
     const NarrowString xmp = saved.GetXMLMetaData();
-    const string path = Files.Write(QStringLiteral("xmp.xml"), xmp);
-    EXPECT_EQ(RunProgram(QStringLiteral("xmllint"), {QStringLiteral("--noout"), path}).Exit, 0);
+    const string path = Files.Write("xmp.xml", xmp);
+    EXPECT_EQ(RunProgram("xmllint", {"--noout", path}).Exit, 0);
     for (const char* kept :
          {"<?xpacket begin=", "<?xpacket end=\"w\"?>", "pdfaid:part=\"2\"", "New &lt;&amp;&gt; Ω</rdf:li>",
           "<rdf:Seq><rdf:li>Mo</rdf:li></rdf:Seq>", "<pdf:Keywords>a, b</pdf:Keywords>"})
@@ -110,11 +109,11 @@ TEST_F(TSaveCase, XmpThatCannotBeReadIsLeftAlone) {
          {QByteArray("<x:xmpmeta"), QByteArray("no packet"),
           QByteArray("<!DOCTYPE a [<!ENTITY b \"bbbbbbbbbb\"><!ENTITY c \"&b;&b;&b;\">]><a>&c;</a>")}) {
         Open(WithMetadata(broken));
-        Document.SetInfoString("Title", QStringLiteral("New"), false);
+        Document.SetInfoString("Title", "New", false);
         Save();
-        EXPECT_TRUE(Files.Read(QStringLiteral("out.pdf")).contains(broken)) << broken.toStdString();
+        EXPECT_TRUE(Files.Read("out.pdf").contains(broken)) << broken.toStdString();
         EXPECT_TRUE(Document.Warnings().Has(TWarningKind::MetadataUnreadable));
-        EXPECT_EQ(PdfInfo(Out, QStringLiteral("Title")), "New");
+        EXPECT_EQ(PdfInfo(Out, "Title"), "New");
     }
 }
 
@@ -123,10 +122,10 @@ TEST_F(TSaveCase, XmpCanBeSetAndRemoved) {
     EXPECT_EQ(Document.GetXMLMetaData(), "");
     Document.SetXMLMetaData(XmpPacket("<rdf:Description rdf:about=\"\"/>"));
     Save();
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Metadata Stream")), "yes");
+    EXPECT_EQ(PdfInfo(Out, "Metadata Stream"), "yes");
     Document.SetXMLMetaData({});
     Save();
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Metadata Stream")), "no");
+    EXPECT_EQ(PdfInfo(Out, "Metadata Stream"), "no");
 }
 
 TEST_F(TSaveCase, ViewSettingsRoundTripThroughTheNamesOfTheStandard) {
@@ -164,7 +163,7 @@ TEST_F(TSaveCase, TheTargetMayBeItsOwnSourceAndTheDocumentStaysUsable) {
         Open(SamplePdf(3));
         TZQPDFPage& second = Document.Pages().getItem(1);
         for (int i = 0; i < 3; ++i) {
-            Document.RotatePages(QStringLiteral("2"), 90);
+            Document.RotatePages("2", 90);
             Document.SaveToPath(In, keepSource, /*takeName*/ true);
             EXPECT_FALSE(Document.GetModified());
             EXPECT_EQ(&Document.Pages().getItem(1), &second) << "pages keep their identity";
@@ -196,14 +195,14 @@ TEST_F(TSaveCase, TheBooleansOfTheSavePair) {
 
 TEST_F(TSaveCase, PublishingReplacesAndTakesTheModeOfTheSource) {
     Open(SamplePdf(1));
-    Files.Write(QStringLiteral("out.pdf"), "old");
+    Files.Write("out.pdf", "old");
     ::chmod(In.toUtf8().constData(), 0640);
     Save();
     struct stat info {};
     ASSERT_EQ(::stat(Out.toUtf8().constData(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0640U);
     EXPECT_EQ(QpdfCheck(Out), 0);
-    EXPECT_THROW(Document.SaveToPath(Files.Path(QStringLiteral("missing/out.pdf")), true, false), EFileError);
+    EXPECT_THROW(Document.SaveToPath(Files.Path("missing/out.pdf"), true, false), EFileError);
     EXPECT_EQ(Files.Names(), (QStringList{"in.pdf", "out.pdf"}));
     Save(); // usable after a failure
 }
@@ -215,17 +214,17 @@ TEST_F(TSaveCase, ASourceThatWasCutShortMeanwhileIsNeverPublishedAsDamage) {
     Open(pdf);
     QFile::resize(In, 2 << 20);
     EXPECT_ANY_THROW(Save());
-    EXPECT_FALSE(Files.Has(QStringLiteral("out.pdf")));
+    EXPECT_FALSE(Files.Has("out.pdf"));
 }
 
 TEST_F(TSaveCase, ANewDocumentIsAFileLikeAnyOther) {
-    Document.SetInfoString("Title", QStringLiteral("Blank"), false);
+    Document.SetInfoString("Title", "Blank", false);
     Document.InsertPages(1, 1, 200, 100, false);
     Save();
     EXPECT_EQ(QpdfCheck(Out), 0);
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Pages")), "2");
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Page size")), "595.276 x 841.89 pts (A4)");
-    EXPECT_EQ(PdfInfo(Out, QStringLiteral("Title")), "Blank");
+    EXPECT_EQ(PdfInfo(Out, "Pages"), "2");
+    EXPECT_EQ(PdfInfo(Out, "Page size"), "595.276 x 841.89 pts (A4)");
+    EXPECT_EQ(PdfInfo(Out, "Title"), "Blank");
 }
 
 TEST_F(TSaveCase, LockedChangesAreSavedButNotReported) {

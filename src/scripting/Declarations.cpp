@@ -1,4 +1,4 @@
-#include "scripting/Signatures.h"
+#include "scripting/Declarations.h"
 
 #include <QStringList>
 
@@ -12,7 +12,7 @@ string ParameterList(const QMetaMethod& method) {
     return parameters.isEmpty() ? string() : u'(' + parameters.join(QStringLiteral(", ")) + u')';
 }
 
-string MethodSignature(const QMetaMethod& method) {
+string MethodDeclaration(const QMetaMethod& method) {
     string text =
         QStringLiteral("function %1 ").arg(QString::fromLatin1(method.name())) + ParameterList(method);
     if (method.returnType() != QMetaType::Void)

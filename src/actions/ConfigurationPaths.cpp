@@ -1,4 +1,4 @@
-#include "actions/ConfigurationFiles.h"
+#include "actions/ConfigurationPaths.h"
 
 #include "base/Paths.h"
 #include "base/Settings.h"

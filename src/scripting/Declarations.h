@@ -8,4 +8,4 @@
 [[nodiscard]] string ParameterList(const QMetaMethod& method);
 
 /// "function SaveAs (fileName: string) Boolean;", and "function Save  Boolean;" without parameters.
-[[nodiscard]] string MethodSignature(const QMetaMethod& method);
+[[nodiscard]] string MethodDeclaration(const QMetaMethod& method);
