@@ -86,7 +86,7 @@ void Put(QCborMap& message, const TOutcome& outcome) {
 TOutcome OutcomeOf(const QCborMap& message) {
     TOutcome outcome;
     outcome.State = InRange(message.value(State), TOutcomeState::Stopped, TOutcomeState::Failed);
-    for (const QCborValue& value : message.value(Reasons).toArray()) {
+    for (const auto& value : message.value(Reasons).toArray()) {
         const QCborArray reason = value.toArray();
         outcome.Reasons.append({InRange(reason.at(0), TReasonCode::Other, TReasonCode::Other),
                                 reason.at(1).toString(), reason.at(2).toString()});

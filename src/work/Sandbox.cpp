@@ -224,7 +224,7 @@ bool AddRules(scmp_filter_ctx filter, TReach reach) {
 }
 
 bool EnterSeccomp(TReach reach) {
-    const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ERRNO(EPERM));
+    scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ERRNO(EPERM));
     if (filter == nullptr)
         return false;
     const bool entered = AddRules(filter, reach) && seccomp_load(filter) == 0;

@@ -22,6 +22,12 @@
 
 namespace {
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool Sanitized = true; // takes more memory than any limit grants
+#else
+constexpr bool Sanitized = false;
+#endif
+
 /// Waits on a thread of its own, so that a stop reaches work that goes on, and the agent's death ends it.
 void HoldLeash(const TDescriptor& leash) {
     DescribeThisThread("leash", TThreadPriority::Normal);
@@ -145,7 +151,7 @@ private:
     /// What the process may have as data, in MB; the soft limit, so that the next file may have more.
     static void LimitMemory(qint64 megabytes) {
         rlimit limit{};
-        if (megabytes <= 0 || ::getrlimit(RLIMIT_DATA, &limit) != 0)
+        if (Sanitized || megabytes <= 0 || ::getrlimit(RLIMIT_DATA, &limit) != 0)
             return;
         limit.rlim_cur = std::min(rlim_t(megabytes) << 20, limit.rlim_max);
         (void)::setrlimit(RLIMIT_DATA, &limit);
