@@ -2,56 +2,36 @@
 
 #include "base/Exceptions.h"
 #include "base/Module.h"
+#include "platform/ProcessLimits.h"
+#include "platform/SpawnSettings.h"
 #include "work/Worker.h"
 
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-/// What a new process begins with: signals as they come, and its end of the channel.
-struct TStart {
-    TStart(int socket, int leash) {
-        ::posix_spawnattr_init(&Attributes);
-        ::posix_spawn_file_actions_init(&Files);
-        sigset_t all;
-        sigset_t none;
-        ::sigfillset(&all);
-        ::sigemptyset(&none);
-        ::posix_spawnattr_setsigdefault(&Attributes, &all);
-        ::posix_spawnattr_setsigmask(&Attributes, &none);
-        ::posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-        ::posix_spawn_file_actions_addopen(&Files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        // By way of numbers that nothing is moved to: one may stand where another is to come.
-        const QList<int> modules = HeldModules();
-        Move(socket, WorkerSocket);
-        Move(leash, WorkerLeash);
-        for (int i = 0; i < ModuleCount; ++i)
-            if (modules.at(i) >= 0)
-                Move(modules.at(i), WorkerModules + i);
-        for (const auto& [from, to] : Moves)
-            ::posix_spawn_file_actions_adddup2(&Files, from.Number(), to);
-    }
-    ~TStart() {
-        ::posix_spawn_file_actions_destroy(&Files);
-        ::posix_spawnattr_destroy(&Attributes);
-    }
-    TStart(const TStart&) = delete;
-    TStart& operator=(const TStart&) = delete;
+/// The same open file under a number that nothing is moved to.
+TDescriptor Apart(int file) {
+    return TDescriptor(::fcntl(file, F_DUPFD_CLOEXEC, WorkerModules + ModuleCount));
+}
 
-    /// The same open file under a number that nothing is moved to.
-    [[nodiscard]] static TDescriptor Apart(int file) {
-        return TDescriptor(::fcntl(file, F_DUPFD_CLOEXEC, WorkerModules + ModuleCount));
+/// Files that a new process finds under numbers of its own. They go there by way of numbers that nothing is
+/// moved to: one may stand where another is to come.
+class TMoves {
+public:
+    explicit TMoves(TSpawnSettings& settings) : FSettings(settings) {}
+    void Move(int from, int to) {
+        const TDescriptor& apart = FApart.emplace_back(Apart(from));
+        ::posix_spawn_file_actions_adddup2(&FSettings.Files, apart.Number(), to);
     }
-    void Move(int from, int to) { Moves.emplace_back(Apart(from), to); }
 
-    std::vector<std::pair<TDescriptor, int>> Moves;
-    posix_spawnattr_t Attributes{};
-    posix_spawn_file_actions_t Files{};
+private:
+    TSpawnSettings& FSettings;
+    std::vector<TDescriptor> FApart; // until the process has them
 };
 
 } // namespace
@@ -65,17 +45,25 @@ TWorkerProcess::TWorkerProcess(const TDescriptor& program, TReach reach) {
         throw EFileError(QStringLiteral("make"), QStringLiteral("pipe"), errno);
     const TDescriptor held(leash[0]);
     FLeash = TDescriptor(leash[1]);
-    const TStart start(theirs.Number(), held.Number());
-    const TDescriptor apart = TStart::Apart(program.Number());
+    TSpawnSettings settings(TProcessGroup::OfParent);
+    TMoves moves(settings);
+    moves.Move(theirs.Number(), WorkerSocket);
+    moves.Move(held.Number(), WorkerLeash);
+    const QList<int> modules = HeldModules();
+    for (int i = 0; i < ModuleCount; ++i)
+        if (modules.at(i) >= 0)
+            moves.Move(modules.at(i), WorkerModules + i);
+    const TDescriptor apart = Apart(program.Number());
     const QByteArray path = "/proc/self/fd/" + QByteArray::number(apart.Number());
     char name[] = "morvane-worker";
     QByteArray argument = QByteArray::number(int(reach));
-    char* const arguments[] = {name, argument.data(), nullptr};
+    QByteArray limit = QByteArray::number(FormerDescriptorLimit());
+    char* const arguments[] = {name, argument.data(), limit.data(), nullptr};
     const int error =
-        ::posix_spawn(&FProcess, path.constData(), &start.Files, &start.Attributes, arguments, environ);
+        ::posix_spawn(&FProcess, path.constData(), &settings.Files, &settings.Attributes, arguments, environ);
     if (error != 0)
         throw EFileError(QStringLiteral("start"), QStringLiteral("morvane-worker"), error);
-    FChannel = std::make_shared<TChannel>(std::move(ours));
+    FChannel = std::make_shared<TChannel>(std::move(ours), TChannel::MostToAgent);
 }
 
 TWorkerProcess::~TWorkerProcess() {

@@ -32,6 +32,7 @@ constexpr qint64 RestsAfter = 60'000; // ms
 constexpr qint64 StopTakes = 4'000;   // ms
 constexpr qint64 LongestWait = 1'000; // ms
 constexpr qint64 LeastMemory = 512;   // MB
+constexpr int MostLines = 8;          // that one file has in the run log; no work of ours writes more
 
 string XmlOf(const TPDFActionManager& lists) {
     QBuffer buffer;
@@ -70,6 +71,7 @@ struct TWorkers::TWorker {
     TJob* Job = nullptr;  // at work
     qint64 Limit = Never; // of the work, by the steady clock
     qint64 Left = 0;      // of the time for the work, while a user is asked
+    int Lines = 0;        // of the run log, for the job
     qint64 IdleSince = 0;
     std::shared_ptr<std::atomic<bool>> Answered = {}; // set while a user is asked: he has answered
     std::future<void> Question = {};
@@ -139,6 +141,7 @@ void TWorkers::Begin(TJob& job) {
     try {
         TWorker& worker = Idle(ReachFor(job.List));
         worker.Job = &job;
+        worker.Lines = 0;
         const TPDFFolderPolicy& policy = job.Work.Policy;
         worker.Limit = Now() + qint64(SecondsFor(job)) * 1000;
         TChannel& channel = *worker.Process->Channel();
@@ -158,7 +161,6 @@ void TWorkers::Begin(TJob& job) {
     } catch (const EFileError& e) {
         job.Outcome = NoWorker(e.Message(), e.Error());
     }
-    TellWorkers();
 }
 
 /// Handed over with the work where one will be wanted: that saves asking for it. Where it can't be made, the
@@ -175,6 +177,7 @@ void TWorkers::PrepareResult(TJob& job) {
 
 void TWorkers::WaitForNews() {
     RetryLost();
+    TellWorkers();
     std::vector<pollfd> waited;
     std::vector<TWorker*> waiting;
     for (const auto& worker : FWorkers)
@@ -194,7 +197,6 @@ void TWorkers::WaitForNews() {
             Hear(*waiting[i]);
     EndOverdue();
     ForgetEnded();
-    TellWorkers();
 }
 
 int TWorkers::MillisecondsToWait() const {
@@ -255,7 +257,8 @@ void TWorkers::Handle(TWorker& worker, const TChannelMessage& message) {
         return;
     switch (kind) {
     case TMessageKind::Log:
-        worker.Job->Log(text);
+        if (++worker.Lines <= MostLines)
+            worker.Job->Log(text);
         break;
     case TMessageKind::Hint:
         worker.Job->Hint(text);
@@ -265,7 +268,8 @@ void TWorkers::Handle(TWorker& worker, const TChannelMessage& message) {
         break;
     case TMessageKind::Box:
     case TMessageKind::Password:
-        AskUser(worker, message.Body);
+        if (worker.Reach == TReach::Programs) // only scripts ask; another was taken over
+            AskUser(worker, message.Body);
         break;
     case TMessageKind::Done:
         TakeOutcome(worker, OutcomeOf(message.Body));

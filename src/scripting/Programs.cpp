@@ -1,7 +1,8 @@
 #include "scripting/Programs.h"
 
 #include "base/Paths.h"
-#include "platform/DescriptorLimit.h"
+#include "platform/ProcessLimits.h"
+#include "platform/SpawnSettings.h"
 #include "platform/StopSignal.h"
 
 #include <QDir>
@@ -43,36 +44,6 @@ TUnawaited& Unawaited() {
     static TUnawaited programs;
     return programs;
 }
-
-/// What a new program finds: default signals, nothing to read, a group of its own.
-class TSpawnSettings {
-public:
-    explicit TSpawnSettings(const QByteArray& folder) {
-        ::posix_spawnattr_init(&Attributes);
-        ::posix_spawn_file_actions_init(&Files);
-        sigset_t all;
-        sigset_t none;
-        ::sigfillset(&all);
-        ::sigemptyset(&none);
-        ::posix_spawnattr_setsigdefault(&Attributes, &all);
-        ::posix_spawnattr_setsigmask(&Attributes, &none);
-        ::posix_spawnattr_setpgroup(&Attributes, 0);
-        ::posix_spawnattr_setflags(&Attributes,
-                                   POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
-        ::posix_spawn_file_actions_addopen(&Files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        if (!folder.isEmpty())
-            ::posix_spawn_file_actions_addchdir_np(&Files, folder.constData());
-    }
-    ~TSpawnSettings() {
-        ::posix_spawn_file_actions_destroy(&Files);
-        ::posix_spawnattr_destroy(&Attributes);
-    }
-    TSpawnSettings(const TSpawnSettings&) = delete;
-    TSpawnSettings& operator=(const TSpawnSettings&) = delete;
-
-    posix_spawnattr_t Attributes{};
-    posix_spawn_file_actions_t Files{};
-};
 
 /// Signalled when the process has ended.
 class TProcessEnd : public TWaitable {
@@ -130,7 +101,10 @@ TStartedProgram StartProgram(const string& path, const QStringList& arguments, c
     for (QByteArray& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
-    const TSpawnSettings settings(PathBytes(folder));
+    TSpawnSettings settings(TProcessGroup::OfItsOwn);
+    if (!folder.isEmpty())
+        ::posix_spawn_file_actions_addchdir_np(&settings.Files, PathBytes(folder).constData());
+    const TFormerMemoryLimit memory;
     TStartedProgram started;
     started.Error = ::posix_spawn(&started.Process, words.front().constData(), &settings.Files,
                                   &settings.Attributes, pointers.data(), environ);

@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr quint32 MostBytes = 256U << 20; // the lists of a configuration are the largest there is
 constexpr qsizetype LengthBytes = 4;
 constexpr timeval Patience{10, 0};
 constexpr size_t MostFiles = 2;
@@ -115,7 +114,7 @@ bool TChannel::Fill() {
 }
 
 bool TChannel::IsSound() const {
-    return FArrived.size() < LengthBytes || qFromLittleEndian<quint32>(FArrived.constData()) <= MostBytes;
+    return FArrived.size() < LengthBytes || qFromLittleEndian<quint32>(FArrived.constData()) <= FMostBytes;
 }
 
 std::optional<TChannelMessage> TChannel::Next() {

@@ -16,7 +16,13 @@ struct TChannelMessage {
 
 class TChannel {
 public:
-    explicit TChannel(TDescriptor socket) : FSocket(std::move(socket)) {}
+    /// A message of more than `mostBytes` is none.
+    explicit TChannel(TDescriptor socket, quint32 mostBytes)
+        : FSocket(std::move(socket)), FMostBytes(mostBytes) {}
+    /// The lists of a configuration are the largest that a worker gets; what it says itself is short.
+    static constexpr quint32 MostToWorker = 256U << 20;
+    static constexpr quint32 MostToAgent = 4U << 20;
+
     /// Two that are connected with each other; neither is inherited. Raises EFileError.
     static void MakePair(TDescriptor& one, TDescriptor& other);
 
@@ -39,6 +45,7 @@ private:
     [[nodiscard]] bool IsSound() const;
 
     TDescriptor FSocket;
+    quint32 FMostBytes;
     std::mutex FSending;
     QByteArray FLater;
     QByteArray FArrived;

@@ -5,6 +5,7 @@
 #include "base/Interrupt.h"
 #include "base/Journal.h"
 #include "platform/MessageBox.h"
+#include "platform/ProcessLimits.h"
 #include "platform/StopSignal.h"
 #include "platform/WorkerThread.h"
 #include "scripting/AskForPassword.h"
@@ -17,7 +18,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -43,7 +43,8 @@ void HoldLeash(const TDescriptor& leash) {
 
 class TWorker : public TWorkHost, public TMessageBoxHost, public TPasswordPrompt {
 public:
-    TWorker(TDescriptor socket, string sandbox) : FSandbox(std::move(sandbox)), FChannel(std::move(socket)) {
+    TWorker(TDescriptor socket, string sandbox)
+        : FSandbox(std::move(sandbox)), FChannel(std::move(socket), TChannel::MostToWorker) {
         SetInterruptTest([] { return StopSignal().IsOverdue(); });
         SetMessageBoxHost(this);
         SetPasswordPrompt(this);
@@ -138,7 +139,9 @@ private:
         FWork.Descriptor = order.Files.empty() ? -1 : order.Files[0].Number();
         if (order.Files.size() > 1)
             FResultFile = std::move(order.Files[1]);
-        LimitMemory(order.Body.value(QLatin1String("memory")).toInteger());
+        const qint64 megabytes = order.Body.value(QLatin1String("memory")).toInteger();
+        if (megabytes > 0 && !Sanitized)
+            LimitMemory(quint64(megabytes) << 20);
         const Integer index = FLists.IndexOf(FWork.ActionName);
         const TOutcome outcome = WorkOnFile(FWork, index < 0 ? nullptr : FLists[index].FActions, *this);
         FResult.reset();
@@ -146,15 +149,6 @@ private:
         QCborMap done = NewMessage(TMessageKind::Done);
         Put(done, outcome);
         Tell(done);
-    }
-
-    /// What the process may have as data, in MB; the soft limit, so that the next file may have more.
-    static void LimitMemory(qint64 megabytes) {
-        rlimit limit{};
-        if (Sanitized || megabytes <= 0 || ::getrlimit(RLIMIT_DATA, &limit) != 0)
-            return;
-        limit.rlim_cur = std::min(rlim_t(megabytes) << 20, limit.rlim_max);
-        (void)::setrlimit(RLIMIT_DATA, &limit);
     }
 
     string FSandbox;

@@ -11,5 +11,5 @@ inline constexpr int WorkerLeash = 4;
 inline constexpr int WorkerModules = 5;
 
 /// Works until the agent wants no more; returns the process's exit code. `reach`, a number of TReach, is what
-/// the process's one argument says. The action classes are registered, and there is no other thread yet.
+/// the process's first argument says. The action classes are registered, and there is no other thread yet.
 int RunWorker(TDescriptor socket, TDescriptor leash, const char* reach);

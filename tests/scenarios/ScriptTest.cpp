@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#include <sys/resource.h>
 
 namespace {
 
@@ -79,6 +80,19 @@ TEST(ScriptScenario, FailedScriptIsToldToTheJournalAndTheListGoesOn) {
     const QByteArray journal = agent.FProcess.readAllStandardError();
     EXPECT_TRUE(journal.contains("PDFActions.Inline:2:10: TypeError: Document.Rotate is not a function"))
         << journal.toStdString();
+}
+
+/// A worker's limits are its own.
+TEST(ScriptScenario, ProgramsOfScriptsHaveAllTheMemoryThatTheAgentMayHave) {
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_DATA, &limit), 0);
+    const QByteArray kilobytes =
+        limit.rlim_cur == RLIM_INFINITY ? "unlimited" : QByteArray::number(quint64(limit.rlim_cur) / 1024);
+    const TScriptWorkspace workspace("CreateProcess('sh -c \"ulimit -Sd > DIR/limit\"', 0, true)");
+    const TRealAgent agent(workspace.Path("settings"));
+    MakePdf(workspace.Path("in/a.pdf"), 1);
+    ASSERT_TRUE(Eventually([&] { return workspace.Has("in/process/a.pdf"); }));
+    EXPECT_EQ(workspace.Read("limit").trimmed(), kilobytes);
 }
 
 TEST(ScriptScenario, AnUpgradeHarmsNoRunningAgentAndMixesNoVersions) {

@@ -6,7 +6,7 @@
 #include "base/Module.h"
 #include "desktop/Desktop.h"
 #include "platform/AppInstances.h"
-#include "platform/DescriptorLimit.h"
+#include "platform/ProcessLimits.h"
 #include "platform/ServiceNotice.h"
 #include "platform/Signals.h"
 #include "timers/TimerManager.h"

@@ -2,6 +2,7 @@
 #include "actions/ActionClasses.h"
 #include "base/Journal.h"
 #include "base/Module.h"
+#include "platform/ProcessLimits.h"
 #include "platform/Signals.h"
 #include "work/Worker.h"
 
@@ -28,5 +29,6 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     std::setlocale(LC_NUMERIC, "C"); // the object above has set the user's; numbers in files know one form
     RegisterActionClasses();
+    SetFormerDescriptorLimit(argc > 2 ? QByteArray(argv[2]).toULongLong() : 0); // the raised one is inherited
     return RunWorker(TDescriptor(WorkerSocket), TDescriptor(WorkerLeash), argc > 1 ? argv[1] : "0");
 }
