@@ -32,7 +32,7 @@ struct TOpenTurn {
     std::deque<std::unique_ptr<TJob>> Line = {};  // at work or done, in the order of their names
     std::vector<std::unique_ptr<TJob>> Late = {}; // at work for so long that they have left the line
     bool AllTakenUp = false;
-    bool Listed = false;
+    std::optional<bool> Listed = {}; // whether there were files; nothing where no list was read
     string Trouble = {};
 
     [[nodiscard]] qsizetype DoneInLine() const {
@@ -126,7 +126,6 @@ private:
                                 : QStringLiteral("Folder \"%1\" is disabled.").arg(folder.Name);
         turn.Log.Announce(u'*', text, text);
         turn.Log.Begin();
-        turn.Listed = FListed;
         if (folder.Enabled)
             FPass.NoteTrouble(folder, QStringLiteral("there is no such folder"));
     }
@@ -135,7 +134,6 @@ private:
         const TPDFWatchedFolder& folder = turn.Folder;
         const string started = QStringLiteral("Started at %1, Folder=\"%2\"");
         turn.Log.Announce(u'-', started.arg(CurrentTime(), folder.Name), started.arg(QString(), folder.Name));
-        turn.Listed = FListed;
         try {
             TFolderMemory& memory = FPass.MemoryOf(folder);
             if (Now() - memory.SweptAt >= SweepEvery)
@@ -238,12 +236,26 @@ private:
             else
                 turn->Turn->SettleOldGroup();
         }
+        DropEmpty();
         while (!FTurns.empty() && FTurns.front()->Turn == nullptr) {
-            FListed = FTurns.front()->Listed;
+            FListed = FTurns.front()->Listed.value_or(FListed);
             FTurns.pop_front(); // with the end of its block
             if (!FTurns.empty())
                 FTurns.front()->Log.TakePlace();
         }
+    }
+
+    /// Turns without a line that wait for a long one before them: a long pass has one for each folder and
+    /// second. The last one stays, for what it says of its list.
+    void DropEmpty() {
+        for (size_t i = 1; i + 1 < FTurns.size();)
+            if (const TOpenTurn& turn = *FTurns[i];
+                turn.Turn == nullptr && !turn.Log.Written() && FTurns[i + 1]->Listed) {
+                FTurns.erase(FTurns.begin() + qsizetype(i));
+                FGaveLast -= FGaveLast >= i ? 1 : 0;
+            } else {
+                ++i;
+            }
     }
 
     void Close(TOpenTurn& turn) {

@@ -377,15 +377,15 @@ NarrowString FileWithoutItsPages() {
     return SamplePdf(3).replace("/Count 3", "/Count 9");
 }
 
-INSTANTIATE_TEST_SUITE_P(, Policy,
-                         testing::Values(TPolicyCase{"OnScriptError", "throw new Error('no stamp')", GoodFile,
-                                                     "PDFActions.Inline:1:"},
-                                         TPolicyCase{"OnRefused", "Document.RotatePages('1-', 90)",
-                                                     RestrictedFile,
-                                                     "The document's permissions don't allow changing"},
-                                         TPolicyCase{"OnDamage", "Document.RotatePages('1-', 90)",
-                                                     FileWithoutItsPages, "6 pages"}),
-                         [](const auto& param) { return param.param.Name; });
+INSTANTIATE_TEST_SUITE_P(
+    , Policy,
+    testing::Values(TPolicyCase{"OnScriptError", "throw new Error('no stamp')", GoodFile,
+                                "PDFActions.Inline:1:"},
+                    TPolicyCase{"OnRefused", "Document.RotatePages('1-', 90)", RestrictedFile,
+                                "The document's permissions don't allow changing"},
+                    TPolicyCase{"OnDamage", "Document.RotatePages('1-', 90)", FileWithoutItsPages, "6 pages"},
+                    TPolicyCase{"OnSignature", "Document.RotatePages('1-', 90)", SignedPdf, ""}),
+    [](const auto& param) { return param.param.Name; });
 
 TEST_F(Pass, AFileOverWhichRunsDiedComesLastAndTheSecondCrashIsEnough) {
     ConfigureOne();
