@@ -5,17 +5,6 @@
 
 namespace {
 
-/// A page with a signature field that is signed, though not by anybody.
-QByteArray SignedPdf() {
-    return PdfOf(
-        {"<< /Type /Catalog /Pages 2 0 R /AcroForm << /SigFlags 3 /Fields [4 0 R] >> >>",
-         "<< /Type /Pages /Count 1 /Kids [3 0 R] >>",
-         "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Annots [4 0 R] >>",
-         "<< /Type /Annot /Subtype /Widget /Rect [0 0 0 0] /P 3 0 R /FT /Sig /T (Signature) /V 5 0 R >>",
-         "<< /Type /Sig /Filter /Adobe.PPKLite /SubFilter /adbe.pkcs7.detached /ByteRange [0 10 20 10] "
-         "/Contents <00> >>"});
-}
-
 QList<TCorpusFile> MakeFiles(const TWorkspace& files) {
     QList<TCorpusFile> made;
     const auto add = [&](const char* name, int pages, const char* type, int qpdfExit = 0) {

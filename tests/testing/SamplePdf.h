@@ -23,5 +23,8 @@ struct TSampleOptions {
 /// The bytes of a PDF whose pages say "Page 1" and so on.
 [[nodiscard]] QByteArray SamplePdf(int pages, const TSampleOptions& options = {});
 
+/// The bytes of a page with a signature field that is signed, though not by anybody.
+[[nodiscard]] QByteArray SignedPdf();
+
 /// Writes such a file, protected if the options name a password. Replaces what is there.
 void MakePdf(const string& path, int pages, const TSampleOptions& options = {});
