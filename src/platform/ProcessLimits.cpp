@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <sys/resource.h>
+#include <utility>
 
 namespace {
 
@@ -13,8 +14,9 @@ void SetMemoryLimit(rlim_t bytes) {
     rlimit limit{};
     if (::getrlimit(RLIMIT_DATA, &limit) != 0)
         return;
-    limit.rlim_cur = std::min(bytes, limit.rlim_max);
-    (void)::setrlimit(RLIMIT_DATA, &limit);
+    const rlim_t wanted = std::min(bytes, limit.rlim_max);
+    if (std::exchange(limit.rlim_cur, wanted) != wanted)
+        (void)::setrlimit(RLIMIT_DATA, &limit);
 }
 
 } // namespace

@@ -159,7 +159,7 @@ TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TPro
         return Ended(TOutcomeState::DoneWithWarnings, {TReasonCode::ListUnknown, {}, text});
     }
     // Written before the actions run and whatever they do: that is the line's fixed wording.
-    host.Log(QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest));
+    host.Log(ExecutingLine(work));
     host.Hint(QStringLiteral("Executing \"%1\" on \"%2\".").arg(work.ActionName, work.Dest));
     // Made first: where nothing can be written, nothing is worked on in vain.
     TOutputFile& result = AmongSurroundings([&]() -> TOutputFile& { return host.OpenResult(); });
@@ -190,6 +190,10 @@ TOutcome Failed(TWorkHost& host, const TReason& reason) {
 }
 
 } // namespace
+
+string ExecutingLine(const TFileWork& work) {
+    return QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest);
+}
 
 TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host) {
     TProgress progress;

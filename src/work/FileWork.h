@@ -16,6 +16,9 @@ struct TFileWork {
     TPDFFolderPolicy Policy;
 };
 
+/// The run log's line of work that begins.
+[[nodiscard]] string ExecutingLine(const TFileWork& work);
+
 /// What the work needs of whoever has it done.
 class TWorkHost {
 public:

@@ -2,6 +2,7 @@
 // An action that does what a fault of the program, or a hostile document, may do to a worker.
 #include "actions/Action.h"
 #include "base/Exceptions.h"
+#include "engine/document/Document.h"
 
 #include <QFile>
 
@@ -19,7 +20,7 @@ public:
     PUBLISHED(string, Kind, FKind);
     PUBLISHED(string, Path, FPath); ///< of a file: what it does to it, or a mark that it was here before
 
-    Cardinal Execute(TZQPDFDocument& /*Document*/) override {
+    Cardinal Execute(TZQPDFDocument& Document) override {
         if (FKind == "crash") {
             ::signal(SIGSEGV, SIG_DFL);
             ::raise(SIGSEGV);
@@ -28,6 +29,10 @@ public:
         } else if (FKind == "hang") {
             for (;;)
                 ::pause();
+        } else if (FKind == "await" && Document.GetPageCount() == 2) {
+            for (int i = 0; i < 20; ++i) // which other workers make
+                while (!QFile::exists(FPath.arg(i)))
+                    ::usleep(1000);
         } else if (FKind == "eat") {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
             throw std::bad_alloc(); // what a sanitizer would make the process's end
