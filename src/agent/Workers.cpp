@@ -7,6 +7,7 @@
 #include "base/Exceptions.h"
 #include "base/Paths.h"
 #include "platform/MessageBox.h"
+#include "platform/ProcessLimits.h"
 #include "platform/StopSignal.h"
 #include "scripting/AskForPassword.h"
 #include "work/Protocol.h"
@@ -33,8 +34,10 @@ constexpr qint64 RestsAfter = 60'000; // ms
 constexpr qint64 StopTakes = 4'000;   // ms
 constexpr qint64 LongestWait = 1'000; // ms
 constexpr qint64 Moment = 50;         // ms
-constexpr qint64 LeastMemory = 512;   // MB
-constexpr int MostLines = 8;          // that one file has in the run log; no work of ours writes more
+constexpr qint64 LooksEvery = 1'000;  // ms, at the memory of long work
+constexpr qint64 Itself = 128;      // MB that a worker may hold beside its data: programs, libraries, stacks
+constexpr qint64 LeastMemory = 512; // MB
+constexpr int MostLines = 8;        // that one file has in the run log; no work of ours writes more
 
 string XmlOf(const TPDFActionManager& lists) {
     QBuffer buffer;
@@ -76,6 +79,7 @@ struct TWorkers::TWorker {
     int Version = 0;         // of the lists that it knows
     TJob* Job = nullptr;     // at work
     qint64 Begun = 0;        // that work
+    qint64 Looked = 0;       // at its memory, last
     bool Quick = false;      // the work before took but a moment
     TJob* Ahead = nullptr;   // handed over already, to be begun when that work ends
     TDescriptor Permit = {}; // to begin it: whoever reads this first has the job
@@ -169,6 +173,10 @@ int TWorkers::SecondsFor(const TJob& job) const {
     return job.Work.Policy.WorkSeconds > 0 ? job.Work.Policy.WorkSeconds : FSettings.WorkSeconds;
 }
 
+int TWorkers::MemoryFor(const TJob& job) const {
+    return job.Work.Policy.WorkMemory > 0 ? job.Work.Policy.WorkMemory : FSettings.WorkMemory;
+}
+
 void TWorkers::Begin(TJob& job) {
     try {
         HandOver(Next(ReachFor(job.List)), job);
@@ -185,8 +193,7 @@ void TWorkers::HandOver(TWorker& worker, TJob& job) {
     worker.Version = FVersion;
     QCborMap order = NewMessage(TMessageKind::Work);
     Put(order, job.Work);
-    const TPDFFolderPolicy& policy = job.Work.Policy;
-    order[QLatin1String("memory")] = policy.WorkMemory > 0 ? policy.WorkMemory : FSettings.WorkMemory;
+    order[QLatin1String("memory")] = MemoryFor(job);
     PrepareResult(job);
     QList<int> files{job.Work.Descriptor};
     if (job.Result != nullptr)
@@ -208,7 +215,7 @@ void TWorkers::HandOver(TWorker& worker, TJob& job) {
 
 void TWorkers::BeginFirst(TWorker& worker, TJob& job) {
     worker.Job = &job;
-    worker.Begun = Now();
+    worker.Begun = worker.Looked = Now();
     worker.Limit = worker.Begun + qint64(SecondsFor(job)) * 1000;
     worker.Lines = 0;
 }
@@ -287,7 +294,15 @@ void TWorkers::EndOverdue() {
             End(*worker, TEnding::Stopped);
         else if (now >= worker->Limit)
             End(*worker, TEnding::TimedOut);
+        else if (now - worker->Looked >= LooksEvery && TakesTooMuch(*worker))
+            End(*worker, TEnding::TookMemory);
     }
+}
+
+/// Its limit of data doesn't count memory that can be shared with others.
+bool TWorkers::TakesTooMuch(TWorker& worker) const {
+    worker.Looked = Now();
+    return MemoryHeldBy(worker.Process->Process()) >> 20 > quint64(MemoryFor(*worker.Job) + Itself);
 }
 
 /// What the worker hasn't begun goes to another, so that nothing waits behind long work. What has begun
@@ -440,6 +455,9 @@ void TWorkers::End(TWorker& worker, TEnding ending) {
                                   QStringLiteral("The work on \"%1\" took longer than %2 s")
                                       .arg(job.Work.Source)
                                       .arg(SecondsFor(job)));
+        break;
+    case TEnding::TookMemory:
+        job.Outcome = OutcomeWith(TOutcomeState::Failed, TReasonCode::WorkerMemory, MemoryText());
         break;
     case TEnding::Died:
         if (NoteDeath(job, status, began) && worker.Lines == 0 && job.List != nullptr)

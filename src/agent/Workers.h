@@ -40,7 +40,7 @@ public:
 
 private:
     struct TWorker;
-    enum class TEnding { Died, TimedOut, Stopped };
+    enum class TEnding { Died, TimedOut, TookMemory, Stopped };
 
     [[nodiscard]] TReach ReachFor(const TPDFActionList* list);
     [[nodiscard]] qsizetype Busy(bool scripts) const;
@@ -51,6 +51,8 @@ private:
     void BeginFirst(TWorker& worker, TJob& job);
     static void PrepareResult(TJob& job);
     [[nodiscard]] int SecondsFor(const TJob& job) const;
+    [[nodiscard]] int MemoryFor(const TJob& job) const;
+    [[nodiscard]] bool TakesTooMuch(TWorker& worker) const;
     [[nodiscard]] int MillisecondsToWait() const;
     void TellStop();
     void EndOverdue();

@@ -1,5 +1,7 @@
 #include "platform/ProcessLimits.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <atomic>
 #include <sys/resource.h>
@@ -54,6 +56,16 @@ void LimitMemory(quint64 bytes) {
     if (::getrlimit(RLIMIT_DATA, &limit) == 0)
         FormerMemory.compare_exchange_strong(none, limit.rlim_cur);
     SetMemoryLimit(bytes);
+}
+
+quint64 MemoryHeldBy(pid_t process) {
+    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (line.startsWith("Pss:"))
+            return line.mid(4).simplified().split(' ').first().toULongLong() << 10;
+    return 0;
 }
 
 TFormerMemoryLimit::TFormerMemoryLimit() {

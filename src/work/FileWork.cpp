@@ -195,6 +195,10 @@ string ExecutingLine(const TFileWork& work) {
     return QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest);
 }
 
+string MemoryText() {
+    return QStringLiteral("The work takes more memory than it may have");
+}
+
 TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host) {
     TProgress progress;
     try {
@@ -210,8 +214,7 @@ TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host
     } catch (const EPolicy& e) {
         return Failed(host, e.Reason());
     } catch (const std::bad_alloc&) {
-        return Failed(host, {TReasonCode::WorkerMemory, progress.Step,
-                             QStringLiteral("The work takes more memory than it may have")});
+        return Failed(host, {TReasonCode::WorkerMemory, progress.Step, MemoryText()});
     } catch (const std::exception& e) {
         return Failed(host, {BlameOf(e, progress), progress.Step, MessageOf(e)});
     }

@@ -8,7 +8,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,6 +43,11 @@ public:
             for (;;)
                 held.push_back(std::make_unique<char[]>(1 << 20));
 #endif
+        } else if (FKind == "share") {
+            constexpr size_t much = 600U << 20;
+            void* const held = ::mmap(nullptr, much, PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+            for (std::memset(held, 1, much);;)
+                ::pause();
         } else if (FKind == "write") {
             Forbid("write elsewhere", ::open(FPath.toUtf8(), O_WRONLY | O_CREAT, 0600));
         } else if (FKind == "empty") {

@@ -95,6 +95,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(TFaultCase{"Crash", "crash", "", "The worker ended by signal 11"},
                     TFaultCase{"Exit", "exit", "", "The worker ended by exit code 7"},
                     TFaultCase{"Memory", "eat", "<WorkMemory>300</WorkMemory>", "The work takes more memory"},
+                    TFaultCase{"Shared", "share", "<WorkMemory>300</WorkMemory>",
+                               "The work takes more memory"},
                     TFaultCase{"Time", "hang", "<WorkSeconds>1</WorkSeconds>", "The work on"}),
     [](const auto& param) { return param.param.Name; });
 
