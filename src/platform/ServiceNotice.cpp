@@ -17,7 +17,7 @@ TServiceNotice::TServiceNotice(const NarrowString& address, qint64 watchdogMs)
 
 void TServiceNotice::Ready(const string& status) {
     const std::lock_guard guard(FLock);
-    FStatus = status;
+    FStatus = string(status); // moved: an old one is freed here, where checkers of threads see it
     Send("READY=1\nSTATUS=" + Narrow(Printable(status)));
 }
 
@@ -25,7 +25,7 @@ void TServiceNotice::SetStatus(const string& status) {
     const std::lock_guard guard(FLock);
     if (status == FStatus)
         return;
-    FStatus = status;
+    FStatus = string(status); // moved: an old one is freed here, where checkers of threads see it
     Send("STATUS=" + Narrow(Printable(status)));
 }
 

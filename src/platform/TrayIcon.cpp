@@ -49,7 +49,7 @@ void TTrayIcon::SetHint(const string& text) {
     const std::lock_guard guard(FHintLock);
     if (text == FHint)
         return;
-    FHint = text;
+    FHint = string(text); // moved: an old one is freed here, where checkers of threads see it
     QueueShowing();
 }
 
