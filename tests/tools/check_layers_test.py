@@ -25,6 +25,7 @@ class CheckLayers(unittest.TestCase):
             ("xml/A.cpp", '#include "xml/B.h"'),
             ("agent/A.cpp", '#include "engine/document/Document.h"'),  # through actions
             ("engine/render/A.cpp", "#include <qpdf/QPDF.hh>"),
+            ("ledger/A.cpp", "#include <QSqlQuery>"),
             ("base/A.cpp", "#include <vector>"),
             ("base/A.cpp", '#include "A.moc"'),
             ("desktop/A.h", "#include <QWidget>"),
