@@ -29,11 +29,11 @@ public:
     /// The same for work that changes nothing.
     void Read(const std::function<void()>& work);
 
-    /// Only within Write or Read. Statements are prepared once; each "?" takes a value. Words in braces stand
-    /// for what the two kinds of database say differently, as {now} for milliseconds since 1970 by the
-    /// database's clock.
+    /// Only within Write or Read. A statement is prepared once; each "?" takes a value, so that no name of
+    /// others is ever a part of its text. Words in braces stand for what the two kinds of database say
+    /// differently, as {now} for milliseconds since 1970 by the database's clock.
     [[nodiscard]] QList<QVariantList> Rows(const char* sql, const QVariantList& values = {});
-    /// How many rows it changed.
+    /// How many rows it changed. Without values it isn't prepared, as nothing is that makes tables.
     qint64 Change(const char* sql, const QVariantList& values = {});
 
 private:

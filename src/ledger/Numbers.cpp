@@ -195,13 +195,13 @@ void TNumbers::Finish(TLedgerWork& work, const QByteArray& result, const QList<T
         const TNumberRun& run = given[i];
         const bool isOwn = std::any_of(reservations.begin(), reservations.end(),
                                        [&](const TReservation& one) { return Covers(one, run); });
-        const bool isDouble = std::any_of(given.begin(), given.begin() + i,
-                                          [&](const TNumberRun& other) { return Overlap(run, other); });
-        if (!isOwn || isDouble)
-            Refuse(QStringLiteral("The numbers %1 to %2 of the series \"%3\" are not reserved for \"%4\".")
-                       .arg(run.First)
-                       .arg(run.First + run.Count - 1)
-                       .arg(run.Series, QString::fromUtf8(work.Source().Name)));
+        if (!isOwn || std::any_of(given.begin(), given.begin() + i,
+                                  [&](const TNumberRun& other) { return Overlap(run, other); }))
+            Refuse(
+                QStringLiteral("The %1 numbers from %2 on of the series \"%3\" are not reserved for \"%4\".")
+                    .arg(run.Count)
+                    .arg(run.First)
+                    .arg(run.Series, QString::fromUtf8(work.Source().Name)));
     }
     End(work, result, given);
 }
