@@ -30,7 +30,7 @@ template <class TItem, class TFromJson> QList<TItem> FromJson(const string& json
     if (json == QLatin1String("[]"))
         return items;
     const QJsonArray array = QJsonDocument::fromJson(json.toUtf8()).array();
-    for (const QJsonValue& item : array)
+    for (const auto& item : array)
         items.append(fromJson(item.toObject()));
     return items;
 }

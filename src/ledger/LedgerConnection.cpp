@@ -28,7 +28,7 @@ constexpr TWord Words[] = {
      "CAST(extract(epoch FROM clock_timestamp()) * 1000 AS BIGINT)"},
     {"{lock}", "", "FOR UPDATE"}, // a SQLite transaction that writes has the whole file
     // Case matters for no letter from A to Z, and for all others.
-    {"{like}", "LIKE ? ESCAPE '\\'", "ILIKE ? COLLATE \"C\" ESCAPE '\\'"},
+    {"{like}", R"(LIKE ? ESCAPE '\')", R"(ILIKE ? COLLATE "C" ESCAPE '\')"},
     {"{has versions}", "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'versions'",
      "SELECT 1 WHERE to_regclass('versions') IS NOT NULL"},
     // For who works on one file's reservations; to its transaction's end.

@@ -14,7 +14,7 @@ string Decoded(const string& part) {
 /// The part behind the separator, taken off the text; empty where there is none.
 string TakeBehind(string& text, QChar separator) {
     const qsizetype at = text.indexOf(separator);
-    const string behind = at < 0 ? string() : text.mid(at + 1);
+    string behind = at < 0 ? string() : text.mid(at + 1);
     if (at >= 0)
         text.truncate(at);
     return behind;
