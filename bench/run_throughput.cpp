@@ -4,8 +4,9 @@
 // And small files stamped with Bates lines, with sync, on a disk and in memory: by the agent alone and by 1,
 // 2 and 4 workers.
 //
-//     run_throughput [--rounds N] [--files N]
+//     run_throughput [--rounds N] [--files N] [--only disk|memory|alone] [--workers 0,1,2,4]
 //
+// "disk" and "memory" are the workers' two places, "alone" is what the agent does without them.
 // The two sides of each comparison take turns in one run; medians are printed. "without sync" leaves out the
 // waits for the disk, which the loop doesn't do either.
 #include "Paired.h"
@@ -110,8 +111,7 @@ void SmallFilesBench(const QString& root, int rounds) {
                 1e6 * Median(loopCpu) / SmallFiles, Median(ratios));
 }
 
-void WorkersBench(const QString& root, const char* place, int files, int rounds) {
-    constexpr int Counts[] = {0, 1, 2, 4};
+void WorkersBench(const QString& root, const char* place, const QList<int>& counts, int files, int rounds) {
     WriteConfiguration(
         root, "<Action Class=\"TPDFActionAddBatesNumbering\"><bates><HeaderLeft>[filename]</HeaderLeft>"
               "<HeaderRight>Exhibit [page+100:6]</HeaderRight><FooterLeft>[date]</FooterLeft>"
@@ -121,7 +121,7 @@ void WorkersBench(const QString& root, const char* place, int files, int rounds)
         MakePdf(QStringLiteral("%1/samples/file %2.pdf").arg(root, QString::number(i)), 1 + i % 3);
     QMap<int, QList<TFigure>> figures;
     for (int round = 0; round < rounds; ++round)
-        for (const int workers : Counts) {
+        for (const int workers : counts) {
             FillFolder(root + "/samples", root + "/in");
             figures[workers].append(Measure([&] { RunPass(root, FileSync::On, workers); }));
             const auto done = QDir(root + "/in/output").entryList(QDir::Files).size();
@@ -130,7 +130,7 @@ void WorkersBench(const QString& root, const char* place, int files, int rounds)
         }
     std::printf("%d files of 1 to 3 pages, six Bates texts a page, with sync, %s, %d rounds, medians\n",
                 files, place, rounds);
-    for (const int workers : Counts) {
+    for (const int workers : counts) {
         QList<double> seconds, cpu, peak;
         for (const TFigure& figure : figures[workers]) {
             seconds.append(figure.Seconds);
@@ -171,19 +171,31 @@ void LargeFileBench(const QString& root, int rounds) {
                 copyPeak, Median(ratios));
 }
 
+/// What stands behind the option, or the other.
+QString ValueOf(const char* option, const QString& otherwise) {
+    const QStringList arguments = QCoreApplication::arguments();
+    const qsizetype at = arguments.indexOf(QLatin1String(option));
+    return at > 0 ? arguments.value(at + 1) : otherwise;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    const qsizetype at = arguments.indexOf("--rounds");
-    const int rounds = at > 0 ? std::max(1, arguments.value(at + 1).toInt()) : 5;
-    const qsizetype filesAt = arguments.indexOf("--files");
-    const int files = filesAt > 0 ? std::max(1, arguments.value(filesAt + 1).toInt()) : SmallFiles;
+    const int rounds = std::max(1, ValueOf("--rounds", "5").toInt());
+    const int files = std::max(1, ValueOf("--files", QString::number(SmallFiles)).toInt());
+    QList<int> counts;
+    for (const QString& count : ValueOf("--workers", "0,1,2,4").split(','))
+        counts.append(count.toInt());
+    const QString only = ValueOf("--only", {});
+    const auto wanted = [&](const char* part) { return only.isEmpty() || only == QLatin1String(part); };
     const QTemporaryDir root;
-    WorkersBench(root.path() + "/workers", "in the temporary folder", files, rounds);
-    if (const QTemporaryDir memory("/dev/shm/morvane-XXXXXX"); memory.isValid())
-        WorkersBench(memory.path(), "in memory", files, rounds);
+    if (wanted("disk"))
+        WorkersBench(root.path() + "/workers", "in the temporary folder", counts, files, rounds);
+    if (const QTemporaryDir memory("/dev/shm/morvane-XXXXXX"); memory.isValid() && wanted("memory"))
+        WorkersBench(memory.path(), "in memory", counts, files, rounds);
+    if (!wanted("alone"))
+        return 0;
     SmallFilesBench(root.path(), rounds);
     LargeFileBench(root.path(), rounds);
     return 0;

@@ -7,6 +7,7 @@
 #include "base/Exceptions.h"
 #include "base/Paths.h"
 #include "platform/MessageBox.h"
+#include "platform/ProcessLimits.h"
 #include "platform/StopSignal.h"
 #include "scripting/AskForPassword.h"
 #include "work/Protocol.h"
@@ -23,6 +24,7 @@
 #include <future>
 #include <limits>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/wait.h>
 
 namespace {
@@ -31,8 +33,11 @@ constexpr qint64 Never = std::numeric_limits<qint64>::max();
 constexpr qint64 RestsAfter = 60'000; // ms
 constexpr qint64 StopTakes = 4'000;   // ms
 constexpr qint64 LongestWait = 1'000; // ms
-constexpr qint64 LeastMemory = 512;   // MB
-constexpr int MostLines = 8;          // that one file has in the run log; no work of ours writes more
+constexpr qint64 Moment = 50;         // ms
+constexpr qint64 LooksEvery = 1'000;  // ms, at the memory of long work
+constexpr qint64 Itself = 128;      // MB that a worker may hold beside its data: programs, libraries, stacks
+constexpr qint64 LeastMemory = 512; // MB
+constexpr int MostLines = 8;        // that one file has in the run log; no work of ours writes more
 
 string XmlOf(const TPDFActionManager& lists) {
     QBuffer buffer;
@@ -53,6 +58,10 @@ TOutcome OutcomeWith(TOutcomeState state, TReasonCode code, const string& text) 
     return outcome;
 }
 
+TOutcome Stopped() {
+    return OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+}
+
 /// A worker that can't even begin isn't the file's fault.
 TOutcome NoWorker(const string& text, int error) {
     TOutcome outcome = OutcomeWith(TOutcomeState::Waiting, TReasonCode::Other, text);
@@ -65,13 +74,18 @@ TOutcome NoWorker(const string& text, int error) {
 struct TWorkers::TWorker {
     std::unique_ptr<TWorkerProcess> Process;
     TReach Reach = TReach::Nothing;
-    bool Ready = false;   // has said a word
-    string Sandbox = {};  // as it says itself
-    int Version = 0;      // of the lists that it knows
-    TJob* Job = nullptr;  // at work
-    qint64 Limit = Never; // of the work, by the steady clock
-    qint64 Left = 0;      // of the time for the work, while a user is asked
-    int Lines = 0;        // of the run log, for the job
+    bool Ready = false;      // has said a word
+    string Sandbox = {};     // as it says itself
+    int Version = 0;         // of the lists that it knows
+    TJob* Job = nullptr;     // at work
+    qint64 Begun = 0;        // that work
+    qint64 Looked = 0;       // at its memory, last
+    bool Quick = false;      // the work before took but a moment
+    TJob* Ahead = nullptr;   // handed over already, to be begun when that work ends
+    TDescriptor Permit = {}; // to begin it: whoever reads this first has the job
+    qint64 Limit = Never;    // of the work, by the steady clock
+    qint64 Left = 0;         // of the time for the work, while a user is asked
+    int Lines = 0;           // of the run log, for the job
     qint64 IdleSince = 0;
     std::shared_ptr<std::atomic<bool>> Answered = {}; // set while a user is asked: he has answered
     std::future<void> Question = {};
@@ -111,14 +125,26 @@ TReach TWorkers::ReachFor(const TPDFActionList* list) {
     return known != FReaches.constEnd() ? *known : *FReaches.insert(list, ReachOf(list));
 }
 
-bool TWorkers::HasRoom(const TPDFActionList* list) {
-    if (!FLost.empty() || FAlone != nullptr)
-        return false;
-    const bool scripts = ReachFor(list) == TReach::Programs;
-    const auto busy = std::count_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
+qsizetype TWorkers::Busy(bool scripts) const {
+    return std::count_if(FWorkers.begin(), FWorkers.end(), [&](const auto& worker) {
         return worker->Job != nullptr && (worker->Reach == TReach::Programs) == scripts;
     });
-    return busy < (scripts ? 1 : FSettings.Count);
+}
+
+bool TWorkers::MayHaveAnother(const TWorker& worker, TReach reach) const {
+    return !worker.Ended() && worker.Reach == reach && worker.Job != nullptr && worker.Ahead == nullptr &&
+           worker.Quick && Now() - worker.Begun < Moment;
+}
+
+bool TWorkers::HasRoom(const TPDFActionList* list) {
+    if (!FBack.empty() || !FLost.empty() || FAlone != nullptr)
+        return false;
+    const TReach reach = ReachFor(list);
+    if (reach == TReach::Programs)
+        return Busy(true) == 0;
+    return Busy(false) < FSettings.Count ||
+           std::any_of(FWorkers.begin(), FWorkers.end(),
+                       [&](const auto& worker) { return MayHaveAnother(*worker, reach); });
 }
 
 TWorkers::TWorker& TWorkers::Idle(TReach reach) {
@@ -133,34 +159,65 @@ TWorkers::TWorker& TWorkers::Idle(TReach reach) {
     return *FWorkers.emplace_back(std::move(worker));
 }
 
+/// Where all are at work, the one that began last.
+TWorkers::TWorker& TWorkers::Next(TReach reach) {
+    TWorker* next = nullptr;
+    if (reach != TReach::Programs && Busy(false) >= FSettings.Count)
+        for (const auto& worker : FWorkers)
+            if (MayHaveAnother(*worker, reach) && (next == nullptr || worker->Begun > next->Begun))
+                next = worker.get();
+    return next != nullptr ? *next : Idle(reach);
+}
+
 int TWorkers::SecondsFor(const TJob& job) const {
     return job.Work.Policy.WorkSeconds > 0 ? job.Work.Policy.WorkSeconds : FSettings.WorkSeconds;
 }
 
+int TWorkers::MemoryFor(const TJob& job) const {
+    return job.Work.Policy.WorkMemory > 0 ? job.Work.Policy.WorkMemory : FSettings.WorkMemory;
+}
+
 void TWorkers::Begin(TJob& job) {
     try {
-        TWorker& worker = Idle(ReachFor(job.List));
-        worker.Job = &job;
-        worker.Lines = 0;
-        const TPDFFolderPolicy& policy = job.Work.Policy;
-        worker.Limit = Now() + qint64(SecondsFor(job)) * 1000;
-        TChannel& channel = *worker.Process->Channel();
-        bool sent = true;
-        if (worker.Version != FVersion)
-            sent = channel.Send(TextMessage(TMessageKind::Lists, FXml));
-        worker.Version = FVersion;
-        QCborMap order = NewMessage(TMessageKind::Work);
-        Put(order, job.Work);
-        order[QLatin1String("memory")] = policy.WorkMemory > 0 ? policy.WorkMemory : FSettings.WorkMemory;
-        PrepareResult(job);
-        sent = sent &&
-               (job.Result != nullptr ? channel.Send(order, {job.Work.Descriptor, job.Result->Descriptor()})
-                                      : channel.Send(order, {job.Work.Descriptor}));
-        if (!sent)
-            End(worker, TEnding::Died);
+        HandOver(Next(ReachFor(job.List)), job);
     } catch (const EFileError& e) {
         job.Outcome = NoWorker(e.Message(), e.Error());
     }
+}
+
+void TWorkers::HandOver(TWorker& worker, TJob& job) {
+    TChannel& channel = *worker.Process->Channel();
+    bool sent = true;
+    if (worker.Version != FVersion)
+        sent = channel.Send(TextMessage(TMessageKind::Lists, FXml));
+    worker.Version = FVersion;
+    QCborMap order = NewMessage(TMessageKind::Work);
+    Put(order, job.Work);
+    order[QLatin1String("memory")] = MemoryFor(job);
+    PrepareResult(job);
+    QList<int> files{job.Work.Descriptor};
+    if (job.Result != nullptr)
+        files.append(job.Result->Descriptor());
+    if (worker.Job == nullptr) {
+        BeginFirst(worker, job);
+    } else {
+        TDescriptor permit(::eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK));
+        if (!permit)
+            throw EFileError(QStringLiteral("make"), QStringLiteral("permit"), errno);
+        order[QLatin1String("permit")] = files.size();
+        files.append(permit.Number());
+        worker.Ahead = &job;
+        worker.Permit = std::move(permit);
+    }
+    if (!sent || !channel.Send(order, files))
+        End(worker, TEnding::Died);
+}
+
+void TWorkers::BeginFirst(TWorker& worker, TJob& job) {
+    worker.Job = &job;
+    worker.Begun = worker.Looked = Now();
+    worker.Limit = worker.Begun + qint64(SecondsFor(job)) * 1000;
+    worker.Lines = 0;
 }
 
 /// Handed over with the work where one will be wanted: that saves asking for it. Where it can't be made, the
@@ -177,6 +234,7 @@ void TWorkers::PrepareResult(TJob& job) {
 
 void TWorkers::WaitForNews() {
     RetryLost();
+    BeginBack();
     TellWorkers();
     std::vector<pollfd> waited;
     std::vector<TWorker*> waiting;
@@ -203,7 +261,7 @@ int TWorkers::MillisecondsToWait() const {
     qint64 until = Now() + LongestWait;
     for (const auto& worker : FWorkers)
         if (worker->Job != nullptr)
-            until = std::min(until, worker->Limit);
+            until = std::min(until, worker->Permit ? worker->Begun + Moment : worker->Limit);
     if (FStopTold)
         until = std::min(until, FStopLimit);
     return int(std::max<qint64>(until - Now(), 0));
@@ -216,9 +274,9 @@ void TWorkers::TellStop() {
     for (const auto& worker : FWorkers)
         if (worker->Job != nullptr)
             worker->Process->Stop();
-    for (TJob* const job : std::exchange(FLost, {}))
-        job->Outcome =
-            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+    for (std::deque<TJob*>* jobs : {&FLost, &FBack})
+        for (TJob* const job : std::exchange(*jobs, {}))
+            job->Outcome = Stopped();
 }
 
 void TWorkers::EndOverdue() {
@@ -230,10 +288,44 @@ void TWorkers::EndOverdue() {
         }
         if (worker->Job == nullptr)
             continue;
+        if (worker->Permit && now - worker->Begun >= Moment)
+            TakeBack(*worker);
         if (FStopTold && now >= FStopLimit)
             End(*worker, TEnding::Stopped);
         else if (now >= worker->Limit)
             End(*worker, TEnding::TimedOut);
+        else if (now - worker->Looked >= LooksEvery && TakesTooMuch(*worker))
+            End(*worker, TEnding::TookMemory);
+    }
+}
+
+/// Its limit of data doesn't count memory that can be shared with others.
+bool TWorkers::TakesTooMuch(TWorker& worker) const {
+    worker.Looked = Now();
+    return MemoryHeldBy(worker.Process->Process()) >> 20 > quint64(MemoryFor(*worker.Job) + Itself);
+}
+
+/// What the worker hasn't begun goes to another, so that nothing waits behind long work. What has begun
+/// meanwhile is heard of soon.
+void TWorkers::TakeBack(TWorker& worker) {
+    quint64 permit = 0;
+    const bool ours = worker.Ended() || ::read(worker.Permit.Number(), &permit, sizeof permit) > 0;
+    worker.Permit = {};
+    if (!ours || worker.Ahead == nullptr)
+        return;
+    TJob& job = *std::exchange(worker.Ahead, nullptr);
+    job.BeginAnew();
+    if (FStopTold)
+        job.Outcome = Stopped();
+    else
+        FBack.push_back(&job);
+}
+
+void TWorkers::BeginBack() {
+    while (!FBack.empty() && FLost.empty() && FAlone == nullptr && Busy(false) < FSettings.Count) {
+        TJob& job = *FBack.front();
+        FBack.pop_front();
+        Begin(job);
     }
 }
 
@@ -290,9 +382,10 @@ void TWorkers::TakeOutcome(TWorker& worker, TOutcome outcome) {
     const bool spent = outcome.State == TOutcomeState::Failed && !outcome.Reasons.isEmpty() &&
                        outcome.Reasons.first().Code == TReasonCode::WorkerMemory;
     job.Outcome = std::move(outcome);
-    Release(worker);
+    worker.Quick = Now() - worker.Begun < Moment;
     if (spent)
         worker.Process.reset();
+    Release(worker);
 }
 
 void TWorkers::Release(TWorker& worker) {
@@ -301,6 +394,11 @@ void TWorkers::Release(TWorker& worker) {
     worker.Job = nullptr;
     worker.Limit = Never;
     worker.IdleSince = Now();
+    if (worker.Ended())
+        TakeBack(worker);
+    worker.Permit = {};
+    if (worker.Ahead != nullptr)
+        BeginFirst(worker, *std::exchange(worker.Ahead, nullptr));
 }
 
 void TWorkers::SendResultFile(TWorker& worker) {
@@ -350,8 +448,7 @@ void TWorkers::End(TWorker& worker, TEnding ending) {
     Release(worker);
     switch (ending) {
     case TEnding::Stopped:
-        job.Outcome =
-            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
+        job.Outcome = Stopped();
         break;
     case TEnding::TimedOut:
         job.Outcome = OutcomeWith(TOutcomeState::Failed, TReasonCode::WorkerTimedOut,
@@ -359,24 +456,28 @@ void TWorkers::End(TWorker& worker, TEnding ending) {
                                       .arg(job.Work.Source)
                                       .arg(SecondsFor(job)));
         break;
+    case TEnding::TookMemory:
+        job.Outcome = OutcomeWith(TOutcomeState::Failed, TReasonCode::WorkerMemory, MemoryText());
+        break;
     case TEnding::Died:
-        NoteDeath(job, status, began);
+        if (NoteDeath(job, status, began) && worker.Lines == 0 && job.List != nullptr)
+            job.Log(ExecutingLine(job.Work)); // kept for a moment, and lost with the worker
         break;
     }
 }
 
-void TWorkers::NoteDeath(TJob& job, int status, bool began) {
+/// True where that was the file's fault.
+bool TWorkers::NoteDeath(TJob& job, int status, bool began) {
     if (FTerminated()) {
-        job.Outcome =
-            OutcomeWith(TOutcomeState::Stopped, TReasonCode::Other, QStringLiteral("The agent stops."));
-        return;
+        job.Outcome = Stopped();
+        return false;
     }
     const bool killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
     if (killed && !job.Lost) { // by somebody else, or for want of memory: once more, alone
         job.Lost = true;
         job.BeginAnew();
         FLost.push_back(&job);
-        return;
+        return false;
     }
     const string how = WIFSIGNALED(status) ? QStringLiteral("signal %1 (%2)")
                                                  .arg(WTERMSIG(status))
@@ -384,11 +485,12 @@ void TWorkers::NoteDeath(TJob& job, int status, bool began) {
                                            : QStringLiteral("exit code %1").arg(WEXITSTATUS(status));
     if (!began) {
         job.Outcome = NoWorker(QStringLiteral("A worker ended before it began, by %1").arg(how), ECHILD);
-        return;
+        return false;
     }
     job.Outcome = OutcomeWith(
         TOutcomeState::Failed, TReasonCode::WorkerCrashed,
         QStringLiteral("The worker ended by %1 while it worked on \"%2\"").arg(how, job.Work.Source));
+    return true;
 }
 
 void TWorkers::RetryLost() {

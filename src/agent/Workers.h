@@ -4,6 +4,9 @@
 //
 // Files of lists without scripts go to any worker. What scripts keep between files is kept, so all files of
 // lists with a script go to one worker of their own, in order.
+//
+// A worker whose files take but a moment has the next one before it is done with the last, so that it needn't
+// wait for the agent. One that is at work for longer than expected gives back what it hasn't begun.
 #include "agent/RunHost.h"
 #include "agent/WorkPlace.h"
 #include "platform/Descriptor.h"
@@ -37,15 +40,24 @@ public:
 
 private:
     struct TWorker;
-    enum class TEnding { Died, TimedOut, Stopped };
+    enum class TEnding { Died, TimedOut, TookMemory, Stopped };
 
     [[nodiscard]] TReach ReachFor(const TPDFActionList* list);
+    [[nodiscard]] qsizetype Busy(bool scripts) const;
+    [[nodiscard]] bool MayHaveAnother(const TWorker& worker, TReach reach) const;
     [[nodiscard]] TWorker& Idle(TReach reach);
+    [[nodiscard]] TWorker& Next(TReach reach);
+    void HandOver(TWorker& worker, TJob& job);
+    void BeginFirst(TWorker& worker, TJob& job);
     static void PrepareResult(TJob& job);
     [[nodiscard]] int SecondsFor(const TJob& job) const;
+    [[nodiscard]] int MemoryFor(const TJob& job) const;
+    [[nodiscard]] bool TakesTooMuch(TWorker& worker) const;
     [[nodiscard]] int MillisecondsToWait() const;
     void TellStop();
     void EndOverdue();
+    void TakeBack(TWorker& worker);
+    void BeginBack();
     void Hear(TWorker& worker);
     void Handle(TWorker& worker, const TChannelMessage& message);
     void SendResultFile(TWorker& worker);
@@ -53,7 +65,7 @@ private:
     void TakeOutcome(TWorker& worker, TOutcome outcome);
     void Release(TWorker& worker);
     void End(TWorker& worker, TEnding ending);
-    void NoteDeath(TJob& job, int status, bool began);
+    bool NoteDeath(TJob& job, int status, bool began);
     void RetryLost();
     void ForgetEnded();
     void TellWorkers();
@@ -68,6 +80,7 @@ private:
     int FVersion = 0; // of the lists
     QHash<const TPDFActionList*, TReach> FReaches;
     std::vector<std::unique_ptr<TWorker>> FWorkers;
+    std::deque<TJob*> FBack; // that a worker had, and hasn't begun
     std::deque<TJob*> FLost; // whose worker somebody else killed: once more, alone
     TJob* FAlone = nullptr;  // the one of them that is at work
     bool FStopTold = false;

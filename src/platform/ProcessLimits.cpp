@@ -1,8 +1,11 @@
 #include "platform/ProcessLimits.h"
 
+#include <QFile>
+
 #include <algorithm>
 #include <atomic>
 #include <sys/resource.h>
+#include <utility>
 
 namespace {
 
@@ -13,8 +16,9 @@ void SetMemoryLimit(rlim_t bytes) {
     rlimit limit{};
     if (::getrlimit(RLIMIT_DATA, &limit) != 0)
         return;
-    limit.rlim_cur = std::min(bytes, limit.rlim_max);
-    (void)::setrlimit(RLIMIT_DATA, &limit);
+    const rlim_t wanted = std::min(bytes, limit.rlim_max);
+    if (std::exchange(limit.rlim_cur, wanted) != wanted)
+        (void)::setrlimit(RLIMIT_DATA, &limit);
 }
 
 } // namespace
@@ -52,6 +56,16 @@ void LimitMemory(quint64 bytes) {
     if (::getrlimit(RLIMIT_DATA, &limit) == 0)
         FormerMemory.compare_exchange_strong(none, limit.rlim_cur);
     SetMemoryLimit(bytes);
+}
+
+quint64 MemoryHeldBy(pid_t process) {
+    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(process));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (line.startsWith("Pss:"))
+            return line.mid(4).simplified().split(' ').first().toULongLong() << 10;
+    return 0;
 }
 
 TFormerMemoryLimit::TFormerMemoryLimit() {

@@ -19,6 +19,10 @@ void RestoreDescriptorLimit(pid_t program);
 /// From here on the process may hold so many bytes as data. It may be called again, with more or less.
 void LimitMemory(quint64 bytes);
 
+/// Bytes of memory that a process holds, its share of what it has together with others included; 0 where the
+/// system doesn't say.
+[[nodiscard]] quint64 MemoryHeldBy(pid_t process);
+
 /// While it lives, the process has the limit of memory that it was started with, and so have the programs
 /// that it starts, from their beginning.
 class TFormerMemoryLimit {

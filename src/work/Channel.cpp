@@ -14,7 +14,7 @@ namespace {
 
 constexpr qsizetype LengthBytes = 4;
 constexpr timeval Patience{10, 0};
-constexpr size_t MostFiles = 2;
+constexpr size_t MostFiles = 3;
 constexpr char FileCount[] = "files";
 
 QByteArray Framed(const QCborMap& body) {
@@ -37,26 +37,30 @@ void TChannel::MakePair(TDescriptor& one, TDescriptor& other) {
         (void)::setsockopt(end, SOL_SOCKET, SO_SNDTIMEO, &Patience, sizeof Patience);
 }
 
-bool TChannel::Send(const QCborMap& body, std::initializer_list<int> files) {
+bool TChannel::Send(const QCborMap& body, const QList<int>& files) {
     QCborMap whole = body;
-    if (files.size() > 0)
+    if (!files.isEmpty())
         whole[QLatin1String(FileCount)] = int(files.size());
     alignas(cmsghdr) char control[CMSG_SPACE(MostFiles * sizeof(int))] = {};
     msghdr header{};
-    if (const size_t bytes = files.size() * sizeof(int); bytes > 0) {
+    if (const size_t bytes = size_t(files.size()) * sizeof(int); bytes > 0) {
         header.msg_control = control;
         header.msg_controllen = CMSG_SPACE(bytes);
         cmsghdr* const rights = CMSG_FIRSTHDR(&header);
         rights->cmsg_level = SOL_SOCKET;
         rights->cmsg_type = SCM_RIGHTS;
         rights->cmsg_len = CMSG_LEN(bytes);
-        std::memcpy(CMSG_DATA(rights), files.begin(), bytes);
+        std::memcpy(CMSG_DATA(rights), files.constData(), bytes);
     }
     const std::lock_guard guard(FSending);
-    const QByteArray sending = std::exchange(FLater, {}) + Framed(whole);
+    return SendAll(std::exchange(FLater, {}) + Framed(whole), header);
+}
+
+/// Under the lock.
+bool TChannel::SendAll(const QByteArray& bytes, msghdr& header) const {
     qsizetype sent = 0;
-    while (sent < sending.size()) {
-        iovec part{const_cast<char*>(sending.constData()) + sent, size_t(sending.size() - sent)};
+    while (sent < bytes.size()) {
+        iovec part{const_cast<char*>(bytes.constData()) + sent, size_t(bytes.size() - sent)};
         header.msg_iov = &part;
         header.msg_iovlen = 1;
         const ssize_t now = ::sendmsg(FSocket.Number(), &header, MSG_NOSIGNAL);
@@ -69,6 +73,12 @@ bool TChannel::Send(const QCborMap& body, std::initializer_list<int> files) {
         header.msg_controllen = 0;
     }
     return true;
+}
+
+bool TChannel::Flush() {
+    const std::lock_guard guard(FSending);
+    msghdr header{};
+    return SendAll(std::exchange(FLater, {}), header);
 }
 
 void TChannel::SendLater(const QCborMap& body) {

@@ -3,6 +3,8 @@
 // socket pair. A message may hand descriptors over.
 #include "platform/Descriptor.h"
 
+#include <sys/socket.h>
+
 #include <QCborMap>
 
 #include <deque>
@@ -29,10 +31,11 @@ public:
     [[nodiscard]] int Descriptor() const { return FSocket.Number(); }
     /// Any thread may call it. False where the other end has gone, or takes nothing for some seconds. The
     /// descriptors stay the caller's.
-    [[nodiscard]] bool Send(const QCborMap& body, std::initializer_list<int> files = {});
-    /// Sends it with the next message: two that belong together wake the other end once. From Send()'s
-    /// thread.
+    [[nodiscard]] bool Send(const QCborMap& body, const QList<int>& files = {});
+    /// Sends it with the next message, or by Flush(): those that belong together wake the other end once.
     void SendLater(const QCborMap& body);
+    /// Sends what waits for the next message. Any thread may call it. False as Send().
+    [[nodiscard]] bool Flush();
     /// Takes what has arrived, without waiting. False where the other end has gone or what it sent is no
     /// message; what had arrived whole before is there still.
     [[nodiscard]] bool Fill();
@@ -42,6 +45,7 @@ public:
     void WaitForMore() const;
 
 private:
+    [[nodiscard]] bool SendAll(const QByteArray& bytes, msghdr& header) const;
     [[nodiscard]] bool IsSound() const;
 
     TDescriptor FSocket;

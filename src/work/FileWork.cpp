@@ -159,7 +159,7 @@ TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TPro
         return Ended(TOutcomeState::DoneWithWarnings, {TReasonCode::ListUnknown, {}, text});
     }
     // Written before the actions run and whatever they do: that is the line's fixed wording.
-    host.Log(QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest));
+    host.Log(ExecutingLine(work));
     host.Hint(QStringLiteral("Executing \"%1\" on \"%2\".").arg(work.ActionName, work.Dest));
     // Made first: where nothing can be written, nothing is worked on in vain.
     TOutputFile& result = AmongSurroundings([&]() -> TOutputFile& { return host.OpenResult(); });
@@ -191,6 +191,14 @@ TOutcome Failed(TWorkHost& host, const TReason& reason) {
 
 } // namespace
 
+string ExecutingLine(const TFileWork& work) {
+    return QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest);
+}
+
+string MemoryText() {
+    return QStringLiteral("The work takes more memory than it may have");
+}
+
 TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host) {
     TProgress progress;
     try {
@@ -206,8 +214,7 @@ TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host
     } catch (const EPolicy& e) {
         return Failed(host, e.Reason());
     } catch (const std::bad_alloc&) {
-        return Failed(host, {TReasonCode::WorkerMemory, progress.Step,
-                             QStringLiteral("The work takes more memory than it may have")});
+        return Failed(host, {TReasonCode::WorkerMemory, progress.Step, MemoryText()});
     } catch (const std::exception& e) {
         return Failed(host, {BlameOf(e, progress), progress.Step, MessageOf(e)});
     }

@@ -16,6 +16,12 @@ struct TFileWork {
     TPDFFolderPolicy Policy;
 };
 
+/// The run log's line of work that begins.
+[[nodiscard]] string ExecutingLine(const TFileWork& work);
+
+/// Why work that met its limit of memory has failed.
+[[nodiscard]] string MemoryText();
+
 /// What the work needs of whoever has it done.
 class TWorkHost {
 public:

@@ -30,7 +30,7 @@ QCborMap MapOf(const TPDFFolderPolicy& policy) {
 TPDFFolderPolicy PolicyOf(const QCborMap& map) {
     TPDFFolderPolicy policy;
     const QMetaObject& type = TPDFFolderPolicy::staticMetaObject;
-    for (int i = 0; i < type.propertyCount(); ++i)
+    for (int i = 0; i < type.propertyCount() && !map.isEmpty(); ++i)
         type.property(i).writeOnGadget(&policy,
                                        int(map.value(QLatin1String(type.property(i).name())).toInteger()));
     return policy;
@@ -59,7 +59,8 @@ void Put(QCborMap& message, const TFileWork& work) {
     message[Source] = work.Source;
     message[Dest] = work.Dest;
     message[List] = work.ActionName;
-    message[Policy] = MapOf(work.Policy);
+    if (work.Policy != TPDFFolderPolicy())
+        message[Policy] = MapOf(work.Policy);
 }
 
 TFileWork WorkOf(const QCborMap& message) {
@@ -72,15 +73,19 @@ TFileWork WorkOf(const QCborMap& message) {
 }
 
 void Put(QCborMap& message, const TOutcome& outcome) {
-    QCborArray reasons;
-    for (const TReason& reason : outcome.Reasons)
-        reasons.append(QCborArray{int(reason.Code), reason.Step, reason.Text});
     message[State] = int(outcome.State);
-    message[Reasons] = reasons;
+    if (!outcome.Reasons.isEmpty()) {
+        QCborArray reasons;
+        for (const TReason& reason : outcome.Reasons)
+            reasons.append(QCborArray{int(reason.Code), reason.Step, reason.Text});
+        message[Reasons] = reasons;
+    }
     message[Written] = outcome.Written;
     message[Pages] = outcome.Pages;
-    message[Error] = outcome.Error;
-    message[OfSource] = outcome.OfSource;
+    if (outcome.Error != 0) {
+        message[Error] = outcome.Error;
+        message[OfSource] = outcome.OfSource;
+    }
 }
 
 TOutcome OutcomeOf(const QCborMap& message) {

@@ -3,7 +3,10 @@
 // under "kind".
 //
 // To the worker:   Lists  {text}                the action lists from now on
-//                  Work   {work..., memory}     with descriptors: the source's, perhaps the result's
+//                  Work   {work..., memory, permit}  with descriptors: the source's, perhaps the result's,
+//                  and
+//                                               where it is handed over ahead of time, at that place, an
+//                                               event counter: whoever reads it first has the work
 //                  Result {} or {error, text}   with the result's, which was asked for, or why not
 //                  Answer {answer} or {text}    what a user answered
 // To the agent:    Ready  {text}                the sandbox in force

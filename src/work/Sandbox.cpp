@@ -186,6 +186,8 @@ constexpr int Allowed[] = {SCMP_SYS(access),
                            SCMP_SYS(sysinfo),
                            SCMP_SYS(tgkill),
                            SCMP_SYS(time),
+                           SCMP_SYS(timerfd_create),
+                           SCMP_SYS(timerfd_settime),
                            SCMP_SYS(uname),
                            SCMP_SYS(write),
                            SCMP_SYS(writev)};

@@ -16,8 +16,11 @@
 
 #include <QBuffer>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <poll.h>
+#include <sys/timerfd.h>
 #include <thread>
 
 namespace {
@@ -28,23 +31,13 @@ constexpr bool Sanitized = true; // takes more memory than any limit grants
 constexpr bool Sanitized = false;
 #endif
 
-/// Waits on a thread of its own, so that a stop reaches work that goes on, and the agent's death ends it.
-void HoldLeash(const TDescriptor& leash) {
-    DescribeThisThread("leash", TThreadPriority::Normal);
-    char byte = 0;
-    for (;;) {
-        const ssize_t got = ::read(leash.Number(), &byte, 1);
-        if (got > 0)
-            StopSignal().Raise();
-        else if (got == 0 || errno != EINTR)
-            std::_Exit(EXIT_SUCCESS); // what is half done is nobody's
-    }
-}
+constexpr itimerspec Moment{{}, {0, 50'000'000}}; // 50 ms
 
 class TWorker : public TWorkHost, public TMessageBoxHost, public TPasswordPrompt {
 public:
     TWorker(TDescriptor socket, string sandbox)
-        : FSandbox(std::move(sandbox)), FChannel(std::move(socket), TChannel::MostToWorker) {
+        : FSandbox(std::move(sandbox)), FChannel(std::move(socket), TChannel::MostToWorker),
+          FMoment(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC)) {
         SetInterruptTest([] { return StopSignal().IsOverdue(); });
         SetMessageBoxHost(this);
         SetPasswordPrompt(this);
@@ -67,9 +60,32 @@ public:
         }
     }
 
-    /// Goes with the hint or the outcome behind it.
-    void Log(const string& line) override { FChannel.SendLater(TextMessage(TMessageKind::Log, line)); }
-    void Hint(const string& text) override { Tell(TextMessage(TMessageKind::Hint, text)); }
+    /// Waits on a thread of its own, so that a stop reaches work that goes on, the agent's death ends it, and
+    /// what it has said isn't kept for long.
+    [[noreturn]] void HoldLeash(const TDescriptor& leash) {
+        DescribeThisThread("leash", TThreadPriority::Normal);
+        for (;;) {
+            pollfd waited[] = {{leash.Number(), POLLIN, 0}, {FMoment.Number(), POLLIN, 0}};
+            if (::poll(waited, std::size(waited), -1) < 0)
+                continue;
+            quint64 read = 0;
+            if (waited[1].revents != 0 && ::read(FMoment.Number(), &read, sizeof read) > 0) {
+                FKept = false;
+                (void)FChannel.Flush(); // who sends next sees whether anybody is there
+            }
+            if (waited[0].revents == 0)
+                continue;
+            const ssize_t got = ::read(leash.Number(), &read, 1);
+            if (got > 0)
+                StopSignal().Raise();
+            else if (got == 0 || errno != EINTR)
+                std::_Exit(EXIT_SUCCESS); // what is half done is nobody's
+        }
+    }
+
+    /// Go with the outcome of work that takes but a moment, so that the agent wakes once for it.
+    void Log(const string& line) override { Say(TextMessage(TMessageKind::Log, line)); }
+    void Hint(const string& text) override { Say(TextMessage(TMessageKind::Hint, text)); }
     [[nodiscard]] bool Terminated() override { return StopSignal().Raised(); }
 
     [[nodiscard]] TOutputFile& OpenResult() override {
@@ -115,7 +131,14 @@ private:
         }
     }
 
+    void Say(const QCborMap& message) {
+        FChannel.SendLater(message);
+        if (!FKept.exchange(true))
+            (void)::timerfd_settime(FMoment.Number(), 0, &Moment, nullptr);
+    }
+
     void Tell(const QCborMap& message) {
+        FKept = false;
         if (!FChannel.Send(message))
             std::_Exit(EXIT_FAILURE); // nobody is there to tell
     }
@@ -134,7 +157,20 @@ private:
         XMLDeserialize(FLists, buffer, QString());
     }
 
+    /// What was handed over ahead of time may have been taken back.
+    [[nodiscard]] static bool IsPermitted(TChannelMessage& order) {
+        const QCborValue at = order.Body.value(QLatin1String("permit"));
+        if (!at.isInteger() || at.toInteger() < 0 || size_t(at.toInteger()) >= order.Files.size())
+            return true;
+        const TDescriptor permit = std::move(order.Files[size_t(at.toInteger())]);
+        order.Files.resize(size_t(at.toInteger()));
+        quint64 read = 0;
+        return ::read(permit.Number(), &read, sizeof read) > 0;
+    }
+
     void WorkOn(TChannelMessage& order) {
+        if (!IsPermitted(order))
+            return;
         FWork = WorkOf(order.Body);
         FWork.Descriptor = order.Files.empty() ? -1 : order.Files[0].Number();
         if (order.Files.size() > 1)
@@ -153,6 +189,8 @@ private:
 
     string FSandbox;
     TChannel FChannel;
+    TDescriptor FMoment; // runs out where something said was kept
+    std::atomic<bool> FKept = false;
     TPDFActionManager FLists;
     TFileWork FWork;
     TDescriptor FResultFile;
@@ -162,12 +200,14 @@ private:
 } // namespace
 
 int RunWorker(TDescriptor socket, TDescriptor leash, const char* reach) {
+    std::optional<TWorker> worker; // for as long as its thread
     try {
         const string sandbox = EnterSandbox(TReach(QByteArray(reach).toInt()));
-        std::thread([held = std::move(leash)] { HoldLeash(held); }).detach();
-        TWorker(std::move(socket), sandbox).Run();
+        worker.emplace(std::move(socket), sandbox);
+        std::thread([&worker, held = std::move(leash)] { worker->HoldLeash(held); }).detach();
+        worker->Run();
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("A worker ends: %1").arg(MessageOf(e)));
-        return EXIT_FAILURE;
+        std::_Exit(EXIT_FAILURE);
     }
 }

@@ -2,12 +2,15 @@
 // An action that does what a fault of the program, or a hostile document, may do to a worker.
 #include "actions/Action.h"
 #include "base/Exceptions.h"
+#include "engine/document/Document.h"
 
 #include <QFile>
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,7 +22,7 @@ public:
     PUBLISHED(string, Kind, FKind);
     PUBLISHED(string, Path, FPath); ///< of a file: what it does to it, or a mark that it was here before
 
-    Cardinal Execute(TZQPDFDocument& /*Document*/) override {
+    Cardinal Execute(TZQPDFDocument& Document) override {
         if (FKind == "crash") {
             ::signal(SIGSEGV, SIG_DFL);
             ::raise(SIGSEGV);
@@ -28,6 +31,10 @@ public:
         } else if (FKind == "hang") {
             for (;;)
                 ::pause();
+        } else if (FKind == "await" && Document.GetPageCount() == 2) {
+            for (int i = 0; i < 20; ++i) // which other workers make
+                while (!QFile::exists(FPath.arg(i)))
+                    ::usleep(1000);
         } else if (FKind == "eat") {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
             throw std::bad_alloc(); // what a sanitizer would make the process's end
@@ -36,6 +43,11 @@ public:
             for (;;)
                 held.push_back(std::make_unique<char[]>(1 << 20));
 #endif
+        } else if (FKind == "share") {
+            constexpr size_t much = 600U << 20;
+            void* const held = ::mmap(nullptr, much, PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+            for (std::memset(held, 1, much);;)
+                ::pause();
         } else if (FKind == "write") {
             Forbid("write elsewhere", ::open(FPath.toUtf8(), O_WRONLY | O_CREAT, 0600));
         } else if (FKind == "empty") {

@@ -95,8 +95,26 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(TFaultCase{"Crash", "crash", "", "The worker ended by signal 11"},
                     TFaultCase{"Exit", "exit", "", "The worker ended by exit code 7"},
                     TFaultCase{"Memory", "eat", "<WorkMemory>300</WorkMemory>", "The work takes more memory"},
+                    TFaultCase{"Shared", "share", "<WorkMemory>300</WorkMemory>",
+                               "The work takes more memory"},
                     TFaultCase{"Time", "hang", "<WorkSeconds>1</WorkSeconds>", "The work on"}),
     [](const auto& param) { return param.param.Name; });
+
+/// What a worker was handed ahead of time goes to the other one when its work turns out to be long.
+TEST_F(Workers, NothingWaitsBehindLongWork) {
+    FSettings.Workers.Count = 2;
+    for (const char* folder : {"long", "in"})
+        QDir().mkpath(In(folder));
+    WriteFolders(Folder(In("long"), "Await") + Folder(In("in"), "Rotate"));
+    WriteActions(List("Await", Fault("await", In("in/output/f%1.pdf"))) + List("Rotate", RotateAction));
+    for (int i = 0; i < 8; ++i)
+        MakePdf(In("long") + QStringLiteral("/a%1.pdf").arg(i), i == 4 ? 2 : 1);
+    for (int i = 0; i < 20; ++i)
+        Drop(QStringLiteral("f%1.pdf").arg(i));
+    Play();
+    EXPECT_EQ(FWorkspace.Names("long/output").size(), 8) << Log().toStdString();
+    EXPECT_EQ(FWorkspace.Names("in/output").size(), 20);
+}
 
 TEST_F(Workers, MayDoNothingButTheirWork) {
     FWorkspace.Write("private", "secret");

@@ -23,7 +23,7 @@ public:
         const qint64 run =
             SteadyRuns ? std::chrono::steady_clock::now().time_since_epoch() / std::chrono::milliseconds(1)
                        : 0;
-        return FNow.toMSecsSinceEpoch() + run;
+        return FMilliseconds + run;
     }
     /// For what takes real time, as the limits of processes do. Set before the run begins.
     bool SteadyRuns = false;
@@ -34,7 +34,7 @@ public:
         FChanged.wait(lock, [this] { return FAllowed > 0 || FAwake; });
         if (FAllowed > 0)
             --FAllowed;
-        FNow = FNow.addSecs(1);
+        Set(FNow.addSecs(1));
         FIdle = false;
     }
     void Wake() override {
@@ -63,13 +63,19 @@ public:
     }
     void SetNow(const QDateTime& now) {
         const std::lock_guard lock(FMutex);
-        FNow = now;
+        Set(now);
     }
 
 private:
+    void Set(const QDateTime& now) {
+        FNow = now;
+        FMilliseconds = now.toMSecsSinceEpoch();
+    }
+
     std::mutex FMutex;
     std::condition_variable FChanged;
     QDateTime FNow{QDate(2026, 11, 15), QTime(12, 0)};
+    qint64 FMilliseconds = FNow.toMSecsSinceEpoch(); // asked for often, and dear for times of a zone
     int FAllowed = 0;
     bool FIdle = false;
     bool FAwake = false;
