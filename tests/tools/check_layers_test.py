@@ -50,6 +50,7 @@ class CheckLayers(unittest.TestCase):
             ("engine/A.cpp", '#include "../base/Text.h"', "not written from src/"),
             ("actions/A.cpp", "#include <qpdf/QPDF.hh>", "for engine only"),
             ("actions/A.cpp", "#include <jsapi.h>", "for scripting only"),
+            ("agent/A.cpp", "#include <QSqlQuery>", "for ledger only"),
             ("editor/A.cpp", "#include <QWidget>", "for apps and desktop only"),
         ]:
             with self.subTest(path=path, line=line):
