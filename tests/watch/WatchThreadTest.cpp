@@ -16,6 +16,7 @@ struct TFolders {
     std::vector<std::thread::id> Threads;
     int Pending = 0; ///< changes not yet armed away; Endless for a burst that doesn't stop
     int Armed = 0;
+    std::atomic<int> Held = 0; ///< notifications that the thread has
     TEvent Ready;
 
     static constexpr int Endless = -1;
@@ -34,7 +35,8 @@ struct TFolders {
 
 class TFakeNotification : public TChangeNotification {
 public:
-    explicit TFakeNotification(TFolders& folders) : FFolders(folders) {}
+    explicit TFakeNotification(TFolders& folders) : FFolders(folders) { ++FFolders.Held; }
+    ~TFakeNotification() override { --FFolders.Held; }
     int Descriptor() const override { return FFolders.Ready.Descriptor(); }
     bool Take() override {
         const std::lock_guard guard(FFolders.Lock);
@@ -62,6 +64,7 @@ protected:
             FFolders.Opened.push_back(folder);
             FFolders.Threads.push_back(std::this_thread::get_id());
             EXPECT_TRUE(subtree == TSubtree::Yes && filters == 16);
+            EXPECT_EQ(FFolders.Held, 0); // the system gives a user only so many
             if (folder == "raises")
                 throw Exception("no such luck");
             return folder == "missing" ? nullptr : std::make_unique<TFakeNotification>(FFolders);
