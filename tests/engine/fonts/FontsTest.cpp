@@ -155,6 +155,8 @@ TEST_F(TFontsCase, FamilyAndStyleChooseOneSmallFontForAllPages) {
     expected.sort();
     const string path = Save();
     EXPECT_EQ(EmbeddedFonts(path), expected);
+    const auto plain = RunProgram(u"qpdf"_s, {u"--qdf"_s, u"--object-streams=disable"_s, path, u"-"_s});
+    EXPECT_EQ(plain.Out.count("/Type /Font\n"), 2 * expected.size()); // each with its descendant
     EXPECT_LT(QFileInfo(path).size(), 40'000);
 }
 
