@@ -97,9 +97,10 @@ TEST(RealAgent, ItsWorkersKilledAtRandomInstants) {
     int dropped = 0;
     int killed = 0;
     while (killed < kills) {
-        for (; workspace.Names("in").filter(".pdf").size() < 40; ++dropped)
+        for (; workspace.Names("in").filter(".pdf").size() < 300; ++dropped)
             drops.Drop(QStringLiteral("%1.pdf").arg(dropped), 1 + dropped % 3);
-        ::usleep(useconds_t(QRandomGenerator::global()->bounded(20'000)));
+        // Longer than a worker takes to begin, or none ever would.
+        ::usleep(useconds_t(QRandomGenerator::global()->bounded(150'000)));
         const QList<pid_t> workers = agent.Workers();
         if (workers.isEmpty())
             continue;
