@@ -86,6 +86,10 @@ QStringList EmbeddedFonts(const string& path) {
     return fonts;
 }
 
+QByteArray Plain(const string& path) {
+    return RunProgram(u"qpdf"_s, {u"--qdf"_s, u"--object-streams=disable"_s, path, u"-"_s}).Out;
+}
+
 enum class TByMutool { Yes, No }; // it leaves right to left as drawn and knows no replacement text
 
 TEST_F(TFontsCase, TextIsSeenAndReadAsTyped) {
@@ -155,8 +159,7 @@ TEST_F(TFontsCase, FamilyAndStyleChooseOneSmallFontForAllPages) {
     expected.sort();
     const string path = Save();
     EXPECT_EQ(EmbeddedFonts(path), expected);
-    const auto plain = RunProgram(u"qpdf"_s, {u"--qdf"_s, u"--object-streams=disable"_s, path, u"-"_s});
-    EXPECT_EQ(plain.Out.count("/Type /Font\n"), 2 * expected.size()); // each with its descendant
+    EXPECT_EQ(Plain(path).count("/Type /Font\n"), 2 * expected.size()); // each with its descendant
     EXPECT_LT(QFileInfo(path).size(), 40'000);
 }
 
@@ -165,6 +168,16 @@ TEST_F(TFontsCase, PlainLatinIsOneShortOperator) {
     EXPECT_NE(Show(u"AVA"_s).find("]TJ"), std::string::npos);
     EXPECT_EQ(Show(u"\u0001"_s), "");
     EXPECT_EQ(Show(u"AB"_s, u"Lohit Devanagari"_s, 2).find("/Span"), std::string::npos);
+}
+
+TEST_F(TFontsCase, SectionsOfTheMapToTextHoldHundredEntriesAtMost) {
+    string text;
+    for (char16_t letter = 0x100; letter < 0x250; letter += 2) // no two of a run
+        text += QChar(letter);
+    Show(text, u"DejaVu Sans"_s);
+    const QByteArray plain = Plain(Save());
+    EXPECT_EQ(plain.count("\n100 beginbfchar"), 1);
+    EXPECT_EQ(plain.count(" beginbfchar"), 2);
 }
 
 TEST_F(TFontsCase, FontsGrowWithWhatIsShownAfterASave) {
