@@ -57,7 +57,7 @@ bool TChannel::Send(const QCborMap& body, const QList<int>& files) {
 }
 
 /// Under the lock.
-bool TChannel::SendAll(const QByteArray& bytes, msghdr& header) const {
+bool TChannel::SendAll(const QByteArray& bytes, msghdr header) const {
     qsizetype sent = 0;
     while (sent < bytes.size()) {
         iovec part{const_cast<char*>(bytes.constData()) + sent, size_t(bytes.size() - sent)};
@@ -77,8 +77,7 @@ bool TChannel::SendAll(const QByteArray& bytes, msghdr& header) const {
 
 bool TChannel::Flush() {
     const std::lock_guard guard(FSending);
-    msghdr header{};
-    return SendAll(std::exchange(FLater, {}), header);
+    return SendAll(std::exchange(FLater, {}), {});
 }
 
 void TChannel::SendLater(const QCborMap& body) {

@@ -45,7 +45,7 @@ public:
     void WaitForMore() const;
 
 private:
-    [[nodiscard]] bool SendAll(const QByteArray& bytes, msghdr& header) const;
+    [[nodiscard]] bool SendAll(const QByteArray& bytes, msghdr header) const;
     [[nodiscard]] bool IsSound() const;
 
     TDescriptor FSocket;
