@@ -42,9 +42,12 @@ TEST_F(Workers, LogAndFoldersAreThoseOfOneThread) {
         MakePdf(In("in2/other.pdf"), 1);
         for (int i = 0; i < 20; ++i)
             Drop(QStringLiteral("f%1.pdf").arg(i), 1 + i % 5);
+        QFile::setPermissions(In("in/f2.pdf"), QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup);
         FWorkspace.Write("in/f3 no.pdf", "no PDF");
         MakePdf(In("in/secret.pdf"), 1, {.UserPassword = "open", .OwnerPassword = "owner"});
         Play();
+        EXPECT_EQ(QFile::permissions(In("in/output/f2.pdf")), QFile::permissions(In("in/process/f2.pdf")));
+        EXPECT_FALSE(QFile::permissions(In("in/output/f2.pdf")).testFlag(QFile::ReadOther));
         logs[workers] = Log();
         trees[workers] = Tree();
         FThread.reset();
