@@ -117,6 +117,7 @@ TEST_F(Workers, NothingWaitsBehindLongWork) {
     Play();
     EXPECT_EQ(FWorkspace.Names("long/output").size(), 8) << Log().toStdString();
     EXPECT_EQ(FWorkspace.Names("in/output").size(), 20);
+    EXPECT_EQ(Log().count("Executing \"Rotate\""), 20) << "once each";
 }
 
 TEST_F(Workers, MayDoNothingButTheirWork) {
