@@ -4,13 +4,15 @@
 // And small files stamped with Bates lines, with sync, on a disk and in memory: by the agent alone and by 1,
 // 2 and 4 workers.
 //
-//     run_throughput [--rounds N] [--files N] [--only disk|memory|alone] [--workers 0,1,2,4]
+//     run_throughput [--rounds N] [--files N] [--only disk|memory|ledger|alone] [--workers 0,1,2,4]
 //
-// "disk" and "memory" are the workers' two places, "alone" is what the agent does without them.
+// "disk" and "memory" are the workers' two places, "ledger" is what it costs to keep one, "alone" is what the
+// agent does without workers.
 // The two sides of each comparison take turns in one run; medians are printed. "without sync" leaves out the
 // waits for the disk, which the loop doesn't do either.
 #include "Paired.h"
 #include "actions/ActionClasses.h"
+#include "agent/AgentLedger.h"
 #include "agent/FoldersThread.h"
 #include "base/PartFile.h"
 #include "engine/document/Document.h"
@@ -42,7 +44,7 @@ void FillFolder(const QString& samples, const QString& folder) {
     Shell("cp " + samples + "/*.pdf " + folder);
 }
 
-void RunPass(const QString& root, FileSync sync, int workers = 0) {
+void RunPass(const QString& root, FileSync sync, int workers = 0, TAgentLedger* ledger = nullptr) {
     SetFileSync(sync);
     RegisterActionClasses();
     TPlayedClock clock;
@@ -53,7 +55,7 @@ void RunPass(const QString& root, FileSync sync, int workers = 0) {
     settings.Workers = {.Count = workers,
                         .Program =
                             QCoreApplication::applicationDirPath() + QStringLiteral("/morvane-worker")};
-    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint, status}, settings);
+    TWatchedFoldersThread thread(root + "/c/", {clock, files, hint, status, {}, nullptr, ledger}, settings);
     clock.Play(1);
 }
 
@@ -111,7 +113,8 @@ void SmallFilesBench(const QString& root, int rounds) {
                 1e6 * Median(loopCpu) / SmallFiles, Median(ratios));
 }
 
-void WorkersBench(const QString& root, const char* place, const QList<int>& counts, int files, int rounds) {
+/// Samples and a list that stamps six Bates texts on each page.
+void PrepareStamping(const QString& root, int files) {
     WriteConfiguration(
         root, "<Action Class=\"TPDFActionAddBatesNumbering\"><bates><HeaderLeft>[filename]</HeaderLeft>"
               "<HeaderRight>Exhibit [page+100:6]</HeaderRight><FooterLeft>[date]</FooterLeft>"
@@ -119,26 +122,65 @@ void WorkersBench(const QString& root, const char* place, const QList<int>& coun
     QDir().mkpath(root + "/samples");
     for (int i = 0; i < files; ++i)
         MakePdf(QStringLiteral("%1/samples/file %2.pdf").arg(root, QString::number(i)), 1 + i % 3);
+}
+
+/// With a path, there is a ledger, in which all is when it ends.
+TFigure StampAll(const QString& root, int files, int workers, const QString& ledger = {}) {
+    FillFolder(root + "/samples", root + "/in");
+    const TFigure figure = Measure([&] {
+        std::optional<TAgentLedger> kept;
+        if (!ledger.isEmpty()) {
+            TEditorSettings settings;
+            settings.Ledger = ledger;
+            kept.emplace(settings);
+        }
+        RunPass(root, FileSync::On, workers, kept ? &*kept : nullptr);
+    });
+    const auto done = QDir(root + "/in/output").entryList(QDir::Files).size();
+    if (done != files)
+        std::fprintf(stderr, "only %lld results\n", static_cast<long long>(done));
+    return figure;
+}
+
+void PrintStamped(const QString& name, int files, const QList<TFigure>& figures) {
+    QList<double> seconds, cpu, peak;
+    for (const TFigure& figure : figures) {
+        seconds.append(figure.Seconds);
+        cpu.append(figure.CpuSeconds);
+        peak.append(figure.PeakMiB);
+    }
+    std::printf("  %s %8.0f files/s   CPU %.0f us a file   peak of a process %.1f MiB\n", qPrintable(name),
+                files / Median(seconds), 1e6 * Median(cpu) / files, Median(peak));
+}
+
+void WorkersBench(const QString& root, const char* place, const QList<int>& counts, int files, int rounds) {
+    PrepareStamping(root, files);
     QMap<int, QList<TFigure>> figures;
     for (int round = 0; round < rounds; ++round)
-        for (const int workers : counts) {
-            FillFolder(root + "/samples", root + "/in");
-            figures[workers].append(Measure([&] { RunPass(root, FileSync::On, workers); }));
-            const auto done = QDir(root + "/in/output").entryList(QDir::Files).size();
-            if (done != files)
-                std::fprintf(stderr, "only %lld results\n", static_cast<long long>(done));
-        }
+        for (const int workers : counts)
+            figures[workers].append(StampAll(root, files, workers));
     std::printf("%d files of 1 to 3 pages, six Bates texts a page, with sync, %s, %d rounds, medians\n",
                 files, place, rounds);
+    for (const int workers : counts)
+        PrintStamped(QStringLiteral("%1 workers").arg(workers), files, figures[workers]);
+}
+
+void LedgerBench(const QString& root, const QList<int>& counts, int files, int rounds) {
+    PrepareStamping(root, files);
+    std::printf("%d files as above, in memory, without and with a ledger there, %d rounds, medians\n", files,
+                rounds);
     for (const int workers : counts) {
-        QList<double> seconds, cpu, peak;
-        for (const TFigure& figure : figures[workers]) {
-            seconds.append(figure.Seconds);
-            cpu.append(figure.CpuSeconds);
-            peak.append(figure.PeakMiB);
+        QList<TFigure> without, with;
+        QList<double> ratios;
+        for (int round = 0; round < rounds; ++round) {
+            without.append(StampAll(root, files, workers));
+            with.append(StampAll(root, files, workers,
+                                 root + QStringLiteral("/ledger-%1-%2.sqlite").arg(workers).arg(round)));
+            ratios.append(with.last().Seconds / without.last().Seconds);
         }
-        std::printf("  %d workers %8.0f files/s   CPU %.0f us a file   peak of a process %.1f MiB\n", workers,
-                    files / Median(seconds), 1e6 * Median(cpu) / files, Median(peak));
+        PrintStamped(QStringLiteral("%1 workers, without").arg(workers), files, without);
+        PrintStamped(QStringLiteral("%1 workers, with   ").arg(workers), files, with);
+        std::printf("  %d workers: with the ledger %.3f times as long\n", workers, Median(ratios));
     }
 }
 
@@ -194,6 +236,8 @@ int main(int argc, char** argv) {
         WorkersBench(root.path() + "/workers", "in the temporary folder", counts, files, rounds);
     if (const QTemporaryDir memory("/dev/shm/morvane-XXXXXX"); memory.isValid() && wanted("memory"))
         WorkersBench(memory.path(), "in memory", counts, files, rounds);
+    if (const QTemporaryDir memory("/dev/shm/morvane-XXXXXX"); memory.isValid() && wanted("ledger"))
+        LedgerBench(memory.path(), counts, files, rounds);
     if (!wanted("alone"))
         return 0;
     SmallFilesBench(root.path(), rounds);

@@ -127,6 +127,11 @@ void TAgentStatus::SetWorkers(std::vector<TWorkerState> workers) {
     FWorkers = std::move(workers);
 }
 
+void TAgentStatus::SetLedger(const TLedgerQueueState& ledger) {
+    const std::lock_guard guard(FLock);
+    FLedger = ledger;
+}
+
 void TAgentStatus::ListsLoaded(TListKind kind, const QDateTime& time) {
     const std::lock_guard guard(FLock);
     Of(kind) = {time, {}};
@@ -194,6 +199,8 @@ std::vector<TAgentStatus::TTrouble> TAgentStatus::Troubles() const {
         if (folder.State == TFolderState::Broken)
             troubles.push_back({QStringLiteral("folder ") + folder.Name,
                                 QStringLiteral("\"%1\" is not served: %2").arg(folder.Name, folder.Reason)});
+    if (FLedger && !FLedger->Fault.isEmpty())
+        troubles.push_back({QStringLiteral("ledger"), FLedger->Fault});
     return troubles;
 }
 
@@ -267,5 +274,11 @@ QByteArray TAgentStatus::ToJson() const {
                                    {"sandbox", worker.Sandbox},
                                    {"file", worker.File}});
     json["workers"] = workers;
+    if (FLedger)
+        json["ledger"] = QJsonObject{{"place", FLedger->Place},
+                                     {"fault", FLedger->Fault},
+                                     {"waiting", FLedger->Waiting},
+                                     {"written", FLedger->Written},
+                                     {"dropped", FLedger->Dropped}};
     return QJsonDocument(json).toJson(QJsonDocument::Compact);
 }

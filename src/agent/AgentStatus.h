@@ -2,6 +2,7 @@
 // What the agent knows of itself: which lists are in force, what stands in their way, and how each folder
 // fares. The folders thread writes it, any thread reads it; each call is whole for itself.
 #include "base/Text.h"
+#include "ledger/LedgerQueue.h"
 
 #include <QDateTime>
 #include <QMap>
@@ -9,6 +10,7 @@
 
 #include <chrono>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 /// The agent as a whole.
@@ -79,6 +81,8 @@ public:
     /// All that there are now.
     void SetWorkers(std::vector<TWorkerState> workers);
 
+    void SetLedger(const TLedgerQueueState& ledger);
+
     /// The file was read and is in force; takes its fault away.
     void ListsLoaded(TListKind kind, const QDateTime& time);
     /// The file as it stands now can't be used; `text` names it, with line and column where there are any.
@@ -126,6 +130,7 @@ private:
     string FReason;
     std::vector<TFolder> FFolders;
     std::vector<TWorkerState> FWorkers;
+    std::optional<TLedgerQueueState> FLedger; ///< none is kept
     TList FFolderList;
     TList FActionList;
 };

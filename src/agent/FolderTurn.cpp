@@ -1,6 +1,10 @@
 #include "agent/FolderTurn.h"
 
+#include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
+#include "agent/OutcomeRecord.h"
+#include "agent/ReasonFile.h"
+#include "agent/Subfolders.h"
 #include "agent/WorkMarks.h"
 #include "base/Journal.h"
 #include "base/NewName.h"
@@ -20,10 +24,6 @@ constexpr qint64 GroupWaits = 500; // ms, for more
 constexpr int TooManyTroubles = 3; // in a row: it's the folder's, not the files'
 constexpr int TooManyCrashes = 2;
 constexpr int TooManyReadFailures = 3;
-
-constexpr char Output[] = "output";
-constexpr char Process[] = "process";
-constexpr char Error[] = "Error";
 
 TQuietTime QuietTimeOf(const TPDFFolderPolicy& policy) {
     TQuietTime quiet;
@@ -59,9 +59,9 @@ void JournalFailure(const TSourceFile& source, const TReason& reason) {
 
 TFolderTurn::TFolderTurn(const TTurnInput& input)
     : FInput(input), FQuiet(QuietTimeOf(input.Folder.Policy)), FHome(TFolder::Open(input.Folder.Name)),
-      FOutput(TFolder::OpenBelow(FHome, QLatin1String(Output))),
-      FProcess(TFolder::OpenBelow(FHome, QLatin1String(Process))),
-      FError(TFolder::OpenBelow(FHome, QLatin1String(Error))), FClaims(FProcess), FNearby(FHome) {
+      FOutput(TFolder::OpenBelow(FHome, QLatin1String(OutputFolder))),
+      FProcess(TFolder::OpenBelow(FHome, QLatin1String(ProcessFolder))),
+      FError(TFolder::OpenBelow(FHome, QLatin1String(ErrorFolder))), FClaims(FProcess), FNearby(FHome) {
     RequireApart({FHome, FOutput, FProcess, FError});
     if (const Integer index = input.Manager.IndexOf(input.Folder.Action); index >= 0)
         FActions = &input.Manager[index];
@@ -169,7 +169,7 @@ std::unique_ptr<TSourceFile> TFolderTurn::Open(const string& name) {
         return std::make_unique<TSourceFile>(FHome, name);
     } catch (const EFileError& e) {
         if (IsSurroundings(e.Error())) {
-            if (NoteWaiting(name, e, TRetry::AfterPause))
+            if (NoteWaiting(name, e, {.OfSource = true}))
                 FInput.Log.Line(FailureLine(e.Message()));
         } else if (e.Error() != ENOENT) {
             JournalLine(e.Message());
@@ -202,6 +202,7 @@ void TFolderTurn::Finish(TJob& job) {
         MeetTrouble(job);
         break;
     case TOutcomeState::Stopped:
+        Record(RecordOfEnd(job));
         break;
     }
     job.Release();
@@ -212,6 +213,8 @@ void TFolderTurn::Finish(TJob& job) {
 void TFolderTurn::MeetTrouble(TJob& job) {
     const TOutcome& outcome = *job.Outcome;
     if (outcome.Error == 0) { // nobody's fault, and told
+        if (!job.WasProtected)
+            Record(RecordOfEnd(job));
         FInput.Memory.Protected.insert(job.Source->Name());
         return;
     }
@@ -219,7 +222,7 @@ void TFolderTurn::MeetTrouble(TJob& job) {
     if (outcome.OfSource && outcome.Error == EIO && ++waiting.ReadFailures >= TooManyReadFailures)
         Fail(job, outcome.Reasons.first());
     else
-        Wait(job, EFileError(outcome.Text(), outcome.Error));
+        Wait(job, EFileError(outcome.Text(), outcome.Error), {.OfSource = outcome.OfSource});
 }
 
 /// False, with nothing left behind, where the file isn't ours to take.
@@ -240,7 +243,7 @@ void TFolderTurn::TakeAway(TJob& job) {
             return;
     } catch (const EFileError& e) {
         const bool refused = e.Error() == EACCES || e.Error() == EPERM || !IsSurroundings(e.Error());
-        Wait(job, e, refused ? TRetry::WhenChanged : TRetry::AfterPause);
+        Wait(job, e, {refused ? TRetry::WhenChanged : TRetry::AfterPause});
         return;
     }
     try {
@@ -257,10 +260,10 @@ void TFolderTurn::TakeAway(TJob& job) {
         return;
     }
     FTroubles = 0;
-    const bool warned = job.Outcome->State == TOutcomeState::DoneWithWarnings;
     if (FGroup.empty())
         FGroupBegun = Now();
-    FGroup.push_back({std::move(job.Source), warned});
+    TFileRecord record = RecordOfEnd(job);
+    FGroup.push_back({std::move(job.Source), std::move(record)});
 }
 
 void TFolderTurn::Publish(TJob& job) {
@@ -298,11 +301,12 @@ void TFolderTurn::SettleGroup() {
 
 void TFolderTurn::SettlePublished(TPublished& file) {
     try {
-        (void)file.Source->Settle(FProcess);
-        if (file.Warned)
+        file.Record.Settled = PathBytes(file.Source->Settle(FProcess));
+        if (file.Record.State == TRecordState::DoneWithWarnings)
             FInput.Host.Status.CountWarned(FInput.Folder.Name);
         else
             FInput.Host.Status.CountDone(FInput.Folder.Name);
+        Record(std::move(file.Record));
         FInput.Memory.Waiting.remove(file.Source->Name());
         FInput.Marks.Forget(file.Source->Path());
     } catch (const EFileError& e) {
@@ -316,7 +320,7 @@ void TFolderTurn::SettlePublished(TPublished& file) {
 /// Its result stays where it is; only the rest of its way is to be tried again.
 void TFolderTurn::KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry) {
     file.Source->Unclaim();
-    if (NoteWaiting(file.Source->Name(), trouble, retry, /*published=*/true))
+    if (NoteWaiting(file.Source->Name(), trouble, {.Retry = retry, .Published = true}))
         FInput.Log.Line(FailureLine(trouble.Message()));
 }
 
@@ -329,25 +333,32 @@ void TFolderTurn::Fail(TJob& job, const TReason& reason) {
     try {
         if (!Claim(*job.Source))
             return;
-        (void)job.Source->Settle(FError);
+        const string settled = job.Source->Settle(FError);
         job.Release();
         JournalFailure(*job.Source, reason);
+        if (job.Outcome->State != TOutcomeState::Failed)
+            job.Outcome = Failure(reason);
+        TFileRecord record = RecordOfEnd(job);
+        record.Settled = PathBytes(settled);
+        Record(std::move(record));
+        if (FInput.Host.ReasonFiles)
+            WriteReasonFile(FError, settled, job.Outcome->Reasons);
         FInput.Host.Status.CountFailed(FInput.Folder.Name);
         FTroubles = 0;
         FInput.Memory.Waiting.remove(job.Source->Name());
         FInput.Marks.Forget(job.Source->Path());
     } catch (const EFileError& e) {
         job.Source->Unclaim();
-        Wait(job, e, IsSurroundings(e.Error()) ? TRetry::AfterPause : TRetry::WhenChanged);
+        Wait(job, e, {IsSurroundings(e.Error()) ? TRetry::AfterPause : TRetry::WhenChanged});
     } catch (const ENameError& e) {
         job.Source->Unclaim();
-        Wait(job, EFileError(e.Message(), EINVAL), TRetry::WhenChanged);
+        Wait(job, EFileError(e.Message(), EINVAL), {TRetry::WhenChanged});
     }
 }
 
 /// Tells why once, and says nothing more while that is so.
-void TFolderTurn::Wait(TJob& job, const EFileError& trouble, TRetry retry) {
-    if (!NoteWaiting(job.Source->Name(), trouble, retry)) {
+void TFolderTurn::Wait(TJob& job, const EFileError& trouble, const TWait& wait) {
+    if (!NoteWaiting(job.Source->Name(), trouble, wait)) {
         job.Drop();
         return;
     }
@@ -355,7 +366,7 @@ void TFolderTurn::Wait(TJob& job, const EFileError& trouble, TRetry retry) {
     job.Log(FailureLine(trouble.Message()));
 }
 
-bool TFolderTurn::NoteWaiting(const string& name, const EFileError& trouble, TRetry retry, bool published) {
+bool TFolderTurn::NoteWaiting(const string& name, const EFileError& trouble, const TWait& wait) {
     TWaitingFile& waiting = FInput.Memory.Waiting[name];
     const bool news = waiting.Reason != trouble.Message();
     if (news)
@@ -365,11 +376,35 @@ bool TFolderTurn::NoteWaiting(const string& name, const EFileError& trouble, TRe
         waiting.State = StateOf(info);
     waiting.Reason = trouble.Message();
     waiting.Pause.Lengthen(Now());
-    waiting.ForGood = retry == TRetry::WhenChanged;
+    waiting.ForGood = wait.Retry == TRetry::WhenChanged;
     waiting.Rights = Rights();
-    waiting.Published = published;
-    FTroubles += retry == TRetry::AfterPause ? 1 : 0;
+    waiting.Published = wait.Published;
+    FTroubles += wait.Retry == TRetry::AfterPause ? 1 : 0;
+    if (news)
+        RecordWaiting(name, waiting.State.Size,
+                      {ReasonOfTrouble(trouble.Error(), wait.OfSource), {}, trouble.Message()});
     return news;
+}
+
+void TFolderTurn::RecordWaiting(const string& name, qint64 size, const TReason& reason) const {
+    TFileRecord record;
+    record.Folder = RecordedFolder(FInput.Folder.Name);
+    record.Name = PathBytes(name);
+    record.List = FInput.Folder.Action;
+    record.State = TRecordState::Waiting;
+    record.Reasons.append(RecordedReason(reason));
+    record.Size = std::max(size, qint64(0));
+    record.Began = record.Ended = TimeOfDay() / 1'000'000;
+    Record(std::move(record));
+}
+
+TFileRecord TFolderTurn::RecordOfEnd(const TJob& job) const {
+    return RecordOf(job, FInput.Folder.Name, Now(), TimeOfDay() / 1'000'000);
+}
+
+void TFolderTurn::Record(TFileRecord record) const {
+    if (FInput.Host.Ledger != nullptr)
+        FInput.Host.Ledger->Record(std::move(record));
 }
 
 QStringList SweepFolder(const string& path) {
@@ -377,7 +412,7 @@ QStringList SweepFolder(const string& path) {
     SweepPartFiles(*home);
     SweepReservations(*home);
     QMap<string, TFolderPtr> folders;
-    for (const char* name : {Output, Process, Error}) {
+    for (const char* name : {OutputFolder, ProcessFolder, ErrorFolder}) {
         struct stat info {};
         if (!home->Look(name, info))
             continue;
@@ -386,10 +421,10 @@ QStringList SweepFolder(const string& path) {
         SweepReservations(*folder);
         folders.insert(QLatin1String(name), folder);
     }
-    folders.remove(QLatin1String(Output));
+    folders.remove(QLatin1String(OutputFolder));
     const QList<TFolderPtr> settled = folders.values();
     QStringList given = SweepClaims(home, home, settled);
-    if (const TFolderPtr process = folders.value(QLatin1String(Process)))
+    if (const TFolderPtr process = folders.value(QLatin1String(ProcessFolder)))
         given += SweepClaims(process, home, settled);
     return given;
 }

@@ -10,6 +10,7 @@
 #include "agent/Job.h"
 #include "agent/RunHost.h"
 #include "base/ClaimFolder.h"
+#include "ledger/FileRecord.h"
 
 #include <functional>
 
@@ -58,7 +59,7 @@ private:
     /// A file whose result has its name, and that is still to leave the claim folder.
     struct TPublished {
         std::unique_ptr<TSourceFile> Source;
-        bool Warned;
+        TFileRecord Record;
     };
 
     void TellStatus() const;
@@ -75,10 +76,20 @@ private:
     void Fail(TJob& job, const TReason& reason);
 
     enum class TRetry { AfterPause, WhenChanged };
+    /// Why and for how long a file stays.
+    struct TWait {
+        TRetry Retry = TRetry::AfterPause;
+        bool OfSource = false;  ///< it can't be read
+        bool Published = false; ///< its result lies in place
+    };
     void KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry);
-    void Wait(TJob& job, const EFileError& trouble, TRetry retry = TRetry::AfterPause);
+    void Wait(TJob& job, const EFileError& trouble, const TWait& wait);
+    void Wait(TJob& job, const EFileError& trouble) { Wait(job, trouble, TWait()); }
     /// True where that is news.
-    bool NoteWaiting(const string& name, const EFileError& trouble, TRetry retry, bool published = false);
+    bool NoteWaiting(const string& name, const EFileError& trouble, const TWait& wait);
+    void RecordWaiting(const string& name, qint64 size, const TReason& reason) const;
+    [[nodiscard]] TFileRecord RecordOfEnd(const TJob& job) const;
+    void Record(TFileRecord record) const;
     static string FailureLine(const string& reason);
     [[nodiscard]] qint64 Now() const { return FInput.Host.Clock.Steady(); }
     [[nodiscard]] qint64 TimeOfDay() const;

@@ -3,6 +3,7 @@
 #include "agent/AgentPicture.h"
 #include "agent/FoldersThread.h"
 #include "agent/RunLog.h"
+#include "agent/Subfolders.h"
 #include "base/Exceptions.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
@@ -106,6 +107,8 @@ void TfrmFoldersAgent::FormCreate() {
         return;
     }
     FConfigPath = path;
+    FLedger = std::make_unique<TAgentLedger>(settings);
+    FReasonFiles = settings.ReasonFiles;
     StartThreads(path, {.KeepDays = settings.KeepDays,
                         .FirstTick = 0,
                         .Workers = {.Count = FHost.Worker.isEmpty() ? 0 : settings.Workers,
@@ -117,8 +120,11 @@ void TfrmFoldersAgent::FormCreate() {
 }
 
 void TfrmFoldersAgent::StartThreads(const string& path, const TRunSettings& settings) {
-    FWatchedFoldersThread = std::make_unique<TWatchedFoldersThread>(
-        path, TRunHost{FHost.Clock, FHost.Files, *this, FStatus, StateFolder(), &FPauses}, settings);
+    FWatchedFoldersThread = std::make_unique<TWatchedFoldersThread>(path,
+                                                                    TRunHost{FHost.Clock, FHost.Files, *this,
+                                                                             FStatus, StateFolder(), &FPauses,
+                                                                             FLedger.get(), FReasonFiles},
+                                                                    settings);
     // The folders thread tells by itself that it lives, but while it is at work on a file.
     if (const qint64 wait = ServiceNotice().WatchdogMs(); wait > 0 && settings.Workers.Count == 0) {
         QObject::connect(&FSignsOfLife, &QTimer::timeout, this, [this] {
@@ -203,7 +209,7 @@ void TfrmFoldersAgent::Failed1Click() const {
     const QMap<string, qint64> failures = FStatus.Failures();
     const auto most = std::max_element(failures.begin(), failures.end());
     if (most != failures.end())
-        OpenPathHost().Open(IncludeTrailingDelimiter(most.key()) + QStringLiteral("Error"));
+        OpenPathHost().Open(IncludeTrailingDelimiter(most.key()) + QLatin1String(ErrorFolder));
 }
 
 void TfrmFoldersAgent::IconClick() const {

@@ -2,6 +2,7 @@
 // TfrmFoldersAgent: the application's main form. It is never shown; it stands for the agent in the tray,
 // starts the folders thread, the control pipe and the watch of the configuration folder, and stops them in
 // order.
+#include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
 #include "agent/NamedPipeThread.h"
 #include "agent/Pauses.h"
@@ -99,6 +100,8 @@ private:
     TFormHost FHost;
     TAgentStatus FStatus;
     TPauses FPauses;
+    std::unique_ptr<TAgentLedger> FLedger;
+    bool FReasonFiles = false;
     QTimer FSignsOfLife;
     string FConfigPath; ///< with a delimiter at its end
     std::vector<TAgentStatus::TTrouble>

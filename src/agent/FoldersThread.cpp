@@ -1,5 +1,6 @@
 #include "agent/FoldersThread.h"
 
+#include "agent/AgentLedger.h"
 #include "base/Exceptions.h"
 #include "base/Interrupt.h"
 #include "base/Journal.h"
@@ -92,6 +93,7 @@ void TWatchedFoldersThread::CountTick() {
 /// A pass with much to do doesn't hold up what it hasn't begun, but for a change of the configuration.
 std::optional<qint32> TWatchedFoldersThread::TickDuringPass() {
     CountTick();
+    TellLedger();
     FHost.Hint.StatusTold();
     if (Terminated() || FDirChanged || FRefreshFolders || FRefreshActions ||
         FLogDate != FHost.Clock.Now().date())
@@ -169,7 +171,13 @@ void TWatchedFoldersThread::ShowFolders() {
             FHost.Status.SetState(folder.Name, TFolderState::Paused, QStringLiteral("disabled"));
 }
 
+void TWatchedFoldersThread::TellLedger() {
+    if (FHost.Ledger != nullptr)
+        FHost.Status.SetLedger(FHost.Ledger->State());
+}
+
 void TWatchedFoldersThread::TellState() {
+    TellLedger();
     if (FWatchedFolders && FActionManager)
         FHost.Status.SetAgent(TAgentState::Serving);
     else

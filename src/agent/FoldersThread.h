@@ -47,6 +47,7 @@ private:
     [[nodiscard]] bool Look(TConfigurationFile& file, TListKind kind, TConfigurationFile::TLook look);
     void ShowFolders();
     void TellState();
+    void TellLedger();
     void RunPass();
     void NameLogFile();
 

@@ -45,6 +45,7 @@ public:
     virtual void StatusTold() {}
 };
 
+class TAgentLedger;
 class TAgentStatus;
 class TPauses;
 
@@ -53,8 +54,10 @@ struct TRunHost {
     TFolderFiles& Files;
     TTrayHint& Hint;
     TAgentStatus& Status;
-    string StateFolder = {};   ///< where a run notes the file at work; empty: nowhere
-    TPauses* Pauses = nullptr; ///< null: nothing is paused
+    string StateFolder = {};        ///< where a run notes the file at work; empty: nowhere
+    TPauses* Pauses = nullptr;      ///< null: nothing is paused
+    TAgentLedger* Ledger = nullptr; ///< null: nobody keeps what becomes of files
+    bool ReasonFiles = false;       ///< a file that failed has its reason beside it
 };
 
 /// The application's title, which is also the hint of an idle run.

@@ -60,6 +60,9 @@ TEditorSettings GetEditorSettings() {
         TextOf(settings, QStringLiteral("WatermarksFolder"), beside + QStringLiteral("watermarks"));
     // None, too, for what makes no sense: nothing is deleted by mistake.
     result.KeepDays = NumberOf(settings, QStringLiteral("KeepDays"), 0);
+    result.KeepOutcomes = NumberOf(settings, QStringLiteral("KeepDays"), result.KeepOutcomes);
+    result.Ledger = TextOf(settings, QStringLiteral("Ledger"), {});
+    result.ReasonFiles = settings.value(QStringLiteral("ReasonFiles"), false).toBool();
     result.Workers = NumberOf(settings, QStringLiteral("Workers"), StandardWorkers());
     result.WorkSeconds = NumberOf(settings, QStringLiteral("WorkSeconds"), result.WorkSeconds);
     result.WorkMemory = NumberOf(settings, QStringLiteral("WorkMemory"), result.WorkMemory);

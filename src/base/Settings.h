@@ -13,6 +13,12 @@ struct TEditorSettings {
     string WatermarksFolder;
     /// Day logs that are older go; 0 keeps all.
     int KeepDays = 0;
+    /// The same number for outcomes in the ledger, for which not set is another: they are small.
+    int KeepOutcomes = 90;
+    /// Where the ledger is (ledger/LedgerPlace.h); empty: in the state folder.
+    string Ledger;
+    /// A file that failed has a text with the reason beside it in Error/.
+    bool ReasonFiles = false;
     /// Processes that work on files; 0: the agent does it itself. Not set, one for each processor, at most 8.
     int Workers = 0;
     /// Seconds that one may take for one file.

@@ -45,6 +45,9 @@ struct TFileRecord {
     qint64 Began = 0; ///< ms since 1970, UTC
     qint64 Ended = 0; ///< likewise
     string Agent;     ///< set by who writes it
+    /// The source's name in process/ or Error/, where its own may have been taken; empty while it is in
+    /// neither.
+    QByteArray Settled;
     bool operator==(const TFileRecord&) const = default;
 };
 

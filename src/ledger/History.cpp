@@ -5,6 +5,9 @@
 
 namespace {
 
+constexpr char LastAndFailed[] = "state = 'Failed' AND NOT EXISTS (SELECT 1 FROM files l"
+                                 " WHERE l.folder = f.folder AND l.name = f.name AND l.id > f.id)";
+
 /// As LIKE has it.
 string LikePattern(const string& pattern) {
     string like;
@@ -34,6 +37,7 @@ THistoryRow RowOf(const QVariantList& row) {
     record.Began = next().toLongLong();
     record.Ended = next().toLongLong();
     record.Agent = TextOfStored(next().toString());
+    record.Settled = BytesOfStored(next().toString());
     return result;
 }
 
@@ -42,7 +46,7 @@ THistoryRow RowOf(const QVariantList& row) {
 QList<THistoryRow> THistory::Select(const THistoryFilter& filter, const QByteArray& condition) {
     QByteArray sql =
         "SELECT id, folder, name, list, state, results, reasons, numbers, pages, size, began, ended,"
-        " agent FROM files f WHERE id < ? AND ended >= ? AND ended < ?" +
+        " agent, settled FROM files f WHERE id < ? AND ended >= ? AND ended < ?" +
         condition;
     QVariantList values{filter.Before, filter.From, filter.Until};
     if (filter.Folder) {
@@ -57,6 +61,10 @@ QList<THistoryRow> THistory::Select(const THistoryFilter& filter, const QByteArr
     if (filter.Name) {
         sql += " AND name {like}";
         values.append(LikePattern(*filter.Name));
+    }
+    if (filter.Settled) {
+        sql += " AND settled = ?";
+        values.append(StoredText(*filter.Settled));
     }
     sql += " ORDER BY id DESC LIMIT ?";
     values.append(qint64(filter.Limit));
@@ -75,8 +83,19 @@ QList<THistoryRow> THistory::Find(const THistoryFilter& filter) {
 
 QList<THistoryRow> THistory::Failed(THistoryFilter filter) {
     filter.States.clear();
-    return Select(filter, " AND state = 'Failed' AND NOT EXISTS (SELECT 1 FROM files l"
-                          " WHERE l.folder = f.folder AND l.name = f.name AND l.id > f.id)");
+    return Select(filter, QByteArray(" AND ") + LastAndFailed);
+}
+
+QMap<string, qint64> THistory::FailedCounts() {
+    QMap<string, qint64> counts;
+    const QByteArray sql =
+        QByteArray("SELECT folder, COUNT(*) FROM files f WHERE ") + LastAndFailed + " GROUP BY folder";
+    FLedger.Read([&] {
+        counts.clear();
+        for (const QVariantList& row : FLedger.Rows(sql.constData()))
+            counts.insert(TextOfStored(row[0].toString()), row[1].toLongLong());
+    });
+    return counts;
 }
 
 QList<THistoryTotal> THistory::Totals() {

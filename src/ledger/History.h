@@ -2,6 +2,8 @@
 // Questions to the ledger about what became of files.
 #include "ledger/FileRecord.h"
 
+#include <QMap>
+
 #include <limits>
 
 class TLedgerConnection;
@@ -11,7 +13,8 @@ struct THistoryFilter {
     QList<TRecordState> States = {};                   ///< empty: all
     qint64 From = 0;                                   ///< ms since 1970: it ended then or later,
     qint64 Until = std::numeric_limits<qint64>::max(); ///< and before then
-    std::optional<string> Name = {}; ///< "*" and "?" stand for others; case doesn't matter from A to Z
+    std::optional<string> Name = {};        ///< "*" and "?" stand for others; case doesn't matter from A to Z
+    std::optional<QByteArray> Settled = {}; ///< its name in process/ or Error/
     /// The key of the last row that was seen, for those behind it.
     qint64 Before = std::numeric_limits<qint64>::max();
     int Limit = 100; ///< rows at most
@@ -41,6 +44,8 @@ public:
     [[nodiscard]] QList<THistoryRow> Find(const THistoryFilter& filter);
     /// Only files whose last outcome it is, and that failed.
     [[nodiscard]] QList<THistoryRow> Failed(THistoryFilter filter);
+    /// How many Failed would find in each folder, by its path.
+    [[nodiscard]] QMap<string, qint64> FailedCounts();
     /// In the order of agent, folder and state.
     [[nodiscard]] QList<THistoryTotal> Totals();
 

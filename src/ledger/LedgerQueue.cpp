@@ -42,22 +42,24 @@ TLedgerQueue::~TLedgerQueue() {
 void TLedgerQueue::Add(TFileRecord record) {
     Shorten(record);
     record.Agent = FSettings.Agent;
-    bool isFirst = false;
+    bool isNews = false;
     {
         const std::lock_guard guard(FLock);
-        isFirst = FWaiting.empty();
         FWaiting.push_back(std::move(record));
+        isNews = FWaiting.size() == 1 || FWaiting.size() == GroupSize;
         ++FAdded;
         if (!FInHand)
             DropBeyondBound();
     }
-    if (isFirst)
+    if (isNews)
         FCame.notify_all();
 }
 
 bool TLedgerQueue::Flush(std::chrono::milliseconds atMost) {
     std::unique_lock lock(FLock);
     const qint64 goal = FAdded;
+    FFlushing = FLeft < FAdded;
+    FCame.notify_all();
     return FWent.wait_for(lock, atMost, [&] { return FLeft >= goal; });
 }
 
@@ -90,6 +92,8 @@ TLedgerQueue::TGroup TLedgerQueue::NextGroup() {
     FInHand = false;
     DropBeyondBound();
     FCame.wait(lock, [this] { return FEnding || !FWaiting.empty(); });
+    FCame.wait_for(lock, FSettings.Gather,
+                   [this] { return FEnding || FFlushing || FWaiting.size() >= GroupSize; });
     TGroup group;
     group.First = FLeft + 1;
     const size_t count = std::min(FWaiting.size(), GroupSize);
@@ -184,6 +188,7 @@ void TLedgerQueue::NoteFault(const string& fault) {
 /// Behind the lock, as the next.
 void TLedgerQueue::Leave(qint64 count) {
     FWaiting.erase(FWaiting.begin(), FWaiting.begin() + count);
+    FFlushing = FFlushing && !FWaiting.empty();
     FLeft += count;
 }
 

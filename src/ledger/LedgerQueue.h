@@ -15,6 +15,8 @@ struct TLedgerQueueSettings {
     string Agent;          ///< its name for people, which the records get
     int KeepDays = 90;     ///< older outcomes go; 0 keeps all
     size_t Bound = 20'000; ///< records that wait at most: the oldest go for new ones
+    /// How long a record waits for others that go with it.
+    std::chrono::milliseconds Gather = std::chrono::milliseconds(100);
     /// After the first failure; each further one doubles the pause, up to `LongestPause`.
     std::chrono::milliseconds Pause = std::chrono::seconds(1);
     std::chrono::milliseconds LongestPause = std::chrono::minutes(1);
@@ -74,6 +76,7 @@ private:
     qint64 FDropped = 0;
     string FFault;
     bool FEnding = false;
+    bool FFlushing = false;                             // nothing waits for more
     std::chrono::steady_clock::time_point FNextPrune{}; // the thread's own, as is the next
     const string FWriter;
     std::thread FThread;

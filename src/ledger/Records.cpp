@@ -28,10 +28,11 @@ void TRecords::Write(const string& writer, qint64 first, const QList<TFileRecord
 void TRecords::Insert(const TFileRecord& record) {
     FLedger.Change(
         "INSERT INTO files (folder, name, list, state, results, reasons, numbers, pages, size, began,"
-        " ended, agent) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
+        " ended, agent, settled) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)",
         {StoredText(record.Folder), StoredText(record.Name), StoredText(record.List), StateName(record.State),
          StoredResults(record.Results), StoredReasons(record.Reasons), StoredNumbers(record.Numbers),
-         record.Pages, record.Size, record.Began, record.Ended, StoredText(record.Agent)});
+         record.Pages, record.Size, record.Began, record.Ended, StoredText(record.Agent),
+         StoredText(record.Settled)});
 }
 
 void TRecords::AddTotals(const QList<TFileRecord>& records) {

@@ -13,7 +13,7 @@ const std::vector<std::vector<const char*>>& Migrations() {
         "CREATE TABLE files (id {identity}, folder TEXT NOT NULL, name TEXT NOT NULL, list TEXT NOT NULL,"
         " state TEXT NOT NULL, results TEXT NOT NULL, reasons TEXT NOT NULL, numbers TEXT NOT NULL,"
         " pages BIGINT NOT NULL, size BIGINT NOT NULL, began BIGINT NOT NULL, ended BIGINT NOT NULL,"
-        " agent TEXT NOT NULL)",
+        " agent TEXT NOT NULL, settled TEXT NOT NULL)",
         "CREATE INDEX files_by_name ON files (folder, name, id)",
         "CREATE INDEX files_by_time ON files (ended)",
         "CREATE INDEX files_failed ON files (id) WHERE state = 'Failed'",

@@ -204,10 +204,8 @@ TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host
     try {
         return Work(work, actions, host, progress);
     } catch (const ESurroundings& e) {
-        const TReasonCode code = e.Error() == ENOSPC || e.Error() == EDQUOT ? TReasonCode::DiskFull
-                                 : e.OfReading()                            ? TReasonCode::InputUnreadable
-                                                                            : TReasonCode::FolderUnusable;
-        TOutcome outcome = Ended(TOutcomeState::Waiting, {code, {}, e.Message()});
+        TOutcome outcome =
+            Ended(TOutcomeState::Waiting, {ReasonOfTrouble(e.Error(), e.OfReading()), {}, e.Message()});
         outcome.Error = e.Error();
         outcome.OfSource = e.OfReading();
         return outcome;

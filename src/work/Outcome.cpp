@@ -1,5 +1,7 @@
 #include "work/Outcome.h"
 
+#include <cerrno>
+
 string ReasonName(TReasonCode code) {
     switch (code) {
     case TReasonCode::DamageRepaired:
@@ -42,6 +44,8 @@ string ReasonName(TReasonCode code) {
         return QStringLiteral("input.unreadable");
     case TReasonCode::InputNotPdf:
         return QStringLiteral("input.not-pdf");
+    case TReasonCode::InputRetried:
+        return QStringLiteral("input.retried");
     case TReasonCode::FolderUnusable:
         return QStringLiteral("folder.unusable");
     case TReasonCode::DiskFull:
@@ -78,4 +82,10 @@ TReasonCode ReasonOf(TWarningKind kind) {
         return TReasonCode::NamesUnreadable;
     }
     return TReasonCode::Other;
+}
+
+TReasonCode ReasonOfTrouble(int error, bool ofSource) {
+    return error == ENOSPC || error == EDQUOT ? TReasonCode::DiskFull
+           : ofSource                         ? TReasonCode::InputUnreadable
+                                              : TReasonCode::FolderUnusable;
 }

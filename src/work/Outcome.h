@@ -34,6 +34,7 @@ enum class TReasonCode {
     InputReplaced,        ///< input.replaced
     InputUnreadable,      ///< input.unreadable
     InputNotPdf,          ///< input.not-pdf
+    InputRetried,         ///< input.retried
     FolderUnusable,       ///< folder.unusable
     DiskFull,             ///< disk.full
     ClaimRefused,         ///< claim.refused
@@ -44,6 +45,8 @@ enum class TReasonCode {
 [[nodiscard]] string ReasonName(TReasonCode code);
 
 [[nodiscard]] TReasonCode ReasonOf(TWarningKind kind);
+/// Of trouble of the surroundings: errno, and whether it was in reading the source.
+[[nodiscard]] TReasonCode ReasonOfTrouble(int error, bool ofSource);
 
 struct TReason {
     TReasonCode Code = TReasonCode::Other;

@@ -45,7 +45,8 @@ protected:
         FClock.Restart();
         RegisterActionClasses();
         FThread = std::make_unique<TWatchedFoldersThread>(
-            FWorkspace.Path("c/"), TRunHost{FClock, FFiles, FHint, FStatus, FState}, FSettings);
+            FWorkspace.Path("c/"),
+            TRunHost{FClock, FFiles, FHint, FStatus, FState, nullptr, FLedger, FReasonFiles}, FSettings);
     }
     void Play(int ticks = 1) {
         if (FThread == nullptr)
@@ -79,6 +80,8 @@ protected:
     TNotedHint FHint;
     TAgentStatus FStatus;
     TRunSettings FSettings;
+    TAgentLedger* FLedger = nullptr;
+    bool FReasonFiles = false;
     string FState; ///< folder of the notes on files at work; none by default
     std::unique_ptr<TWatchedFoldersThread> FThread;
 };

@@ -182,8 +182,8 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
         const char* Offered;
     } cases[] = {
-        {"_", "init lint check status pause resume refresh"},
-        {"re", "resume refresh"},
+        {"_", "init lint check status pause resume refresh history failed retry metrics"},
+        {"re", "resume refresh retry"},
         {"refresh _", "folders actions"},
         {"-q refresh f", "folders"},
         {"--timeout _", ""},
@@ -195,6 +195,8 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         {"init /usr x", ""},
         {"refresh folders _", ""},
         {"check --q", "--quiet"},
+        {"history --st", "--state"},
+        {"retry --a", "--all"},
     };
     for (const auto& c : cases) {
         const QString words = QString(c.Line).replace('_', "''");

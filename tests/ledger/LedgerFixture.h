@@ -5,21 +5,12 @@
 #include "ledger/LedgerRun.h"
 #include "ledger/Series.h"
 #include "ledger/StoredText.h"
+#include "testing/Application.h"
 #include "testing/Raised.h"
 #include "testing/Workspace.h"
 
-#include <QCoreApplication>
-
 #include <gmock/gmock.h>
 #include <unistd.h>
-
-/// Drivers of databases need one.
-inline void NeedApplication() {
-    static int argc = 1;
-    static char name[] = "test_ledger";
-    static char* argv[] = {name, nullptr};
-    static QCoreApplication application(argc, argv);
-}
 
 /// The parameter is the setting of the ledger's place; empty: a file in the test's folder.
 class TLedgerTest : public testing::TestWithParam<string> {

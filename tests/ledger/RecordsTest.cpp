@@ -11,7 +11,7 @@ constexpr auto Failed = TRecordState::Failed;
 constexpr auto Waiting = TRecordState::Waiting;
 
 TFileRecord Record(const string& folder, const QByteArray& name, TRecordState state, qint64 ended = 1000) {
-    return {folder, name, "List", state, {}, {}, {}, 2, 100, ended - 10, ended, "me"};
+    return {folder, name, "List", state, {}, {}, {}, 2, 100, ended - 10, ended, "me", {}};
 }
 
 class Records : public TLedgerTest {
@@ -48,7 +48,8 @@ TEST_P(Records, ComeBackAsTheyWereWhateverIsInTheirNames) {
                                  6,
                                  7,
                                  8,
-                                 text};
+                                 text,
+                                 name};
         Write({record});
         THistoryFilter filter;
         filter.Folder = text;

@@ -1,6 +1,6 @@
 #pragma once
 // The command line of morvanectl: which commands there are, and what comes of one.
-#include "base/Text.h"
+#include "base/Exceptions.h"
 
 #include <QStringList>
 
@@ -20,9 +20,20 @@ struct TCommandResult {
     string Text; ///< one or more lines; empty prints nothing
 };
 
-struct TCommandOptions {
-    int TimeoutMs = 0; ///< how long to wait for an answer
-    bool Json = false; ///< for programs, not for people
+/// The command line makes no sense.
+class EUsage : public Exception {
+public:
+    using Exception::Exception;
+};
+
+struct TCommandCall {
+    QStringList Words;                       ///< behind the command
+    int TimeoutMs = 0;                       ///< how long to wait for an answer
+    bool Json = false;                       ///< for programs, not for people
+    const class QCommandLineParser& Options; ///< the command's own among them
+
+    /// Empty where there is none.
+    [[nodiscard]] string Word() const { return Words.value(0); }
 };
 
 /// Parses the command line, program name first, and does what it says.

@@ -75,7 +75,8 @@ string InboxOf(const string& wanted, const string& path) {
 
 } // namespace
 
-TCommandResult Init(const string& folder, const TCommandOptions& /*options*/) {
+TCommandResult Init(const TCommandCall& call) {
+    const string folder = call.Word();
     const string configured = GetEditorSettings().ConfigurationFolder;
     const string wanted = folder.isEmpty() ? configured : QDir(folder).absolutePath();
     const string path = folder.isEmpty() ? ExpandEnvironment(configured) : wanted;

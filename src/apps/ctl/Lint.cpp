@@ -5,7 +5,8 @@
 #include "base/Paths.h"
 #include "base/Settings.h"
 
-TCommandResult Lint(const string& folder, const TCommandOptions& /*options*/) {
+TCommandResult Lint(const TCommandCall& call) {
+    const string folder = call.Word();
     const string path = IncludeTrailingDelimiter(
         folder.isEmpty() ? ExpandEnvironment(GetEditorSettings().ConfigurationFolder) : folder);
     if (!DirectoryExists(path))

@@ -23,11 +23,11 @@ TPipeReply Send(const QStringList& commands, int timeoutMs) {
     }
 }
 
-TCommandResult SendPause(const char* command, const string& folder, const TCommandOptions& options) {
+TCommandResult SendPause(const char* command, const string& folder, const TCommandCall& call) {
     string words = QLatin1String(command);
     if (!folder.isEmpty())
         words += u' ' + QDir(folder).absolutePath();
-    const TPipeReply reply = Send({words}, options.TimeoutMs);
+    const TPipeReply reply = Send({words}, call.TimeoutMs);
     if (reply.Failure)
         return *reply.Failure;
     return reply.Text == QLatin1String(ControlPipe::CheckReply) ? TCommandResult{}
@@ -40,20 +40,20 @@ TPipeReply AskAgent(const string& command, int timeoutMs) {
     return Send({command}, timeoutMs);
 }
 
-TCommandResult Pause(const string& argument, const TCommandOptions& options) {
-    return SendPause(ControlPipe::Pause, argument, options);
+TCommandResult Pause(const TCommandCall& call) {
+    return SendPause(ControlPipe::Pause, call.Word(), call);
 }
 
-TCommandResult Resume(const string& argument, const TCommandOptions& options) {
-    return SendPause(ControlPipe::Resume, argument, options);
+TCommandResult Resume(const TCommandCall& call) {
+    return SendPause(ControlPipe::Resume, call.Word(), call);
 }
 
-TCommandResult Refresh(const string& argument, const TCommandOptions& options) {
-    const bool folders = argument == u"folders";
+TCommandResult Refresh(const TCommandCall& call) {
+    const bool folders = call.Word() == u"folders";
     // A refresh has no answer of its own; that of the next command says that it was taken.
     const TPipeReply reply =
         Send({QLatin1String(folders ? ControlPipe::RefreshFolders : ControlPipe::RefreshActions),
               QLatin1String(ControlPipe::Check)},
-             options.TimeoutMs);
+             call.TimeoutMs);
     return reply.Failure.value_or(TCommandResult{});
 }

@@ -13,8 +13,8 @@ struct TPipeReply {
 [[nodiscard]] TPipeReply AskAgent(const string& command, int timeoutMs);
 
 /// Has the agent leave a folder alone until the next; no folder is all of them.
-[[nodiscard]] TCommandResult Pause(const string& argument, const TCommandOptions& options);
-[[nodiscard]] TCommandResult Resume(const string& argument, const TCommandOptions& options);
+[[nodiscard]] TCommandResult Pause(const TCommandCall& call);
+[[nodiscard]] TCommandResult Resume(const TCommandCall& call);
 
 /// Has the agent reload "folders" or "actions" at its next tick. Done once the agent has taken the command.
-[[nodiscard]] TCommandResult Refresh(const string& argument, const TCommandOptions& options);
+[[nodiscard]] TCommandResult Refresh(const TCommandCall& call);

@@ -23,9 +23,9 @@ struct TAnswer {
     std::optional<TCommandResult> Failure;
 };
 
-TAnswer Ask(const TCommandOptions& options) {
+TAnswer Ask(const TCommandCall& call) {
     TAnswer answer;
-    const TPipeReply reply = AskAgent(QLatin1String(ControlPipe::Status), options.TimeoutMs);
+    const TPipeReply reply = AskAgent(QLatin1String(ControlPipe::Status), call.TimeoutMs);
     answer.Failure = reply.Failure;
     answer.Line = Narrow(reply.Text);
     answer.Status = QJsonDocument::fromJson(answer.Line).object();
@@ -69,6 +69,18 @@ string FolderText(const QJsonObject& folder) {
         .arg(count("waiting"));
 }
 
+string LedgerText(const QJsonObject& ledger) {
+    const auto count = [&](const char* member) { return ledger[QLatin1String(member)].toInteger(); };
+    string text = QStringLiteral("ledger: ") + Text(ledger, "place");
+    if (const string fault = Text(ledger, "fault"); !fault.isEmpty())
+        text = QStringLiteral("ledger: it can't be written: ") + fault;
+    if (count("waiting") > 0)
+        text += QStringLiteral("; %1 outcomes wait").arg(count("waiting"));
+    if (count("dropped") > 0)
+        text += QStringLiteral("; %1 are lost").arg(count("dropped"));
+    return text;
+}
+
 /// For people, line by line.
 QStringList Lines(const QJsonObject& status) {
     QStringList lines = {
@@ -81,6 +93,8 @@ QStringList Lines(const QJsonObject& status) {
     lines += ListText(lists, "actions", "actions.xml");
     for (const auto& folder : status[QLatin1String("folders")].toArray())
         lines += FolderText(folder.toObject()).split(u'\n');
+    if (const QJsonObject ledger = status[QLatin1String("ledger")].toObject(); !ledger.isEmpty())
+        lines += LedgerText(ledger);
     return lines;
 }
 
@@ -124,6 +138,8 @@ QStringList Faults(const QJsonObject& status) {
         if (const string state = Text(folder.toObject(), "state"); state == u"broken" || state == u"waiting")
             faults += QStringLiteral("\"%1\" is %2: %3")
                           .arg(Text(folder.toObject(), "name"), state, Text(folder.toObject(), "reason"));
+    if (const string fault = Text(status[QLatin1String("ledger")].toObject(), "fault"); !fault.isEmpty())
+        faults += QStringLiteral("What becomes of files isn't recorded: ") + fault;
     return faults;
 }
 
@@ -136,15 +152,15 @@ string Joined(QStringList lines) {
 
 } // namespace
 
-TCommandResult Status(const string& /*argument*/, const TCommandOptions& options) {
-    const TAnswer answer = Ask(options);
+TCommandResult Status(const TCommandCall& call) {
+    const TAnswer answer = Ask(call);
     if (answer.Failure)
         return *answer.Failure;
-    return {ExitDone, options.Json ? Widen(answer.Line) : Joined(Lines(answer.Status))};
+    return {ExitDone, call.Json ? Widen(answer.Line) : Joined(Lines(answer.Status))};
 }
 
-TCommandResult Check(const string& /*argument*/, const TCommandOptions& options) {
-    const TAnswer answer = Ask(options);
+TCommandResult Check(const TCommandCall& call) {
+    const TAnswer answer = Ask(call);
     if (answer.Failure)
         return *answer.Failure;
     if (const string why = WhyIdle(answer.Status); !why.isEmpty())

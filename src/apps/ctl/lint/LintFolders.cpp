@@ -1,5 +1,6 @@
 #include "apps/ctl/lint/LintFolders.h"
 
+#include "agent/Subfolders.h"
 #include "base/NearestName.h"
 #include "base/Paths.h"
 
@@ -11,7 +12,7 @@
 namespace {
 
 /// Where the agent puts things.
-constexpr const char* Subfolders[] = {"output", "process", "Error"};
+constexpr const char* Subfolders[] = {OutputFolder, ProcessFolder, ErrorFolder};
 
 bool MayWrite(const string& path) {
     return ::access(PathBytes(path).constData(), W_OK | X_OK) == 0;
