@@ -1,7 +1,9 @@
 #include "agent/AgentLedger.h"
 
 #include "base/Journal.h"
-#include "ledger/LedgerError.h"
+#include "base/RunToken.h"
+#include "ledger/LedgerConnection.h"
+#include "ledger/Records.h"
 
 #include <QSysInfo>
 
@@ -15,16 +17,33 @@ string AgentName() {
     return name + u'@' + QSysInfo::machineHostName();
 }
 
+/// What one thread has of it.
+struct TAgentLedger::TDesk {
+    explicit TDesk(const TLedgerPlace& place)
+        : Connection(place), Run(place, AgentName()), Numbers(Connection, Run), Claims(Connection, Run),
+          Records(Connection) {}
+
+    TLedgerConnection Connection;
+    TLedgerRun Run;
+    TNumbers Numbers;
+    TClaims Claims;
+    TRecords Records;
+    const string Writer = QString::fromLatin1(RunToken()) + QStringLiteral("/claims");
+    qint64 Recorded = 0;
+};
+
 TAgentLedger::TAgentLedger(const TEditorSettings& settings) {
     try {
-        FQueue.emplace(TLedgerQueueSettings{.Place = ParseLedgerPlace(settings.Ledger),
-                                            .Agent = AgentName(),
-                                            .KeepDays = settings.KeepOutcomes});
+        FPlace = ParseLedgerPlace(settings.Ledger);
+        FQueue.emplace(
+            TLedgerQueueSettings{.Place = *FPlace, .Agent = AgentName(), .KeepDays = settings.KeepOutcomes});
     } catch (const ELedger& e) {
         FFault = e.Message();
         JournalLine(FFault);
     }
 }
+
+TAgentLedger::~TAgentLedger() = default;
 
 void TAgentLedger::Record(TFileRecord record) {
     if (FQueue)
@@ -37,4 +56,47 @@ TLedgerQueueState TAgentLedger::State() const {
     TLedgerQueueState state;
     state.Fault = FFault;
     return state;
+}
+
+bool TAgentLedger::IsShared() const {
+    return FPlace && FPlace->Kind == TLedgerPlace::TKind::PostgreSQL;
+}
+
+TAgentLedger::TDesk& TAgentLedger::Desk() {
+    if (!FPlace)
+        throw ELedger(TLedgerFault::Unusable, FFault);
+    if (FDesk == nullptr)
+        FDesk = std::make_unique<TDesk>(*FPlace);
+    return *FDesk;
+}
+
+TLedgerConnection& TAgentLedger::Connection() {
+    return Desk().Connection;
+}
+
+TLedgerRun& TAgentLedger::Run() {
+    return Desk().Run;
+}
+
+TNumbers& TAgentLedger::Numbers() {
+    return Desk().Numbers;
+}
+
+TClaims& TAgentLedger::Claims() {
+    return Desk().Claims;
+}
+
+void TAgentLedger::RecordAtOnce(TFileRecord record, const std::function<void()>& end) {
+    TDesk& desk = Desk();
+    Shorten(record);
+    record.Agent = AgentName();
+    desk.Connection.Write(TDurable::Soon, [&] {
+        desk.Records.Write(desk.Writer, desk.Recorded + 1, {record});
+        end();
+    });
+    ++desk.Recorded;
+}
+
+void TAgentLedger::Leave() {
+    FDesk.reset();
 }

@@ -1,22 +1,50 @@
 #pragma once
-// The ledger as the run of the folders uses it: what becomes of files goes there, and never holds them up.
+// The ledger as the run of the folders uses it: what becomes of files goes there, and never holds them up;
+// numbers and claims come from there, and what needs them waits for it.
 #include "base/Settings.h"
+#include "ledger/Claims.h"
+#include "ledger/LedgerError.h"
 #include "ledger/LedgerQueue.h"
+#include "ledger/LedgerRun.h"
+#include "ledger/Numbers.h"
 
 #include <optional>
+
+class TRecords;
 
 class TAgentLedger {
 public:
     /// Opens nothing yet. A setting that names no ledger is a fault like a ledger that can't be written.
     explicit TAgentLedger(const TEditorSettings& settings);
+    ~TAgentLedger();
+    TAgentLedger(const TAgentLedger&) = delete;
+    TAgentLedger& operator=(const TAgentLedger&) = delete;
 
     // From any thread:
     void Record(TFileRecord record);
     [[nodiscard]] TLedgerQueueState State() const;
 
+    /// Agents that share the ledger share folders, too: each file is claimed before it is worked on.
+    [[nodiscard]] bool IsShared() const;
+
+    // Of the thread that serves the folders. All but Leave raise ELedger.
+    [[nodiscard]] TLedgerConnection& Connection();
+    [[nodiscard]] TLedgerRun& Run();
+    [[nodiscard]] TNumbers& Numbers();
+    [[nodiscard]] TClaims& Claims();
+    /// In one transaction with the end of a claim.
+    void RecordAtOnce(TFileRecord record, const std::function<void()>& end);
+    /// The thread uses it no more.
+    void Leave();
+
 private:
+    struct TDesk;
+    [[nodiscard]] TDesk& Desk();
+
+    std::optional<TLedgerPlace> FPlace;
     string FFault; // of the setting
     std::optional<TLedgerQueue> FQueue;
+    std::unique_ptr<TDesk> FDesk;
 };
 
 /// This agent's name for people, in the ledger of one that shares folders with others: "scans@server".

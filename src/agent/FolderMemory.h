@@ -27,6 +27,7 @@ struct TWaitingFile {
     bool ForGood = false;   ///< not tried again while neither it nor the folder's rights change
     quint64 Rights = 0;     ///< of its folder
     bool Published = false; ///< its result lies in place: only the rest of its way is left
+    bool Claimed = false;   ///< in the ledger, which has more to say of that
     int ReadFailures = 0;   ///< of its disk
 };
 

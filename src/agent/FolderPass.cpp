@@ -327,6 +327,8 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
         for (const string& name : SweepFolder(folder.Name))
             JournalLine(QStringLiteral("\"%1\" was taken by a run that died; it is served again.")
                             .arg(IncludeTrailingDelimiter(folder.Name) + name));
+        if (FHost.Ledger != nullptr)
+            RecordLeftClaims(*FHost.Ledger, folder);
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("What dead runs may have left in \"%1\" stays: %2")
                         .arg(folder.Name, MessageOf(e)));

@@ -2,6 +2,7 @@
 
 #include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
+#include "agent/FolderKey.h"
 #include "agent/OutcomeRecord.h"
 #include "agent/ReasonFile.h"
 #include "agent/Subfolders.h"
@@ -48,6 +49,17 @@ TOutcome Failure(const TReason& reason) {
     return outcome;
 }
 
+/// How the ledger knows the folder.
+string KeyOf(const TAgentLedger& ledger, const TPDFWatchedFolder& folder, const TFolderPtr& home) {
+    return ledger.IsShared() ? FolderKeyOf(home) : RecordedFolder(folder.Name);
+}
+
+/// Another agent took the file for abandoned.
+class EClaimLost : public Exception {
+public:
+    using Exception::Exception;
+};
+
 /// The run log has no place for which action it was, nor for names that aren't ASCII.
 void JournalFailure(const TSourceFile& source, const TReason& reason) {
     JournalLine(QStringLiteral("\"%1\" failed: %2: %3%4")
@@ -65,6 +77,8 @@ TFolderTurn::TFolderTurn(const TTurnInput& input)
     RequireApart({FHome, FOutput, FProcess, FError});
     if (const Integer index = input.Manager.IndexOf(input.Folder.Action); index >= 0)
         FActions = &input.Manager[index];
+    if (input.Host.Ledger != nullptr)
+        FKey = KeyOf(*input.Host.Ledger, input.Folder, FHome);
 }
 
 TFolderTurn::~TFolderTurn() = default;
@@ -146,7 +160,14 @@ std::unique_ptr<TJob> TFolderTurn::TakeUp(const string& name) {
     const auto known = FInput.Memory.Waiting.constFind(name);
     if (known != FInput.Memory.Waiting.constEnd())
         job->Hold();
-    if (known != FInput.Memory.Waiting.constEnd() && known->Published) {
+    const bool published = known != FInput.Memory.Waiting.constEnd() && known->Published;
+    if (FInput.Host.Ledger != nullptr)
+        job->Entry = std::make_unique<TFileEntry>(*FInput.Host.Ledger, FKey, *job->Source, FOutput);
+    job->Published = published;
+    const bool shared = FInput.Host.Ledger != nullptr && FInput.Host.Ledger->IsShared();
+    if ((shared || (published && known->Claimed)) && !Enter(*job))
+        return nullptr;
+    if (job->Published) {
         job->Outcome = TOutcome(); // only the rest of its way is left
     } else if (crashes) {
         job->Outcome = Failure(
@@ -206,11 +227,39 @@ void TFolderTurn::Finish(TJob& job) {
         break;
     }
     job.Release();
+    if (job.Entry != nullptr && !job.Published)
+        job.Entry->GiveBack();
     if (FGroup.size() >= GroupSize)
         SettleGroup();
 }
 
+/// Claims the file. False where it isn't this agent's to work on now.
+bool TFolderTurn::Enter(TJob& job) {
+    try {
+        switch (job.Entry->Claim()) {
+        case TFileEntry::TFound::Free:
+            return true;
+        case TFileEntry::TFound::Published:
+            job.Published = true;
+            return true;
+        case TFileEntry::TFound::Elsewhere:
+            break;
+        }
+    } catch (const ELedger& e) {
+        if (NoteWaiting(job.Source->Name(), EFileError(e.Message(), LedgerTrouble),
+                        {.Published = job.Published, .Claimed = job.Published}))
+            FInput.Log.Line(FailureLine(e.Message()));
+    }
+    return false;
+}
+
 void TFolderTurn::MeetTrouble(TJob& job) {
+    if (job.Entry != nullptr && job.Entry->Left()) { // found out when it asked for numbers
+        job.Published = true;
+        job.Outcome = TOutcome();
+        TakeAway(job);
+        return;
+    }
     const TOutcome& outcome = *job.Outcome;
     if (outcome.Error == 0) { // nobody's fault, and told
         if (!job.WasProtected)
@@ -254,6 +303,10 @@ void TFolderTurn::TakeAway(TJob& job) {
         job.Source->Unclaim();
         Wait(job, e);
         return;
+    } catch (const EClaimLost& e) {
+        job.Source->Unclaim();
+        JournalLine(e.Message());
+        return;
     } catch (const std::exception& e) {
         job.Source->Unclaim();
         Fail(job, {TReasonCode::Other, {}, MessageOf(e)});
@@ -263,18 +316,42 @@ void TFolderTurn::TakeAway(TJob& job) {
     if (FGroup.empty())
         FGroupBegun = Now();
     TFileRecord record = RecordOfEnd(job);
-    FGroup.push_back({std::move(job.Source), std::move(record)});
+    FGroup.push_back({std::move(job.Source), std::move(job.Entry), std::move(record)});
 }
 
 void TFolderTurn::Publish(TJob& job) {
     TPartFile& result = *job.Result;
     result.LeaveFolderSync();
-    if (FInput.Folder.OverwriteExistingFiles)
+    if (job.Entry != nullptr && job.Entry->IsClaimed())
+        PublishClaimed(job);
+    else if (FInput.Folder.OverwriteExistingFiles)
         result.PublishReplacing();
     else
         PublishFree(result);
     job.Log(QStringLiteral("Saving \"%1\", SUCCESS.").arg(result.FinalPath()));
     job.Release();
+}
+
+/// The ledger knows of each name before the result gets it.
+void TFolderTurn::PublishClaimed(TJob& job) {
+    TPartFile& result = *job.Result;
+    for (bool done = false; !done;) {
+        try {
+            if (!job.Entry->BeginPublishing(result, job.Outcome->Pages, job.Outcome->Numbers))
+                throw EClaimLost(
+                    QStringLiteral("\"%1\" was taken over by another agent; its result is discarded.")
+                        .arg(job.Source->Path()));
+        } catch (const ELedger& e) {
+            throw ESurroundings(EFileError(e.Message(), LedgerTrouble));
+        }
+        if (FInput.Folder.OverwriteExistingFiles)
+            result.PublishReplacing();
+        else if (!result.PublishNew()) {
+            result.SetFinalName(ExtractFileName(UniqueFileName(result.FinalPath(), *FOutput)));
+            continue;
+        }
+        done = true;
+    }
 }
 
 void TFolderTurn::SettleOldGroup() {
@@ -299,14 +376,29 @@ void TFolderTurn::SettleGroup() {
         SettlePublished(file);
 }
 
+/// On the disk before the source leaves. Raises EFileError.
+void TFolderTurn::FinishNumbers(TPublished& file) {
+    if (file.Entry == nullptr || !file.Entry->IsClaimed())
+        return;
+    try {
+        if (file.Entry->Left())
+            file.Entry->FinishLeft();
+        else if (!file.Record.Numbers.isEmpty())
+            file.Entry->Finish(file.Record.Results.value(0).Name, file.Record.Numbers);
+    } catch (const ELedger& e) {
+        throw EFileError(e.Message(), LedgerTrouble);
+    }
+}
+
 void TFolderTurn::SettlePublished(TPublished& file) {
     try {
+        FinishNumbers(file);
         file.Record.Settled = PathBytes(file.Source->Settle(FProcess));
         if (file.Record.State == TRecordState::DoneWithWarnings)
             FInput.Host.Status.CountWarned(FInput.Folder.Name);
         else
             FInput.Host.Status.CountDone(FInput.Folder.Name);
-        Record(std::move(file.Record));
+        RecordSettled(file.Entry.get(), std::move(file.Record));
         FInput.Memory.Waiting.remove(file.Source->Name());
         FInput.Marks.Forget(file.Source->Path());
     } catch (const EFileError& e) {
@@ -320,7 +412,9 @@ void TFolderTurn::SettlePublished(TPublished& file) {
 /// Its result stays where it is; only the rest of its way is to be tried again.
 void TFolderTurn::KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry) {
     file.Source->Unclaim();
-    if (NoteWaiting(file.Source->Name(), trouble, {.Retry = retry, .Published = true}))
+    if (NoteWaiting(
+            file.Source->Name(), trouble,
+            {.Retry = retry, .Published = true, .Claimed = file.Entry != nullptr && file.Entry->IsClaimed()}))
         FInput.Log.Line(FailureLine(trouble.Message()));
 }
 
@@ -331,7 +425,7 @@ string TFolderTurn::FailureLine(const string& reason) {
 void TFolderTurn::Fail(TJob& job, const TReason& reason) {
     job.Log(FailureLine(reason.Text));
     try {
-        if (!Claim(*job.Source))
+        if (!Claim(*job.Source) || !BeginFailing(job))
             return;
         const string settled = job.Source->Settle(FError);
         job.Release();
@@ -340,7 +434,8 @@ void TFolderTurn::Fail(TJob& job, const TReason& reason) {
             job.Outcome = Failure(reason);
         TFileRecord record = RecordOfEnd(job);
         record.Settled = PathBytes(settled);
-        Record(std::move(record));
+        record.Numbers.clear();
+        RecordSettled(job.Entry.get(), std::move(record));
         if (FInput.Host.ReasonFiles)
             WriteReasonFile(FError, settled, job.Outcome->Reasons);
         FInput.Host.Status.CountFailed(FInput.Folder.Name);
@@ -349,15 +444,33 @@ void TFolderTurn::Fail(TJob& job, const TReason& reason) {
         FInput.Marks.Forget(job.Source->Path());
     } catch (const EFileError& e) {
         job.Source->Unclaim();
-        Wait(job, e, {IsSurroundings(e.Error()) ? TRetry::AfterPause : TRetry::WhenChanged});
+        const bool mayPass = IsSurroundings(e.Error()) || e.Error() == LedgerTrouble;
+        Wait(job, e, {mayPass ? TRetry::AfterPause : TRetry::WhenChanged});
     } catch (const ENameError& e) {
         job.Source->Unclaim();
         Wait(job, EFileError(e.Message(), EINVAL), {TRetry::WhenChanged});
     }
 }
 
+/// False, with nothing left behind, where another agent has taken the file over. Raises EFileError.
+bool TFolderTurn::BeginFailing(TJob& job) {
+    if (job.Entry == nullptr || !job.Entry->IsClaimed())
+        return true;
+    try {
+        job.Entry->Void();
+        if (job.Entry->BeginFailing())
+            return true;
+    } catch (const ELedger& e) {
+        throw EFileError(e.Message(), LedgerTrouble);
+    }
+    job.Source->Unclaim();
+    return false;
+}
+
 /// Tells why once, and says nothing more while that is so.
-void TFolderTurn::Wait(TJob& job, const EFileError& trouble, const TWait& wait) {
+void TFolderTurn::Wait(TJob& job, const EFileError& trouble, TWait wait) {
+    wait.Published = job.Published;
+    wait.Claimed = job.Published && job.Entry != nullptr && job.Entry->IsClaimed();
     if (!NoteWaiting(job.Source->Name(), trouble, wait)) {
         job.Drop();
         return;
@@ -379,6 +492,7 @@ bool TFolderTurn::NoteWaiting(const string& name, const EFileError& trouble, con
     waiting.ForGood = wait.Retry == TRetry::WhenChanged;
     waiting.Rights = Rights();
     waiting.Published = wait.Published;
+    waiting.Claimed = wait.Claimed;
     FTroubles += wait.Retry == TRetry::AfterPause ? 1 : 0;
     if (news)
         RecordWaiting(name, waiting.State.Size,
@@ -407,6 +521,18 @@ void TFolderTurn::Record(TFileRecord record) const {
         FInput.Host.Ledger->Record(std::move(record));
 }
 
+void TFolderTurn::RecordSettled(TFileEntry* entry, TFileRecord record) const {
+    if (entry != nullptr && entry->IsClaimed()) {
+        try {
+            entry->End(record);
+            return;
+        } catch (const ELedger& e) {
+            JournalLine(e.Message()); // the claim ends with this agent
+        }
+    }
+    Record(std::move(record));
+}
+
 QStringList SweepFolder(const string& path) {
     const TFolderPtr home = TFolder::Open(path);
     SweepPartFiles(*home);
@@ -427,4 +553,29 @@ QStringList SweepFolder(const string& path) {
     if (const TFolderPtr process = folders.value(QLatin1String(ProcessFolder)))
         given += SweepClaims(process, home, settled);
     return given;
+}
+
+void RecordLeftClaims(TAgentLedger& ledger, const TPDFWatchedFolder& folder) {
+    const TFolderPtr home = TFolder::Open(folder.Name);
+    const string key = KeyOf(ledger, folder, home);
+    for (const TLeftClaim& claim : ledger.Claims().Left(key)) {
+        if (home->Holds(claim.Name))
+            continue; // its turn comes
+        TFileRecord record;
+        record.Folder = RecordedFolder(folder.Name);
+        record.Name = claim.Name;
+        record.List = folder.Action;
+        record.Size = claim.Size;
+        record.Began = record.Ended = QDateTime::currentMSecsSinceEpoch();
+        const TPublishing& left = claim.Publishing;
+        record.State = left.Result.isEmpty() ? TRecordState::Failed : TRecordState::Done;
+        record.Reasons.append({ReasonName(TReasonCode::Other),
+                               {},
+                               QStringLiteral("The agent that worked on it died before it had told more")});
+        if (!left.Result.isEmpty())
+            record.Results.append({left.Result, left.Size});
+        record.Numbers = left.Numbers;
+        record.Pages = left.Pages;
+        ledger.RecordAtOnce(std::move(record), [&] { ledger.Claims().Forget(claim); });
+    }
 }

@@ -59,6 +59,7 @@ private:
     /// A file whose result has its name, and that is still to leave the claim folder.
     struct TPublished {
         std::unique_ptr<TSourceFile> Source;
+        std::unique_ptr<TFileEntry> Entry; // goes before the source
         TFileRecord Record;
     };
 
@@ -70,7 +71,11 @@ private:
     void MeetTrouble(TJob& job);
     void TakeAway(TJob& job);
     [[nodiscard]] bool Claim(TSourceFile& source);
+    [[nodiscard]] bool Enter(TJob& job);
+    [[nodiscard]] bool BeginFailing(TJob& job);
     void Publish(TJob& job);
+    void PublishClaimed(TJob& job);
+    static void FinishNumbers(TPublished& file);
     void SettleGroup();
     void SettlePublished(TPublished& file);
     void Fail(TJob& job, const TReason& reason);
@@ -81,15 +86,18 @@ private:
         TRetry Retry = TRetry::AfterPause;
         bool OfSource = false;  ///< it can't be read
         bool Published = false; ///< its result lies in place
+        bool Claimed = false;   ///< the ledger knows of that
     };
     void KeepPublished(TPublished& file, const EFileError& trouble, TRetry retry);
-    void Wait(TJob& job, const EFileError& trouble, const TWait& wait);
+    void Wait(TJob& job, const EFileError& trouble, TWait wait);
     void Wait(TJob& job, const EFileError& trouble) { Wait(job, trouble, TWait()); }
     /// True where that is news.
     bool NoteWaiting(const string& name, const EFileError& trouble, const TWait& wait);
     void RecordWaiting(const string& name, qint64 size, const TReason& reason) const;
     [[nodiscard]] TFileRecord RecordOfEnd(const TJob& job) const;
     void Record(TFileRecord record) const;
+    /// With the end of its claim, where it has one.
+    void RecordSettled(TFileEntry* entry, TFileRecord record) const;
     static string FailureLine(const string& reason);
     [[nodiscard]] qint64 Now() const { return FInput.Host.Clock.Steady(); }
     [[nodiscard]] qint64 TimeOfDay() const;
@@ -99,6 +107,7 @@ private:
     TTurnInput FInput;
     TQuietTime FQuiet;
     TPDFActionList* FActions = nullptr;
+    string FKey; // how the ledger knows the folder
     TFolderPtr FHome;
     TFolderPtr FOutput;
     TFolderPtr FProcess;
@@ -114,6 +123,10 @@ private:
     bool FListed = false;
     bool FLeftSuspects = false;
 };
+
+/// Claims in the ledger of dead agents whose file has gone its way already: what is missing is their record.
+/// Raises ELedger and EFileError.
+void RecordLeftClaims(TAgentLedger& ledger, const TPDFWatchedFolder& folder);
 
 /// Gives back what dead runs claimed in the folder, and removes their temporaries; makes nothing. Returns the
 /// names that were given back. Raises EFileError.

@@ -54,6 +54,8 @@ void TWatchedFoldersThread::Execute() {
     const auto cleared = qScopeGuard([this] {
         FWatchedFolders.reset();
         FActionManager.reset();
+        if (FHost.Ledger != nullptr)
+            FHost.Ledger->Leave();
     });
     try {
         Serve();

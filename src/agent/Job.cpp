@@ -29,6 +29,10 @@ TOutputFile& TJob::OpenResult() {
     return *Result;
 }
 
+qint64 TJob::TakeNumbers(const string& series, qint64 count) {
+    return Entry != nullptr ? Entry->TakeNumbers(series, count) : TWorkHost::TakeNumbers(series, count);
+}
+
 void TJob::TakePlace() {
     FInPlace = true;
     Flush();

@@ -1,5 +1,6 @@
 #pragma once
 // One file on its way through a folder's turn, from its opening to its place in the end.
+#include "agent/FileEntry.h"
 #include "agent/TurnLog.h"
 #include "base/PartFile.h"
 #include "base/SourceFile.h"
@@ -21,6 +22,7 @@ public:
     void Hint(const string& text) override;
     [[nodiscard]] bool Terminated() override { return FTerminated(); }
     [[nodiscard]] TOutputFile& OpenResult() override;
+    [[nodiscard]] qint64 TakeNumbers(const string& series, qint64 count) override;
 
     /// No file before it is still at work: its lines are written as they come.
     void TakePlace();
@@ -34,11 +36,13 @@ public:
     void BeginAnew();
 
     std::unique_ptr<TSourceFile> Source;
+    std::unique_ptr<TFileEntry> Entry; ///< null: there is no ledger. Goes before the source
     TFileWork Work;
     TPDFActionList* List = nullptr;    ///< null: no list has that name
     std::unique_ptr<TPartFile> Result; ///< from OpenResult() on
     std::optional<TOutcome> Outcome;   ///< once the work is over, or where there is none to do
     bool WasProtected = false;         ///< when it was looked at last: perhaps no result is wanted
+    bool Published = false;            ///< an earlier go did that: only the rest of its way is left
     bool Lost = false;                 ///< its first worker was killed
     qint64 Begun = 0;                  ///< by the steady clock
 

@@ -43,12 +43,18 @@ TFileRecord RecordOf(const TJob& job, const string& folder, qint64 steady, qint6
     record.State = StateOf(outcome.State);
     for (const TReason& reason : outcome.Reasons)
         record.Reasons.append(RecordedReason(reason));
-    if (outcome.Written && job.Result != nullptr) {
+    record.Numbers = outcome.Numbers;
+    record.Pages = outcome.Pages;
+    if (job.Entry != nullptr && job.Entry->Left()) {
+        const TPublishing& left = *job.Entry->Left();
+        record.Results.append({left.Result, left.Size});
+        record.Numbers = left.Numbers;
+        record.Pages = left.Pages;
+    } else if (outcome.Written && job.Result != nullptr) {
         const QByteArray name = PathBytes(ExtractFileName(job.Result->FinalPath()));
         struct stat info {};
         record.Results.append({name, job.Result->Folder().Look(name, info) ? info.st_size : 0});
     }
-    record.Pages = outcome.Pages;
     record.Size = job.Source->Opened().Size;
     record.Ended = now;
     record.Began = now - (steady - job.Begun);

@@ -5,6 +5,7 @@
 #include "agent/AgentStatus.h"
 #include "agent/WorkerProcess.h"
 #include "base/Exceptions.h"
+#include "base/GivenNumbers.h"
 #include "base/Paths.h"
 #include "platform/MessageBox.h"
 #include "platform/ProcessLimits.h"
@@ -78,10 +79,12 @@ struct TWorkers::TWorker {
     string Sandbox = {};     // as it says itself
     int Version = 0;         // of the lists that it knows
     TJob* Job = nullptr;     // at work
+    qint64 Order = 0;        // its number
     qint64 Begun = 0;        // that work
     qint64 Looked = 0;       // at its memory, last
     bool Quick = false;      // the work before took but a moment
     TJob* Ahead = nullptr;   // handed over already, to be begun when that work ends
+    qint64 AheadOrder = 0;   // its number
     TDescriptor Permit = {}; // to begin it: whoever reads this first has the job
     qint64 Limit = Never;    // of the work, by the steady clock
     qint64 Left = 0;         // of the time for the work, while a user is asked
@@ -193,13 +196,14 @@ void TWorkers::HandOver(TWorker& worker, TJob& job) {
     worker.Version = FVersion;
     QCborMap order = NewMessage(TMessageKind::Work);
     Put(order, job.Work);
+    order[QLatin1String("order")] = ++FOrders;
     order[QLatin1String("memory")] = MemoryFor(job);
     PrepareResult(job);
     QList<int> files{job.Work.Descriptor};
     if (job.Result != nullptr)
         files.append(job.Result->Descriptor());
     if (worker.Job == nullptr) {
-        BeginFirst(worker, job);
+        BeginFirst(worker, job, FOrders);
     } else {
         TDescriptor permit(::eventfd(1, EFD_CLOEXEC | EFD_NONBLOCK));
         if (!permit)
@@ -207,14 +211,16 @@ void TWorkers::HandOver(TWorker& worker, TJob& job) {
         order[QLatin1String("permit")] = files.size();
         files.append(permit.Number());
         worker.Ahead = &job;
+        worker.AheadOrder = FOrders;
         worker.Permit = std::move(permit);
     }
     if (!sent || !channel.Send(order, files))
         End(worker, TEnding::Died);
 }
 
-void TWorkers::BeginFirst(TWorker& worker, TJob& job) {
+void TWorkers::BeginFirst(TWorker& worker, TJob& job, qint64 order) {
     worker.Job = &job;
+    worker.Order = order;
     worker.Begun = worker.Looked = Now();
     worker.Limit = worker.Begun + qint64(SecondsFor(job)) * 1000;
     worker.Lines = 0;
@@ -358,13 +364,19 @@ void TWorkers::Handle(TWorker& worker, const TChannelMessage& message) {
     case TMessageKind::Open:
         SendResultFile(worker);
         break;
+    case TMessageKind::TakeNumbers:
+        GiveNumbers(worker, message.Body);
+        break;
     case TMessageKind::Box:
     case TMessageKind::Password:
         if (worker.Reach == TReach::Programs) // only scripts ask; another was taken over
             AskUser(worker, message.Body);
         break;
     case TMessageKind::Done:
-        TakeOutcome(worker, OutcomeOf(message.Body));
+        if (message.Body.value(QLatin1String("order")).toInteger() == worker.Order)
+            TakeOutcome(worker, OutcomeOf(message.Body));
+        else
+            End(worker, TEnding::Died); // it speaks of other work than this
         break;
     default:
         break;
@@ -398,7 +410,7 @@ void TWorkers::Release(TWorker& worker) {
         TakeBack(worker);
     worker.Permit = {};
     if (worker.Ahead != nullptr)
-        BeginFirst(worker, *std::exchange(worker.Ahead, nullptr));
+        BeginFirst(worker, *std::exchange(worker.Ahead, nullptr), worker.AheadOrder);
 }
 
 void TWorkers::SendResultFile(TWorker& worker) {
@@ -412,6 +424,23 @@ void TWorkers::SendResultFile(TWorker& worker) {
         refusal[QLatin1String("error")] = e.Error();
         (void)channel.Send(refusal);
     }
+}
+
+/// What a worker asks for isn't believed: the series and how many are looked at as a list's own.
+void TWorkers::GiveNumbers(TWorker& worker, const QCborMap& question) {
+    QCborMap reply = NewMessage(TMessageKind::Numbers);
+    TJob& job = *worker.Job;
+    const TGivenNumbers numbers(
+        [&job](const string& series, qint64 count) { return job.TakeNumbers(series, count); });
+    try {
+        reply[QLatin1String("first")] =
+            TGivenNumbers::Take(question.value(QLatin1String("text")).toString(),
+                                question.value(QLatin1String("count")).toInteger());
+    } catch (const std::exception& e) {
+        reply[QLatin1String("text")] = MessageOf(e);
+        reply[QLatin1String("away")] = dynamic_cast<const ENumbersAway*>(&e) != nullptr;
+    }
+    (void)worker.Process->Channel()->Send(reply);
 }
 
 /// On a thread of its own, which waits for as long as the user does, while other files are worked on.

@@ -48,7 +48,7 @@ private:
     [[nodiscard]] TWorker& Idle(TReach reach);
     [[nodiscard]] TWorker& Next(TReach reach);
     void HandOver(TWorker& worker, TJob& job);
-    void BeginFirst(TWorker& worker, TJob& job);
+    void BeginFirst(TWorker& worker, TJob& job, qint64 order);
     static void PrepareResult(TJob& job);
     [[nodiscard]] int SecondsFor(const TJob& job) const;
     [[nodiscard]] int MemoryFor(const TJob& job) const;
@@ -61,6 +61,7 @@ private:
     void Hear(TWorker& worker);
     void Handle(TWorker& worker, const TChannelMessage& message);
     void SendResultFile(TWorker& worker);
+    static void GiveNumbers(TWorker& worker, const QCborMap& question);
     void AskUser(TWorker& worker, const QCborMap& question);
     void TakeOutcome(TWorker& worker, TOutcome outcome);
     void Release(TWorker& worker);
@@ -83,6 +84,7 @@ private:
     std::deque<TJob*> FBack; // that a worker had, and hasn't begun
     std::deque<TJob*> FLost; // whose worker somebody else killed: once more, alone
     TJob* FAlone = nullptr;  // the one of them that is at work
+    qint64 FOrders = 0;      // numbers of what was handed over
     bool FStopTold = false;
     qint64 FStopLimit = 0;
 };

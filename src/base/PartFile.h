@@ -20,6 +20,8 @@ public:
     TPartFile& operator=(const TPartFile&) = delete;
 
     [[nodiscard]] const TFolder& Folder() const { return *FFolder; }
+    /// In that folder, until it is published.
+    [[nodiscard]] const QByteArray& PartName() const { return FTemporary; }
     /// Publishes with the permission bits of an open file or of a path; one that is missing changes nothing.
     /// Without any, the process's own mask decides.
     void TakeModeOf(int source);

@@ -1,11 +1,13 @@
 // Stamping: each chosen page gets a group of its own with the six texts of the scheme.
 #include "bates/BatesDictionary.h"
 
+#include "base/GivenNumbers.h"
 #include "base/Paths.h"
 #include "bates/BatesText.h"
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
 #include "bates/SchemeUpdate.h"
+#include "bates/SeriesMacro.h"
 #include "engine/document/GlobalDocument.h"
 #include "engine/layers/XObjectGroup.h"
 #include "engine/macros/Macros.h"
@@ -91,15 +93,16 @@ void PutOnPage(TZQPDFDocument& document, TZQPDFPage& page, TStampTexts& texts) {
 
 } // namespace
 
-void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number) {
+void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number,
+                                      const QMap<string, qint64>& numbers) {
     TZQPDFPage& page = document.Pages().getItem(number - 1);
     const QStringList schemeTexts = Texts();
     TStampTexts texts;
     for (size_t i = 0; i < Positions; ++i) {
         texts[i] = std::make_unique<TZQPDFBatesText>(nullptr);
         SetLook(*texts[i], CurrScheme);
-        const string numbered =
-            NumberList::Replace(schemeTexts[qsizetype(i)], BatesStrl, NumberList::Shown::Current);
+        const string numbered = SeriesMacro::Replace(
+            NumberList::Replace(schemeTexts[qsizetype(i)], BatesStrl, NumberList::Shown::Current), numbers);
         texts[i]->SetText(PDFformatMacroString(&document, QString::number(number),
                                                QString::number(document.GetPageCount()), numbered,
                                                ExtractFileName(document.FileName()), NowFor(numbered)));
@@ -110,8 +113,15 @@ void TZQPDFBatesDictionary::StampPage(TZQPDFDocument& document, int number) {
 }
 
 void TZQPDFBatesDictionary::StampPages(TZQPDFDocument& document, const TZQPDFPagesRangeSelector& pages) {
-    for (const int page : pages)
-        StampPage(document, page);
+    QMap<string, qint64> next;
+    if (pages.Count() > 0)
+        for (const string& series : SeriesMacro::SeriesOf(Texts()))
+            next.insert(series, TGivenNumbers::Take(series, pages.Count()));
+    for (const int page : pages) {
+        StampPage(document, page, next);
+        for (auto number = next.begin(); number != next.end(); ++number)
+            TGivenNumbers::Show(number.key(), (*number)++, document.Pages().getItem(page - 1).Id());
+    }
     CurrScheme.BatesNumbers = ToCommaText(BatesStrl);
 }
 

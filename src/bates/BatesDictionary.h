@@ -83,7 +83,8 @@ public:
 private:
     /// The six texts in the order of the record.
     [[nodiscard]] QStringList Texts() const;
-    void StampPage(TZQPDFDocument& document, int number);
+    /// `numbers` are the page's own of each series.
+    void StampPage(TZQPDFDocument& document, int number, const QMap<string, qint64>& numbers);
     void StampPages(TZQPDFDocument& document, const TZQPDFPagesRangeSelector& pages);
     void StampFromFile(TZQPDFDocument& document, const TZQPDFPagesRangeSelector& pages);
     /// Numbers that others have moved on: `known` and `stored` are the scheme at hand as this store knows it

@@ -3,6 +3,20 @@
 #include "ledger/LedgerConnection.h"
 #include "ledger/StoredText.h"
 
+namespace {
+
+/// Of the columns result, part, result_size, result_inode, result_pages, numbers.
+TPublishing PublishingOf(const QVariantList& row) {
+    return {BytesOfStored(row[0].toString()),
+            BytesOfStored(row[1].toString()),
+            row[2].toLongLong(),
+            quint64(row[3].toLongLong()),
+            row[4].toLongLong(),
+            NumbersOfStored(row[5].toString())};
+}
+
+} // namespace
+
 TClaim TClaims::Take(const TLedgerWork& work, const TClaimedFile& file) {
     TClaim claim;
     // What a power failure of the server takes of a claim, BeginPublishing notices.
@@ -25,7 +39,8 @@ qint64 TClaims::Insert(const TLedgerWork& work, const TClaimedFile& file) {
     return FLedger
         .Rows("INSERT INTO claims (folder, name, size, modified, inode, token, work, agent, state, result, "
               "part,"
-              " result_size, numbers, claimed) VALUES (?, ?, ?, ?, ?, ?, ?, ?, 'working', '', '', 0, '[]', "
+              " result_size, result_inode, result_pages, numbers, claimed)"
+              " VALUES (?, ?, ?, ?, ?, ?, ?, ?, 'working', '', '', 0, 0, 0, '[]', "
               "{now})"
               " ON CONFLICT (folder, name, size, modified) DO NOTHING RETURNING id",
               {StoredText(file.Folder), StoredText(file.Name), file.Size, file.Modified, qint64(file.Inode),
@@ -39,10 +54,11 @@ qint64 TClaims::Insert(const TLedgerWork& work, const TClaimedFile& file) {
 std::optional<TClaim> TClaims::TakeOver(const TLedgerWork& work, const TClaimedFile& file) {
     const QVariantList row =
         FLedger
-            .Rows(
-                "SELECT id, token, work, agent, state, inode, result, part, result_size, numbers FROM claims"
-                " WHERE folder = ? AND name = ? AND size = ? AND modified = ? {lock}",
-                {StoredText(file.Folder), StoredText(file.Name), file.Size, file.Modified})
+            .Rows("SELECT id, token, work, agent, state, inode, result, part, result_size, result_inode, "
+                  "result_pages,"
+                  " numbers FROM claims"
+                  " WHERE folder = ? AND name = ? AND size = ? AND modified = ? {lock}",
+                  {StoredText(file.Folder), StoredText(file.Name), file.Size, file.Modified})
             .value(0);
     if (row.isEmpty())
         return std::nullopt;
@@ -54,8 +70,7 @@ std::optional<TClaim> TClaims::TakeOver(const TLedgerWork& work, const TClaimedF
     TClaim claim{row[0].toLongLong(), FRun.Agent(), std::nullopt};
     const bool isSameFile = quint64(row[5].toLongLong()) == file.Inode;
     if (isSameFile && row[4].toString() == QLatin1String("publishing"))
-        claim.Left = TPublishing{BytesOfStored(row[6].toString()), BytesOfStored(row[7].toString()),
-                                 row[8].toLongLong(), NumbersOfStored(row[9].toString())};
+        claim.Left = PublishingOf(row.mid(6));
     FLedger.Change("UPDATE claims SET token = ?, work = ?, agent = ?, inode = ?, state = ?, claimed = {now}"
                    " WHERE id = ?",
                    {FRun.Token(), work.Id(), StoredText(FRun.Agent()), qint64(file.Inode),
@@ -69,9 +84,11 @@ bool TClaims::BeginPublishing(const TLedgerWork& work, const TClaim& claim, cons
         FRun.Renew(FLedger);
         isOurs =
             FLedger.Change("UPDATE claims SET state = 'publishing', result = ?, part = ?, result_size = ?,"
-                           " numbers = ? WHERE id = ? AND token = ? AND work = ?",
+                           " result_inode = ?, result_pages = ?, numbers = ?"
+                           " WHERE id = ? AND token = ? AND work = ?",
                            {StoredText(publishing.Result), StoredText(publishing.Part), publishing.Size,
-                            StoredNumbers(publishing.Numbers), claim.Id, FRun.Token(), work.Id()}) == 1;
+                            qint64(publishing.Inode), publishing.Pages, StoredNumbers(publishing.Numbers),
+                            claim.Id, FRun.Token(), work.Id()}) == 1;
     });
     return isOurs;
 }
@@ -81,4 +98,23 @@ void TClaims::End(const TLedgerWork& work, const TClaim& claim) {
         FLedger.Change("DELETE FROM claims WHERE id = ? AND token = ? AND work = ?",
                        {claim.Id, FRun.Token(), work.Id()});
     });
+}
+
+QList<TLeftClaim> TClaims::Left(const string& folder) {
+    QList<TLeftClaim> left;
+    FLedger.Write(TDurable::Soon, [&] {
+        left.clear();
+        for (const QVariantList& row :
+             FLedger.Rows("SELECT id, token, work, name, size, result, part, result_size, result_inode,"
+                          " result_pages, numbers FROM claims WHERE folder = ? AND state = 'publishing'",
+                          {StoredText(folder)}))
+            if (FRun.IsFree(FLedger, row[1].toString(), row[2].toLongLong()))
+                left.append({row[0].toLongLong(), BytesOfStored(row[3].toString()), row[4].toLongLong(),
+                             PublishingOf(row.mid(5))});
+    });
+    return left;
+}
+
+void TClaims::Forget(const TLeftClaim& claim) {
+    FLedger.Write(TDurable::Soon, [&] { FLedger.Change("DELETE FROM claims WHERE id = ?", {claim.Id}); });
 }

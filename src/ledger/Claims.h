@@ -16,9 +16,11 @@ struct TClaimedFile {
 
 /// What is about to be published, so that another agent can complete it.
 struct TPublishing {
-    QByteArray Result; ///< its name in output/
+    QByteArray Result; ///< its name in output/; empty: the source is about to go to Error/
     QByteArray Part;   ///< the hidden file there that gets this name
     qint64 Size = 0;   ///< of it, when it is whole
+    quint64 Inode = 0; ///< of it, which it keeps under the other name
+    qint64 Pages = 0;
     QList<TNumberRun> Numbers;
     bool operator==(const TPublishing&) const = default;
 };
@@ -31,6 +33,13 @@ struct TClaim {
     std::optional<TPublishing> Left;
 };
 
+struct TLeftClaim {
+    qint64 Id = 0;
+    QByteArray Name; ///< of the source
+    qint64 Size = 0; ///< likewise
+    TPublishing Publishing;
+};
+
 class TClaims {
 public:
     TClaims(TLedgerConnection& ledger, const TLedgerRun& run) : FLedger(ledger), FRun(run) {}
@@ -41,6 +50,10 @@ public:
     /// be published. After true there is the time of a lease to do so.
     [[nodiscard]] bool BeginPublishing(const TLedgerWork& work, const TClaim& claim,
                                        const TPublishing& publishing);
+    /// Claims of dead agents that had begun to publish a file of the folder.
+    [[nodiscard]] QList<TLeftClaim> Left(const string& folder);
+    /// What such a one was for is done, and recorded.
+    void Forget(const TLeftClaim& claim);
     /// The source is settled, or given back. Nothing happens to a claim that another agent has taken over.
     void End(const TLedgerWork& work, const TClaim& claim);
 

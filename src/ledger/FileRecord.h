@@ -1,6 +1,6 @@
 #pragma once
 // What became of a file, as the ledger keeps it.
-#include "base/Text.h"
+#include "base/GivenNumbers.h"
 
 #include <QList>
 
@@ -21,15 +21,6 @@ struct TRecordReason {
     string Step; ///< as "action 3, AddWatermark"; empty where no action is concerned
     string Text;
     bool operator==(const TRecordReason&) const = default;
-};
-
-/// Consecutive numbers of a series on consecutive pages.
-struct TNumberRun {
-    string Series;
-    qint64 First = 0;
-    qint64 Count = 0;
-    qint64 Page = 0; ///< that bears the first, from 1; 0: the numbers belong to no page
-    bool operator==(const TNumberRun&) const = default;
 };
 
 struct TFileRecord {

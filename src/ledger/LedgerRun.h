@@ -59,7 +59,7 @@ private:
 struct TNumberSource {
     string Folder; ///< by a name that all agents have for it: its path, or an identifier where mounts differ
     QByteArray Name;
-    QByteArray Sha256; ///< of the contents, 32 bytes
+    QByteArray Sha256 = {}; ///< of the contents, 32 bytes; needed for numbers
 };
 
 struct TReservation {
@@ -82,6 +82,8 @@ public:
     [[nodiscard]] const TLedgerRun& Run() const { return FRun; }
     [[nodiscard]] qint64 Id() const { return FId; }
     [[nodiscard]] const TNumberSource& Source() const { return FSource; }
+    /// A claim needs none, so the contents are looked at where there are numbers.
+    void SetSha256(const QByteArray& hash) { FSource.Sha256 = hash; }
     /// That are neither given nor void.
     [[nodiscard]] const QList<TReservation>& Reservations() const { return FReservations; }
 
@@ -89,7 +91,7 @@ private:
     friend class TNumbers;
 
     TLedgerRun& FRun;
-    const TNumberSource FSource;
+    TNumberSource FSource;
     const qint64 FId;
     QList<TReservation> FReservations;
 };

@@ -27,7 +27,8 @@ const std::vector<std::vector<const char*>>& Migrations() {
         "CREATE TABLE claims (id {identity}, folder TEXT NOT NULL, name TEXT NOT NULL, size BIGINT NOT NULL,"
         " modified BIGINT NOT NULL, inode BIGINT NOT NULL, token TEXT NOT NULL, work BIGINT NOT NULL,"
         " agent TEXT NOT NULL, state TEXT NOT NULL, result TEXT NOT NULL, part TEXT NOT NULL,"
-        " result_size BIGINT NOT NULL, numbers TEXT NOT NULL, claimed BIGINT NOT NULL,"
+        " result_size BIGINT NOT NULL, result_inode BIGINT NOT NULL, result_pages BIGINT NOT NULL,"
+        " numbers TEXT NOT NULL, claimed BIGINT NOT NULL,"
         " UNIQUE (folder, name, size, modified))",
 
         "CREATE TABLE counters (series TEXT PRIMARY KEY, next BIGINT NOT NULL)",

@@ -2,6 +2,7 @@
 
 #include "base/Exceptions.h"
 #include "base/FolderListing.h"
+#include "base/GivenNumbers.h"
 #include "base/Paths.h"
 #include "platform/MessageBox.h"
 #include "platform/StopSignal.h"
@@ -49,6 +50,12 @@ int TJSGlobalFunctions::MessageBox(const string& Text, int flags) {
     const string caption = QCoreApplication::applicationName();
     return MessageBoxHost().Show(
         Text, occasion.isEmpty() ? caption : caption + QStringLiteral(": ") + occasion, flags);
+}
+
+qint64 TJSGlobalFunctions::TakeNumbers(const string& series, int count) {
+    const qint64 first = TGivenNumbers::Take(series, count);
+    TGivenNumbers::Give(series, first, count);
+    return first;
 }
 
 bool TJSGlobalFunctions::FileExists(const string& n) {

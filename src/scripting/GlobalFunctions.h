@@ -44,6 +44,11 @@ public:
     /// that of a closed box.
     Q_INVOKABLE static int MessageBox(const string& Text, int flags);
 
+    /// The first of `count` consecutive numbers of a series, which nobody else is given; from 1 to 1,000,000
+    /// at once. Raises where no ledger is at hand; while the ledger can't be used the file waits, whatever
+    /// the script does then.
+    Q_INVOKABLE static qint64 TakeNumbers(const string& series, int count);
+
     Q_INVOKABLE static bool FileExists(const string& n);
     /// Paths of the files in the folder `p` whose names fit the mask, "*" and "?", in natural order, those of
     /// each folder before those of its subfolders. Links to folders aren't followed. Raises EFileError for a

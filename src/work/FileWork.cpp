@@ -91,7 +91,7 @@ void Note(const TFileWork& work, TProgress& progress, const TReason& reason) {
 /// False if a stop cut the actions short. What a stop does to an interruptible action can't be told from what
 /// it would have done, so such a one counts as cut short, too.
 bool RunActions(const TFileWork& work, TPDFActions& actions, TZQPDFDocument& document, TWorkHost& host,
-                TProgress& progress) {
+                const TGivenNumbers& numbers, TProgress& progress) {
     const TScriptOccasion occasion(work.Source, work.ActionName);
     for (int i = 0; i < actions.Count(); ++i) {
         TPDFAction& action = *actions[i];
@@ -99,6 +99,7 @@ bool RunActions(const TFileWork& work, TPDFActions& actions, TZQPDFDocument& doc
             return false;
         progress.Step = StepName(i, action);
         const Cardinal result = action.Execute(document);
+        numbers.Check();
         if (host.Terminated() && action.IsInterruptible())
             return false;
         if (result != 0 && qobject_cast<TPDFActionJavaScript*>(&action) != nullptr)
@@ -126,6 +127,13 @@ void NoteWarnings(const TFileWork& work, const TZQPDFDocument& document, TProgre
 void RequireAccepted(const TFileWork& work, const TZQPDFDocument& document) {
     TProgress unused;
     NoteWarnings(work, document, unused);
+}
+
+QList<TNumberRun> NumbersOn(TZQPDFPages& pages, const TGivenNumbers& numbers) {
+    QHash<quint64, qint64> places;
+    for (int i = 0; i < pages.Count(); ++i)
+        places.insert(pages.getItem(i).Id(), i + 1);
+    return numbers.Runs([&](quint64 page) { return places.value(page); });
 }
 
 TReasonCode BlameOf(const std::exception& e, const TProgress& progress) {
@@ -164,7 +172,9 @@ TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TPro
     // Made first: where nothing can be written, nothing is worked on in vain.
     TOutputFile& result = AmongSurroundings([&]() -> TOutputFile& { return host.OpenResult(); });
     progress.Blame = TReasonCode::ActionRaised;
-    if (!RunActions(work, *actions, *document, host, progress)) {
+    const TGivenNumbers numbers(
+        [&host](const string& series, qint64 count) { return host.TakeNumbers(series, count); });
+    if (!RunActions(work, *actions, *document, host, numbers, progress)) {
         Park(std::move(document));
         return Ended(TOutcomeState::Stopped,
                      {TReasonCode::Other, progress.Step, QStringLiteral("The agent stops.")});
@@ -179,8 +189,17 @@ TOutcome Work(const TFileWork& work, TPDFActions* actions, TWorkHost& host, TPro
     TOutcome outcome;
     outcome.Written = true;
     outcome.Pages = document->GetPageCount();
+    if (!numbers.IsEmpty())
+        outcome.Numbers = NumbersOn(document->Pages(), numbers);
     outcome.Reasons = progress.Reasons;
     outcome.State = outcome.Reasons.isEmpty() ? TOutcomeState::Done : TOutcomeState::DoneWithWarnings;
+    return outcome;
+}
+
+TOutcome WaitsForNumbers(const ENumbersAway& e, const TProgress& progress) {
+    TOutcome outcome =
+        Ended(TOutcomeState::Waiting, {TReasonCode::LedgerUnusable, progress.Step, e.Message()});
+    outcome.Error = LedgerTrouble;
     return outcome;
 }
 
@@ -193,6 +212,10 @@ TOutcome Failed(TWorkHost& host, const TReason& reason) {
 
 string ExecutingLine(const TFileWork& work) {
     return QStringLiteral("Executing \"%1\" on %2, SUCCESS.").arg(work.ActionName, work.Dest);
+}
+
+qint64 TWorkHost::TakeNumbers(const string& series, qint64 /*count*/) {
+    throw Exception(QStringLiteral("Nobody is there to give numbers of the series \"%1\"").arg(series));
 }
 
 string MemoryText() {
@@ -209,6 +232,8 @@ TOutcome WorkOnFile(const TFileWork& work, TPDFActions* actions, TWorkHost& host
         outcome.Error = e.Error();
         outcome.OfSource = e.OfReading();
         return outcome;
+    } catch (const ENumbersAway& e) {
+        return WaitsForNumbers(e, progress);
     } catch (const EPolicy& e) {
         return Failed(host, e.Reason());
     } catch (const std::bad_alloc&) {

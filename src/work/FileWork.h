@@ -33,6 +33,9 @@ public:
     [[nodiscard]] virtual bool Terminated() = 0;
     /// Makes the file for the result, which stays the host's. Called once at most. Raises EFileError.
     [[nodiscard]] virtual TOutputFile& OpenResult() = 0;
+    /// The first of so many consecutive numbers of a series, reserved for this file. Raises ENumbersAway
+    /// where that may be had later, and Exception where it can't.
+    [[nodiscard]] virtual qint64 TakeNumbers(const string& series, qint64 count);
 };
 
 /// Done means that the source may leave its folder, with a result or, where no list has the name (`actions`

@@ -46,6 +46,8 @@ string ReasonName(TReasonCode code) {
         return QStringLiteral("input.not-pdf");
     case TReasonCode::InputRetried:
         return QStringLiteral("input.retried");
+    case TReasonCode::LedgerUnusable:
+        return QStringLiteral("ledger.unusable");
     case TReasonCode::FolderUnusable:
         return QStringLiteral("folder.unusable");
     case TReasonCode::DiskFull:
@@ -86,6 +88,7 @@ TReasonCode ReasonOf(TWarningKind kind) {
 
 TReasonCode ReasonOfTrouble(int error, bool ofSource) {
     return error == ENOSPC || error == EDQUOT ? TReasonCode::DiskFull
+           : error == LedgerTrouble           ? TReasonCode::LedgerUnusable
            : ofSource                         ? TReasonCode::InputUnreadable
                                               : TReasonCode::FolderUnusable;
 }

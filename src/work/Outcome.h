@@ -1,8 +1,11 @@
 #pragma once
 // What became of a file: every file that is taken up ends in one of these.
+#include "base/GivenNumbers.h"
 #include "engine/file/Warnings.h"
 
 #include <QList>
+
+#include <cerrno>
 
 enum class TOutcomeState {
     Done,
@@ -35,6 +38,7 @@ enum class TReasonCode {
     InputUnreadable,      ///< input.unreadable
     InputNotPdf,          ///< input.not-pdf
     InputRetried,         ///< input.retried
+    LedgerUnusable,       ///< ledger.unusable
     FolderUnusable,       ///< folder.unusable
     DiskFull,             ///< disk.full
     ClaimRefused,         ///< claim.refused
@@ -45,6 +49,8 @@ enum class TReasonCode {
 [[nodiscard]] string ReasonName(TReasonCode code);
 
 [[nodiscard]] TReasonCode ReasonOf(TWarningKind kind);
+/// In the place of an errno value: the ledger is away.
+inline constexpr int LedgerTrouble = EAGAIN;
 /// Of trouble of the surroundings: errno, and whether it was in reading the source.
 [[nodiscard]] TReasonCode ReasonOfTrouble(int error, bool ofSource);
 
@@ -57,8 +63,9 @@ struct TReason {
 struct TOutcome {
     TOutcomeState State = TOutcomeState::Done;
     QList<TReason> Reasons;
-    bool Written = false; ///< a whole result stands in the file that was made for it
-    int Pages = 0;        ///< of the result
+    bool Written = false;      ///< a whole result stands in the file that was made for it
+    int Pages = 0;             ///< of the result
+    QList<TNumberRun> Numbers; ///< of series, that it bears
     // Where it is the surroundings that a file waits for:
     int Error = 0;         ///< as errno; 0 for any other reason
     bool OfSource = false; ///< in reading the source

@@ -15,6 +15,7 @@ constexpr QLatin1String State("state");
 constexpr QLatin1String Reasons("reasons");
 constexpr QLatin1String Written("written");
 constexpr QLatin1String Pages("pages");
+constexpr QLatin1String Numbers("numbers");
 constexpr QLatin1String Error("error");
 constexpr QLatin1String OfSource("of source");
 
@@ -82,6 +83,12 @@ void Put(QCborMap& message, const TOutcome& outcome) {
     }
     message[Written] = outcome.Written;
     message[Pages] = outcome.Pages;
+    if (!outcome.Numbers.isEmpty()) {
+        QCborArray runs;
+        for (const TNumberRun& run : outcome.Numbers)
+            runs.append(QCborArray{run.Series, run.First, run.Count, run.Page});
+        message[Numbers] = runs;
+    }
     if (outcome.Error != 0) {
         message[Error] = outcome.Error;
         message[OfSource] = outcome.OfSource;
@@ -98,6 +105,11 @@ TOutcome OutcomeOf(const QCborMap& message) {
     }
     outcome.Written = message.value(Written).toBool();
     outcome.Pages = int(message.value(Pages).toInteger());
+    for (const auto& value : message.value(Numbers).toArray()) {
+        const QCborArray run = value.toArray();
+        outcome.Numbers.append(
+            {run.at(0).toString(), run.at(1).toInteger(), run.at(2).toInteger(), run.at(3).toInteger()});
+    }
     outcome.Error = int(message.value(Error).toInteger());
     outcome.OfSource = message.value(OfSource).toBool();
     if (outcome.Reasons.isEmpty() && outcome.State != TOutcomeState::Done)

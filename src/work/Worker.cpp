@@ -46,7 +46,7 @@ public:
     [[noreturn]] void Run() {
         Tell(TextMessage(TMessageKind::Ready, FSandbox));
         for (;;) {
-            TChannelMessage order = Take();
+            TChannelMessage order = NextOrder();
             switch (KindOf(order.Body)) {
             case TMessageKind::Lists:
                 TakeLists(order.Body.value(QLatin1String("text")).toString());
@@ -104,6 +104,19 @@ public:
         FResultFile = std::move(reply.Files[0]);
     }
 
+    [[nodiscard]] qint64 TakeNumbers(const string& series, qint64 count) override {
+        QCborMap question = TextMessage(TMessageKind::TakeNumbers, series);
+        question[QLatin1String("count")] = count;
+        Tell(question);
+        const QCborMap reply = Await(TMessageKind::Numbers).Body;
+        if (const QCborValue first = reply.value(QLatin1String("first")); first.isInteger())
+            return first.toInteger();
+        const string text = reply.value(QLatin1String("text")).toString();
+        if (reply.value(QLatin1String("away")).toBool())
+            throw ENumbersAway(text);
+        throw Exception(text);
+    }
+
     int Show(const string& text, const string& caption, int flags) override {
         QCborMap question = TextMessage(TMessageKind::Box, text);
         question[QLatin1String("caption")] = caption;
@@ -121,6 +134,14 @@ public:
     }
 
 private:
+    [[nodiscard]] TChannelMessage NextOrder() {
+        if (FOrders.empty())
+            return Take();
+        TChannelMessage order = std::move(FOrders.front());
+        FOrders.pop_front();
+        return order;
+    }
+
     [[nodiscard]] TChannelMessage Take() {
         for (;;) {
             if (std::optional<TChannelMessage> message = FChannel.Next())
@@ -143,10 +164,14 @@ private:
             std::_Exit(EXIT_FAILURE); // nobody is there to tell
     }
 
+    /// What is handed over meanwhile is for later.
     [[nodiscard]] TChannelMessage Await(TMessageKind kind) {
-        for (;;)
-            if (TChannelMessage order = Take(); KindOf(order.Body) == kind)
+        for (;;) {
+            TChannelMessage order = Take();
+            if (KindOf(order.Body) == kind)
                 return order;
+            FOrders.push_back(std::move(order));
+        }
     }
 
     void TakeLists(const string& xml) {
@@ -183,6 +208,7 @@ private:
         FResult.reset();
         FResultFile = {};
         QCborMap done = NewMessage(TMessageKind::Done);
+        done[QLatin1String("order")] = order.Body.value(QLatin1String("order"));
         Put(done, outcome);
         Tell(done);
     }
@@ -191,6 +217,7 @@ private:
     TChannel FChannel;
     TDescriptor FMoment; // runs out where something said was kept
     std::atomic<bool> FKept = false;
+    std::deque<TChannelMessage> FOrders; // that came while something else was awaited
     TPDFActionManager FLists;
     TFileWork FWork;
     TDescriptor FResultFile;

@@ -13,7 +13,7 @@ protected:
     TLedgerWork FWork{FRun, SourceOf("a.pdf")};
     TLedgerWork FOther{FRun, SourceOf("a.pdf")};
     TClaimedFile FFile{QStringLiteral("uuid"), "a.pdf", 100, 1'700'000'000'123'456'789, 42};
-    TPublishing FPublishing{"r.pdf", ".part", 99, {{QStringLiteral("S"), 1, 2, 1}}};
+    TPublishing FPublishing{"r.pdf", ".part", 99, 7, 2, {{QStringLiteral("S"), 1, 2, 1}}};
 };
 ON_EACH_LEDGER(Claims);
 

@@ -24,8 +24,9 @@ struct TCommand {
 };
 
 // As arguments of a command:
-constexpr char Folder[] = "[FOLDER]"; // any one path, or none
-constexpr char Files[] = "[FILE...]"; // any number of paths
+constexpr char Folder[] = "[FOLDER]";              // any one path, or none
+constexpr char Files[] = "[FILE...]";              // any number of paths
+constexpr char NumbersWords[] = "[audit|set ...]"; // what the command itself looks at
 
 constexpr TCommand Commands[] = {
     {"init", Folder, "Make a configuration to begin with, in FOLDER.", Init},
@@ -38,6 +39,7 @@ constexpr TCommand Commands[] = {
     {"history", "", "Tell what became of files.", History, AddHistoryOptions, true},
     {"failed", "", "Tell which files failed, and why.", FailedFiles, AddFailedOptions, true},
     {"retry", Files, "Have failed files worked on again.", Retry, AddRetryOptions, true},
+    {"numbers", NumbersWords, "List series of numbers, audit one, or set its next.", Numbers, nullptr, true},
     {"metrics", "", "Print numbers for a monitoring system.", Metrics, AddMetricsOptions},
 };
 
@@ -78,7 +80,7 @@ const TCommand& FindCommand(const string& name) {
 /// Raises EUsage where a command doesn't take the words behind it.
 void CheckWords(const TCommand& command, const QStringList& words) {
     const string argument = words.join(u' ');
-    if (command.Arguments == Files)
+    if (command.Arguments == Files || command.Arguments == NumbersWords)
         return;
     if (command.Arguments == Folder) {
         if (words.size() > 1)

@@ -25,6 +25,9 @@ void AddRetryOptions(QCommandLineParser& parser);
 /// Moves failed files back into their folders.
 [[nodiscard]] TCommandResult Retry(const TCommandCall& call);
 
+/// Series of numbers: which there are, an audit of each number as CSV, and the next one set upward.
+[[nodiscard]] TCommandResult Numbers(const TCommandCall& call);
+
 void AddMetricsOptions(QCommandLineParser& parser);
 /// Numbers for a monitoring system, as text of Prometheus.
 [[nodiscard]] TCommandResult Metrics(const TCommandCall& call);
