@@ -15,7 +15,8 @@ namespace {
 constexpr qint64 SweepEvery = 600'000; // ms; another agent over the same folder may die at any time
 constexpr qint64 KeepsPlace = 5'000;   // ms; a file that takes longer lets the ones behind it go first
 constexpr qint64 SecondMs = 1'000;
-constexpr qsizetype MostDoneInLine = 64; // files that are done and wait for one before them
+constexpr char LeftClaims[] = "left claims"; // in the journal
+constexpr qsizetype MostDoneInLine = 64;     // files that are done and wait for one before them
 
 bool IsDue(const TPDFWatchedFolder& folder, qint32 tick) {
     return folder.CheckEvery != 0 && qint64(tick) % folder.CheckEvery == 0;
@@ -327,11 +328,18 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
         for (const string& name : SweepFolder(folder.Name))
             JournalLine(QStringLiteral("\"%1\" was taken by a run that died; it is served again.")
                             .arg(IncludeTrailingDelimiter(folder.Name) + name));
-        if (FHost.Ledger != nullptr)
-            RecordLeftClaims(*FHost.Ledger, folder);
     } catch (const std::exception& e) {
         JournalLine(QStringLiteral("What dead runs may have left in \"%1\" stays: %2")
                         .arg(folder.Name, MessageOf(e)));
+    }
+    try {
+        if (FHost.Ledger != nullptr)
+            RecordLeftClaims(*FHost.Ledger, folder);
+        JournalSettled(QLatin1String(LeftClaims));
+    } catch (const std::exception& e) {
+        JournalChange(
+            QLatin1String(LeftClaims),
+            QStringLiteral("What dead agents have left in the ledger isn't known: %1").arg(MessageOf(e)));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "ledger/LedgerConnection.h"
 
+#include "base/FaultPoint.h"
 #include "base/Paths.h"
 #include "ledger/LedgerFile.h"
 #include "ledger/Schema.h"
@@ -286,8 +287,12 @@ void TLedgerConnection::Impl::Transact(TDurable durable, const std::function<voi
     InTransaction = true;
     try {
         work();
+        if (const int error = FaultPoint("ledger commit"); error != 0)
+            Raise(TLedgerFault::Unusable, QStringLiteral("write"),
+                  QString::fromLocal8Bit(std::strerror(error)));
         Execute("COMMIT");
         InTransaction = false;
+        (void)FaultPoint("ledger committed");
     } catch (...) {
         InTransaction = false;
         QSqlQuery query(Database);

@@ -182,7 +182,7 @@ TEST_F(CtlTest, BashCompletesCommandsTheirWordsAndOptions) {
         const char* Line; ///< the last word is the one to complete; "_" stands for an empty one
         const char* Offered;
     } cases[] = {
-        {"_", "init lint check status pause resume refresh history failed retry metrics"},
+        {"_", "init lint check status pause resume refresh history failed retry numbers metrics"},
         {"re", "resume refresh retry"},
         {"refresh _", "folders actions"},
         {"-q refresh f", "folders"},

@@ -1,6 +1,8 @@
 // What morvanectl says of a ledger, and does with failed files.
 #include "base/Settings.h"
 #include "ledger/LedgerConnection.h"
+#include "ledger/LedgerRun.h"
+#include "ledger/Numbers.h"
 #include "ledger/Records.h"
 #include "testing/Application.h"
 #include "testing/RuntimeFolder.h"
@@ -104,6 +106,27 @@ TEST_F(LedgerCommands, RetryMovesFilesBackAndReplacesNone) {
     EXPECT_EQ(Ctl({"retry", FSpace.Path("in/Error/b (1).pdf")}).Exit, 0);
     EXPECT_EQ(FSpace.Read("in/b.pdf"), "b") << "under the name that it had";
     EXPECT_EQ(Ctl({"retry", FSpace.Path("in/Error/none.pdf")}).Exit, 1);
+}
+
+TEST_F(LedgerCommands, NumbersAreListedSetUpwardAndAudited) {
+    {
+        const TLedgerPlace place = ParseLedgerPlace({});
+        TLedgerConnection ledger(place);
+        TLedgerRun run(place, "me");
+        TNumbers numbers(ledger, run);
+        TLedgerWork work(run, {"/in/", "a \"b\", c.pdf", QByteArray(32, 'h')});
+        numbers.Reserve(work, "EXH", 2);
+        numbers.Finish(work, "r.pdf", {{"EXH", 1, 2, 4}});
+    }
+    EXPECT_EQ(Ctl({"numbers"}).Out, "EXH: next 3, 2 given, 0 void, 0 reserved\n");
+    const QByteArrayList lines = Ctl({"numbers", "audit"}).Out.trimmed().split('\n');
+    EXPECT_THAT(lines.value(1).toStdString(),
+                testing::StartsWith("EXH,1,given,/in/,\"a \"\"b\"\", c.pdf\",r.pdf,4,"));
+    EXPECT_EQ(Ctl({"numbers", "set", "EXH", "2"}).Exit, 1);
+    EXPECT_EQ(Ctl({"numbers", "set", "EXH", "100"}).Exit, 0);
+    EXPECT_THAT(Ctl({"numbers", "--json"}).Out.toStdString(), HasSubstr("\"next\":100"));
+    for (const char* words : {"numbers set EXH", "numbers set EXH 0", "numbers set [x] 1", "numbers give"})
+        EXPECT_EQ(Ctl(Words(words)).Exit, 2) << words;
 }
 
 TEST_F(LedgerCommands, MetricsStandInAFileAsAMonitorReadsThem) {

@@ -3,6 +3,7 @@
 #include "bates/BatesDictionary.h"
 #include "bates/CommaText.h"
 #include "bates/NumberList.h"
+#include "bates/SeriesMacro.h"
 #include "testing/Workspace.h"
 
 namespace {
@@ -150,5 +151,35 @@ TEST(CommaText, ReadsWhatItWritesAndMore) {
     for (const auto& c : cases) {
         EXPECT_EQ(FromCommaText(QString::fromUtf8(c.Text)), c.Items) << c.Text;
         EXPECT_EQ(ToCommaText(c.Items), QString::fromUtf8(c.Written != nullptr ? c.Written : c.Text));
+    }
+}
+
+TEST(SeriesMacroTest, StandsForTheNextNumberWhereItIsOne) {
+    const struct {
+        const char* Text;
+        const char* Series; ///< separated by "|"
+        const char* Shown;  ///< where each series is at 7
+    } cases[] = {
+        {"Ex [number:EXH:6].", "EXH", "Ex 000007."},
+        {"[NUMBER:a b]-[Number:a b:2]", "a b", "7-07"},
+        {"[number:A][number:B:3]", "A|B", "7007"},
+        {"[number:a][number:A]", "a|A", "77"},
+        {"[number:A:300]", "A", nullptr}, // as 255
+        {"[number:]", "", "[number:]"},
+        {"[number: A]", "", "[number: A]"},
+        {"[number:A:0]", "", "[number:A:0]"},
+        {"[number:A:x]", "", "[number:A:x]"},
+        {"[number:A", "", "[number:A"},
+        {"[[number:A]]", "A", "[7]"},
+    };
+    for (const auto& c : cases) {
+        const QStringList series = SeriesMacro::SeriesOf({c.Text});
+        EXPECT_EQ(series.join(u'|'), c.Series) << c.Text;
+        QMap<string, qint64> numbers;
+        for (const string& name : series)
+            numbers.insert(name, 7);
+        EXPECT_EQ(SeriesMacro::Replace(c.Text, numbers),
+                  c.Shown != nullptr ? string(c.Shown) : string(254, u'0') + u'7')
+            << c.Text;
     }
 }

@@ -32,13 +32,13 @@ public:
 };
 
 /// Runs `ticks` ticks of a folders thread in this process.
-inline void PlayTicks(const TWorkspace& workspace, int ticks) {
+inline void PlayTicks(const TWorkspace& workspace, int ticks, TAgentLedger* ledger = nullptr) {
     RegisterActionClasses();
     TPlayedClock clock;
     TPlainFiles files;
     TNotedHint hint;
     TAgentStatus status;
-    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint, status});
+    TWatchedFoldersThread thread(workspace.Path("c/"), {clock, files, hint, status, {}, nullptr, ledger});
     clock.Play(ticks);
 }
 

@@ -24,9 +24,9 @@ struct TCommand {
 };
 
 // As arguments of a command:
-constexpr char Folder[] = "[FOLDER]";              // any one path, or none
-constexpr char Files[] = "[FILE...]";              // any number of paths
-constexpr char NumbersWords[] = "[audit|set ...]"; // what the command itself looks at
+constexpr char Folder[] = "[FOLDER]";          // any one path, or none
+constexpr char Files[] = "[FILE...]";          // any number of paths
+constexpr char NumbersWords[] = "[WHAT...]"; // what the command itself looks at
 
 constexpr TCommand Commands[] = {
     {"init", Folder, "Make a configuration to begin with, in FOLDER.", Init},
