@@ -24,8 +24,8 @@ struct TCommand {
 };
 
 // As arguments of a command:
-constexpr char Folder[] = "[FOLDER]";          // any one path, or none
-constexpr char Files[] = "[FILE...]";          // any number of paths
+constexpr char Folder[] = "[FOLDER]";        // any one path, or none
+constexpr char Files[] = "[FILE...]";        // any number of paths
 constexpr char NumbersWords[] = "[WHAT...]"; // what the command itself looks at
 
 constexpr TCommand Commands[] = {
