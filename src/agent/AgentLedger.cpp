@@ -10,6 +10,12 @@
 #include <pwd.h>
 #include <unistd.h>
 
+namespace {
+
+constexpr char OpenEnds[] = "claims of done files"; // in the journal
+
+} // namespace
+
 string AgentName() {
     const struct passwd* user = ::getpwuid(::getuid());
     const string name =
@@ -86,17 +92,41 @@ TClaims& TAgentLedger::Claims() {
     return Desk().Claims;
 }
 
-void TAgentLedger::RecordAtOnce(TFileRecord record, const std::function<void()>& end) {
+void TAgentLedger::RecordAtOnce(TFileRecord record, const std::function<bool()>& end) {
     TDesk& desk = Desk();
     Shorten(record);
     record.Agent = AgentName();
     desk.Connection.Write(TDurable::Soon, [&] {
-        desk.Records.Write(desk.Writer, desk.Recorded + 1, {record});
-        end();
+        if (end())
+            desk.Records.Write(desk.Writer, desk.Recorded + 1, {record});
     });
     ++desk.Recorded;
 }
 
+void TAgentLedger::TryEnd(const TEnd& end) {
+    RecordAtOnce(end.Record, [&] { return Claims().End(*end.Work, end.Claim); });
+}
+
+void TAgentLedger::EndClaim(TFileRecord record, std::unique_ptr<TLedgerWork> work,
+                            const TClaim& claim) noexcept {
+    FEnds.push_back({std::move(record), std::move(work), claim});
+    FinishEnds();
+}
+
+void TAgentLedger::FinishEnds() noexcept {
+    try {
+        while (!FEnds.empty()) {
+            TryEnd(FEnds.front());
+            FEnds.pop_front();
+        }
+        JournalSettled(QLatin1String(OpenEnds));
+    } catch (const std::exception& e) {
+        JournalChange(QLatin1String(OpenEnds), MessageOf(e));
+    }
+}
+
 void TAgentLedger::Leave() {
+    FinishEnds();
+    FEnds.clear(); // another agent sees that this one has gone, and records them
     FDesk.reset();
 }

@@ -8,6 +8,7 @@
 #include "ledger/LedgerRun.h"
 #include "ledger/Numbers.h"
 
+#include <deque>
 #include <optional>
 
 class TRecords;
@@ -32,19 +33,31 @@ public:
     [[nodiscard]] TLedgerRun& Run();
     [[nodiscard]] TNumbers& Numbers();
     [[nodiscard]] TClaims& Claims();
-    /// In one transaction with the end of a claim.
-    void RecordAtOnce(TFileRecord record, const std::function<void()>& end);
+    /// In one transaction with the end of a claim; `end` says false where that is somebody else's by now, who
+    /// has recorded what became of the file, or will.
+    void RecordAtOnce(TFileRecord record, const std::function<bool()>& end);
+    /// The same for a claim of this agent. Where that fails it is kept, and tried again by FinishEnds. Raises
+    /// nothing.
+    void EndClaim(TFileRecord record, std::unique_ptr<TLedgerWork> work, const TClaim& claim) noexcept;
+    void FinishEnds() noexcept;
     /// The thread uses it no more.
     void Leave();
 
 private:
     struct TDesk;
+    struct TEnd {
+        TFileRecord Record;
+        std::unique_ptr<TLedgerWork> Work;
+        TClaim Claim;
+    };
     [[nodiscard]] TDesk& Desk();
+    void TryEnd(const TEnd& end);
 
     std::optional<TLedgerPlace> FPlace;
     string FFault; // of the setting
     std::optional<TLedgerQueue> FQueue;
     std::unique_ptr<TDesk> FDesk;
+    std::deque<TEnd> FEnds; // before the desk: their works are of its run
 };
 
 /// This agent's name for people, in the ledger of one that shares folders with others: "scans@server".

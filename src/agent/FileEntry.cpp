@@ -129,15 +129,15 @@ void TFileEntry::Void() {
     FLedger.Numbers().Void(*FWork);
 }
 
-void TFileEntry::End(TFileRecord record) {
-    FLedger.RecordAtOnce(std::move(record), [this] { FLedger.Claims().End(*FWork, *FClaim); });
+void TFileEntry::End(TFileRecord record) noexcept {
+    FLedger.EndClaim(std::move(record), std::move(FWork), *FClaim);
     FClaim.reset();
 }
 
 void TFileEntry::GiveBack() noexcept {
     try {
         if (IsClaimed())
-            FLedger.Claims().End(*FWork, *FClaim);
+            (void)FLedger.Claims().End(*FWork, *FClaim);
     } catch (const std::exception& e) {
         JournalLine(MessageOf(e)); // it ends with this agent, or with the next go
     }

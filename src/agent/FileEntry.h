@@ -40,8 +40,8 @@ public:
     void FinishLeft();
     /// The file failed: its numbers are given to nobody.
     void Void();
-    /// The file has gone its way, and this is the record of it.
-    void End(TFileRecord record);
+    /// The file has gone its way, and this is the record of it. Raises nothing.
+    void End(TFileRecord record) noexcept;
     /// Others may have the file. Raises nothing.
     void GiveBack() noexcept;
 

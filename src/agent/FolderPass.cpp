@@ -1,5 +1,6 @@
 #include "agent/FolderPass.h"
 
+#include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
 #include "agent/FolderTurn.h"
 #include "agent/Pauses.h"
@@ -310,6 +311,8 @@ TFolderPass::TFolderPass(const TRunHost& host, std::function<bool()> terminated,
 
 void TFolderPass::Run(const TPassInput& input) {
     FPlace->SetLists(input.Manager);
+    if (FHost.Ledger != nullptr)
+        FHost.Ledger->FinishEnds();
     TPass(*this, input).Run();
     FPlace->Rest();
 }

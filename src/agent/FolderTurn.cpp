@@ -522,15 +522,10 @@ void TFolderTurn::Record(TFileRecord record) const {
 }
 
 void TFolderTurn::RecordSettled(TFileEntry* entry, TFileRecord record) const {
-    if (entry != nullptr && entry->IsClaimed()) {
-        try {
-            entry->End(record);
-            return;
-        } catch (const ELedger& e) {
-            JournalLine(e.Message()); // the claim ends with this agent
-        }
-    }
-    Record(std::move(record));
+    if (entry != nullptr && entry->IsClaimed())
+        entry->End(std::move(record));
+    else
+        Record(std::move(record));
 }
 
 QStringList SweepFolder(const string& path) {
@@ -576,6 +571,6 @@ void RecordLeftClaims(TAgentLedger& ledger, const TPDFWatchedFolder& folder) {
             record.Results.append({left.Result, left.Size});
         record.Numbers = left.Numbers;
         record.Pages = left.Pages;
-        ledger.RecordAtOnce(std::move(record), [&] { ledger.Claims().Forget(claim); });
+        ledger.RecordAtOnce(std::move(record), [&] { return ledger.Claims().Forget(claim); });
     }
 }

@@ -93,11 +93,13 @@ bool TClaims::BeginPublishing(const TLedgerWork& work, const TClaim& claim, cons
     return isOurs;
 }
 
-void TClaims::End(const TLedgerWork& work, const TClaim& claim) {
+bool TClaims::End(const TLedgerWork& work, const TClaim& claim) {
+    bool isOurs = false;
     FLedger.Write(TDurable::Soon, [&] {
-        FLedger.Change("DELETE FROM claims WHERE id = ? AND token = ? AND work = ?",
-                       {claim.Id, FRun.Token(), work.Id()});
+        isOurs = FLedger.Change("DELETE FROM claims WHERE id = ? AND token = ? AND work = ?",
+                                {claim.Id, FRun.Token(), work.Id()}) == 1;
     });
+    return isOurs;
 }
 
 QList<TLeftClaim> TClaims::Left(const string& folder) {
@@ -115,6 +117,9 @@ QList<TLeftClaim> TClaims::Left(const string& folder) {
     return left;
 }
 
-void TClaims::Forget(const TLeftClaim& claim) {
-    FLedger.Write(TDurable::Soon, [&] { FLedger.Change("DELETE FROM claims WHERE id = ?", {claim.Id}); });
+bool TClaims::Forget(const TLeftClaim& claim) {
+    bool isThere = false;
+    FLedger.Write(TDurable::Soon,
+                  [&] { isThere = FLedger.Change("DELETE FROM claims WHERE id = ?", {claim.Id}) == 1; });
+    return isThere;
 }

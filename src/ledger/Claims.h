@@ -52,10 +52,11 @@ public:
                                        const TPublishing& publishing);
     /// Claims of dead agents that had begun to publish a file of the folder.
     [[nodiscard]] QList<TLeftClaim> Left(const string& folder);
-    /// What such a one was for is done, and recorded.
-    void Forget(const TLeftClaim& claim);
-    /// The source is settled, or given back. Nothing happens to a claim that another agent has taken over.
-    void End(const TLedgerWork& work, const TClaim& claim);
+    /// What such a one was for is done. False where another agent was faster.
+    bool Forget(const TLeftClaim& claim);
+    /// The source is settled, or given back. False, and nothing happens, where another agent has taken the
+    /// claim over, or it has ended already.
+    bool End(const TLedgerWork& work, const TClaim& claim);
 
 private:
     [[nodiscard]] qint64 Insert(const TLedgerWork& work, const TClaimedFile& file);
