@@ -5,6 +5,7 @@
 #include "ledger/LedgerConnection.h"
 #include "ledger/Records.h"
 
+#include <QFileInfo>
 #include <QSysInfo>
 
 #include <pwd.h>
@@ -41,6 +42,9 @@ struct TAgentLedger::TDesk {
 TAgentLedger::TAgentLedger(const TEditorSettings& settings) {
     try {
         FPlace = ParseLedgerPlace(settings.Ledger);
+        // SQLite removes its log when it is closed in order.
+        FWasCutShort = FPlace->Kind == TLedgerPlace::TKind::SQLite &&
+                       QFileInfo(FPlace->Path + QStringLiteral("-wal")).size() > 0;
         FQueue.emplace(
             TLedgerQueueSettings{.Place = *FPlace, .Agent = AgentName(), .KeepDays = settings.KeepOutcomes});
     } catch (const ELedger& e) {

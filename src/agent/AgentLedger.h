@@ -28,6 +28,9 @@ public:
     /// Agents that share the ledger share folders, too: each file is claimed before it is worked on.
     [[nodiscard]] bool IsShared() const;
 
+    /// There may be claims of agents that died: of a ledger of our own only where the last run did.
+    [[nodiscard]] bool MayHoldLeftClaims() const { return IsShared() || FDesk != nullptr || FWasCutShort; }
+
     // Of the thread that serves the folders. All but Leave raise ELedger.
     [[nodiscard]] TLedgerConnection& Connection();
     [[nodiscard]] TLedgerRun& Run();
@@ -55,6 +58,7 @@ private:
 
     std::optional<TLedgerPlace> FPlace;
     string FFault; // of the setting
+    bool FWasCutShort = false;
     std::optional<TLedgerQueue> FQueue;
     std::unique_ptr<TDesk> FDesk;
     std::deque<TEnd> FEnds; // before the desk: their works are of its run

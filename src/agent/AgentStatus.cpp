@@ -54,7 +54,8 @@ TAgentStatus::TFolder& TAgentStatus::Find(const string& folder) {
                                     [&](const TFolder& known) { return known.Name == folder; });
     if (found != FFolders.end())
         return *found;
-    FFolders.push_back({folder, {}, {}, {}, {}});
+    FFolders.push_back({});
+    FFolders.back().Name = folder;
     return FFolders.back();
 }
 
@@ -79,7 +80,7 @@ void TAgentStatus::SetFolders(const QStringList& names) {
             continue;
         TFolder& folder = folders.emplace_back(Find(name));
         if (folder.State == TFolderState::Paused)
-            folder = {folder.Name, {}, {}, {}, folder.Counts};
+            folder = {folder.Name, {}, {}, {}, {}, folder.Counts};
     }
     FFolders = std::move(folders);
 }
@@ -105,6 +106,11 @@ void TAgentStatus::SetWorking(const string& folder, const string& file) {
 void TAgentStatus::SetWaiting(const string& folder, qint64 files) {
     const std::lock_guard guard(FLock);
     Find(folder).Counts.Waiting = files;
+}
+
+void TAgentStatus::SetOther(const string& folder, const string& agent) {
+    const std::lock_guard guard(FLock);
+    Find(folder).Other = agent;
 }
 
 void TAgentStatus::CountDone(const string& folder) {
@@ -246,6 +252,8 @@ QJsonObject TAgentStatus::FolderJson(const TFolder& folder) {
     json["state"] = Word(folder.State);
     json["reason"] = folder.Reason;
     json["file"] = folder.File;
+    if (!folder.Other.isEmpty())
+        json["otherAgent"] = folder.Other;
     json["waiting"] = folder.Counts.Waiting;
     json["done"] = folder.Counts.Done;
     json["warned"] = folder.Counts.Warned;

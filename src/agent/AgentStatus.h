@@ -74,6 +74,8 @@ public:
     /// The folder works on `file`, a name without path, until its next state.
     void SetWorking(const string& folder, const string& file);
     void SetWaiting(const string& folder, qint64 files);
+    /// Another agent that serves it as well; empty for none.
+    void SetOther(const string& folder, const string& agent);
     void CountDone(const string& folder);
     void CountWarned(const string& folder); ///< done, with warnings; not counted as done as well
     void CountFailed(const string& folder);
@@ -110,7 +112,8 @@ private:
         string Name;
         TFolderState State = TFolderState::Watching;
         string Reason;
-        string File; ///< while Working
+        string File;  ///< while Working
+        string Other; ///< agent
         TFolderCounts Counts;
     };
     struct TList {

@@ -1,6 +1,7 @@
 #pragma once
 // What a run remembers of a folder from one turn to the next: which files wait and why, how long the folder
 // itself rests, what was said last.
+#include "agent/FolderMark.h"
 #include "base/SourceFile.h"
 
 #include <QHash>
@@ -38,5 +39,6 @@ struct TFolderMemory {
     QStringList LastBlock;               ///< of the run log
     bool Paused = false;                 ///< by command
     string Trouble;                      ///< why the folder can't be served, as told; empty while it can
-    qint64 SweptAt = -1;                 ///< by the steady clock; negative: not yet
+    THeartbeat Heartbeat;
+    qint64 SweptAt = -1; ///< by the steady clock; negative: not yet
 };

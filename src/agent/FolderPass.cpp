@@ -140,6 +140,7 @@ private:
             TFolderMemory& memory = FPass.MemoryOf(folder);
             if (Now() - memory.SweptAt >= SweepEvery)
                 FPass.Sweep(folder);
+            FPass.LookForOthers(folder);
             turn.Turn = std::make_unique<TFolderTurn>(TTurnInput{
                 folder, FInput.Manager, turn.Log, memory, FPass.FMarks, FPass.FHost, FPass.FTerminated});
             turn.Turn->List(FRound);
@@ -336,13 +337,34 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
                         .arg(folder.Name, MessageOf(e)));
     }
     try {
-        if (FHost.Ledger != nullptr)
+        if (FHost.Ledger != nullptr && FHost.Ledger->MayHoldLeftClaims())
             RecordLeftClaims(*FHost.Ledger, folder);
         JournalSettled(QLatin1String(LeftClaims));
     } catch (const std::exception& e) {
         JournalChange(
             QLatin1String(LeftClaims),
             QStringLiteral("What dead agents have left in the ledger isn't known: %1").arg(MessageOf(e)));
+    }
+}
+
+/// Another agent over the same folder works in vain now and then, unless both have one ledger.
+void TFolderPass::LookForOthers(const TPDFWatchedFolder& folder) {
+    const TFolderPtr home = TFolder::Open(folder.Name);
+    const string subject = QStringLiteral("other agent ") + folder.Name;
+    if ((FHost.Ledger != nullptr && FHost.Ledger->IsShared()) || !MayBeShared(*home))
+        return;
+    try {
+        const string& other = MemoryOf(folder).Heartbeat.Look(home, AgentName(), FHost.Clock.Steady());
+        FHost.Status.SetOther(folder.Name, other);
+        if (other.isEmpty())
+            JournalSettled(subject);
+        else
+            JournalChange(subject, QStringLiteral(
+                                       "\"%1\" is served by another agent, too: %2. Both may work on a file, "
+                                       "unless they have one ledger.")
+                                       .arg(folder.Name, other));
+    } catch (const std::exception& e) {
+        JournalChange(subject, MessageOf(e)); // no reason not to serve it
     }
 }
 

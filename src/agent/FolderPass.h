@@ -35,6 +35,7 @@ private:
     class TPass;
 
     void Sweep(const TPDFWatchedFolder& folder);
+    void LookForOthers(const TPDFWatchedFolder& folder);
     [[nodiscard]] bool NotePause(const TPDFWatchedFolder& folder);
     void NoteTrouble(const TPDFWatchedFolder& folder, const string& trouble);
     [[nodiscard]] TFolderMemory& MemoryOf(const TPDFWatchedFolder& folder) { return FMemory[folder.Name]; }

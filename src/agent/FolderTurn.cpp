@@ -2,7 +2,7 @@
 
 #include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
-#include "agent/FolderKey.h"
+#include "agent/FolderMark.h"
 #include "agent/OutcomeRecord.h"
 #include "agent/ReasonFile.h"
 #include "agent/Subfolders.h"

@@ -60,6 +60,8 @@ string FolderText(const QJsonObject& folder) {
         state += QStringLiteral(" on ") + file;
     if (const string reason = Text(folder, "reason"); !reason.isEmpty())
         state += QStringLiteral(": ") + reason;
+    if (const string other = Text(folder, "otherAgent"); !other.isEmpty())
+        state += QStringLiteral("; served by %1, too").arg(other);
     const auto count = [&](const char* member) { return folder[QLatin1String(member)].toInteger(); };
     return QStringLiteral("%1\n    %2\n    %3 done, %4 done with warnings, %5 failed, %6 waiting")
         .arg(Text(folder, "name"), state)
