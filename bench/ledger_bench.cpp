@@ -105,7 +105,7 @@ void MeasureClaims(TLedgerConnection& ledger, TLedgerRun& run, int count) {
             const QByteArray name = "f" + QByteArray::number(i);
             const TLedgerWork work(run, {QStringLiteral("/in"), name, {}});
             const TClaim claim = claims.Take(work, {QStringLiteral("uuid"), name, i, 0, 0});
-            refused += claims.BeginPublishing(work, claim, {name, ".part", 1, {}}) ? 0 : 1;
+            refused += claims.BeginPublishing(work, claim, {name, ".part", 1, 1, 1, {}}) ? 0 : 1;
             claims.End(work, claim);
         }
     });
