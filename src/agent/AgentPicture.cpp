@@ -28,8 +28,8 @@ enum class TPart { Folder, Sheet };
 
 /// A rectangle of the program's icon, whose side is 100.
 struct TIconShape {
-    TPart Part;
     double X, Y, Width, Height, Radius;
+    TPart Part;
     quint32 Colour;
 };
 

@@ -65,7 +65,7 @@ TfrmFoldersAgent::TfrmFoldersAgent(TFormHost host)
       Failed1{FailedCaption(0), [this] { Failed1Click(); }, /*Enabled=*/false},
       Pause1{PauseCaption(/*paused=*/false), [this] { Pause1Click(); }},
       Exit1{QStringLiteral("Exit"), [this] { Exit1Click(); }}, PopupMenu1{{OpenLog1, Failed1, Pause1, Exit1}},
-      ImageList1(FrameSize, FrameSize), TrayIcon1(nullptr), FHost(host), FPauses(StateFolder()),
+      ImageList1(FrameSize, FrameSize), TrayIcon1(nullptr), FHost(std::move(host)), FPauses(StateFolder()),
       FWindow([this](TMessage& message) { WndProc(message); }, QLatin1String(WindowClass)) {
     FCaptions = {Failed1.Caption, Pause1.Caption};
     FillTrayIcon();

@@ -26,7 +26,8 @@ template <class TLists> TConfigurationFile::TRead ReadInto(std::shared_ptr<TList
 
 } // namespace
 
-TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, TRunHost host, TRunSettings settings)
+TWatchedFoldersThread::TWatchedFoldersThread(const string& ConfigPath, const TRunHost& host,
+                                             const TRunSettings& settings)
     : TWorkerThread("folders"), FHost(host), FconfigPath(ConfigPath), FSettings(settings),
       FTickCounter(settings.FirstTick),
       FFoldersFile(ConfigPath + "watchedfolders.xml", ReadInto(FWatchedFolders)),

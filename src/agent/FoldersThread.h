@@ -22,7 +22,7 @@ struct TRunSettings {
 class TWatchedFoldersThread final : public TWorkerThread {
 public:
     /// Runs from here on. `ConfigPath` ends with a delimiter; `host` must outlive the thread.
-    TWatchedFoldersThread(const string& ConfigPath, TRunHost host, TRunSettings settings = {});
+    TWatchedFoldersThread(const string& ConfigPath, const TRunHost& host, const TRunSettings& settings = {});
     /// Terminates and waits.
     ~TWatchedFoldersThread() override;
 

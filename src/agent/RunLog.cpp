@@ -71,7 +71,7 @@ void TRunLog::Line(const string& text) {
 }
 
 string TRunLog::Border(QChar frame) {
-    return string(FrameWidth, frame);
+    return {FrameWidth, frame};
 }
 
 void TRunLog::Complain(int error) {

@@ -1,9 +1,14 @@
 // Files at work in other processes: the log and the folders look as if one did it all, and what a file does
 // to its worker it does to itself alone.
 #include "FaultAction.h"
+#include "agent/AgentLedger.h"
 #include "agent/PlayedRun.h"
 #include "base/Reflection.h"
+#include "engine/document/Document.h"
+#include "ledger/LedgerConnection.h"
+#include "ledger/Series.h"
 #include "platform/MessageBox.h"
+#include "testing/Application.h"
 
 namespace {
 
@@ -102,6 +107,44 @@ INSTANTIATE_TEST_SUITE_P(
                                "The work takes more memory"},
                     TFaultCase{"Time", "hang", "<WorkSeconds>1</WorkSeconds>", "The work on"}),
     [](const auto& param) { return param.param.Name; });
+
+TEST_F(Workers, OneThatMetItsLimitOfMemoryIsReplaced) {
+    FSettings.Workers.Count = 1;
+    QDir().mkpath(In("in"));
+    WriteFolders(Folder(In("in"), "Bad", "<Policy><WorkMemory>300</WorkMemory></Policy>"));
+    WriteActions(List("Bad", Fault("eat")));
+    Drop("a.pdf");
+    Play();
+    EXPECT_EQ(Tree(), "Error/a.pdf");
+    EXPECT_TRUE(FStatus.ToJson().contains("\"workers\":[]")) << FStatus.ToJson().constData();
+}
+
+/// A worker that awaits its numbers is handed the next file meanwhile.
+TEST_F(Workers, AskForNumbersAndMixUpNothing) {
+    NeedApplication();
+    TEditorSettings settings;
+    settings.Ledger = FWorkspace.Path("ledger.sqlite");
+    TAgentLedger ledger(settings);
+    FLedger = &ledger;
+    FSettings.Workers.Count = 2;
+    QDir().mkpath(In("in"));
+    WriteFolders(Folder(In("in"), "Bates"));
+    WriteActions(List("Bates", "<Action Class=\"TPDFActionAddBatesNumbering\"><bates><HeaderLeft>[number:N]"
+                               "</HeaderLeft></bates></Action>"));
+    constexpr int Files = 60;
+    for (int i = 0; i < Files; ++i)
+        Drop(QStringLiteral("f%1.pdf").arg(i), 1 + i % 3);
+    Play();
+    FThread.reset();
+    EXPECT_EQ(FWorkspace.Names("in/output").size(), Files) << Log().toStdString();
+    for (int i = 0; i < Files; ++i) {
+        TZQPDFDocument document(nullptr);
+        document.OpenFromFile(In("in/output/f") + QString::number(i) + ".pdf", {});
+        EXPECT_EQ(document.GetPageCount(), 1 + i % 3) << i;
+    }
+    TLedgerConnection connection(ParseLedgerPlace(settings.Ledger));
+    EXPECT_EQ(TSeries(connection).List().value(0).Given, 2 * Files);
+}
 
 /// What a worker was handed ahead of time goes to the other one when its work turns out to be long.
 TEST_F(Workers, NothingWaitsBehindLongWork) {
