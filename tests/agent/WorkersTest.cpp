@@ -131,7 +131,7 @@ TEST_F(Workers, AskForNumbersAndMixUpNothing) {
     WriteFolders(Folder(In("in"), "Bates"));
     WriteActions(List("Bates", "<Action Class=\"TPDFActionAddBatesNumbering\"><bates><HeaderLeft>[number:N]"
                                "</HeaderLeft></bates></Action>"));
-    constexpr int Files = 60;
+    constexpr int Files = 210;
     for (int i = 0; i < Files; ++i)
         Drop(QStringLiteral("f%1.pdf").arg(i), 1 + i % 3);
     Play();
