@@ -131,8 +131,36 @@ TEST(GivenNumbers, AreOnOnePageWhereverTheAgentIsKilled) {
     }
 }
 
+TEST(GivenNumbers, OfAResultThatWasTakenAwayAreNotShownAgain) {
+    int taken = 0;
+    int at = 1;
+    for (bool through = false; !through; ++at) {
+        SCOPED_TRACE("before call " + std::to_string(at));
+        const TNumberedWorkspace workspace;
+        TDrops drops(workspace.Path("in"));
+        drops.Drop("a.pdf", 2);
+        through = WaitForChild(InChild([&] {
+            CallsMade = 0;
+            DieAt = at;
+            SetFaultHook(CountAndDie);
+            workspace.Play();
+        }));
+        const QMap<string, QSet<qint64>> before = workspace.Shown();
+        QDir(workspace.Path("in/output")).removeRecursively();
+        ASSERT_TRUE(WaitForChild(InChild([&] { workspace.Play(2); })));
+        const QMap<string, QSet<qint64>> after = workspace.Shown();
+        taken += before.isEmpty() || after.isEmpty() ? 0 : 1;
+        for (auto page = before.begin(); page != before.end(); ++page)
+            EXPECT_FALSE(after.value(page.key()).intersects(*page));
+        ASSERT_LT(at, 200);
+    }
+    EXPECT_GT(taken, 0);
+}
+
 TEST(GivenNumbers, WaitForALedgerThatIsAwayAndAreVoidWhereTheFileFails) {
     const TNumberedWorkspace workspace;
+    workspace.SetList({}, "<Action Class=\"TPDFActionJavaScript\"><Javascript>"
+                          "try { TakeNumbers('A', 2); } catch (e) { }</Javascript></Action>");
     TDrops drops(workspace.Path("in"));
     drops.Drop("a.pdf", 2);
     ASSERT_TRUE(WaitForChild(InChild([&] {
@@ -142,6 +170,7 @@ TEST(GivenNumbers, WaitForALedgerThatIsAwayAndAreVoidWhereTheFileFails) {
     EXPECT_EQ(drops.Look().Left, 1);
     EXPECT_EQ(drops.Look().Results, 0);
     EXPECT_TRUE(workspace.Read("c/logs/2026.11.15.txt").contains("Excution failed."));
+    workspace.SetList("<HeaderLeft>A[number:A:4]</HeaderLeft>");
     ASSERT_TRUE(WaitForChild(InChild([&] { workspace.Play(); })));
     NeedApplication();
     workspace.ExpectTruth();
