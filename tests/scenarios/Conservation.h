@@ -1,6 +1,7 @@
 #pragma once
 // The promise of the run, looked at from outside: every byte sequence that was dropped is still whole, once,
 // and no result under a final name is ever half a file.
+#include "agent/FolderMark.h"
 #include "engine/document/Document.h"
 #include "testing/SamplePdf.h"
 #include "testing/Workspace.h"
@@ -69,8 +70,10 @@ private:
         return QDir(FFolder + folder).entryList(QDir::Files); // hidden temporaries are no one's files
     }
     [[nodiscard]] QStringList Hidden(const string& folder) const {
-        return QDir(FFolder + folder)
-            .entryList({".morvane-*"}, QDir::AllEntries | QDir::Hidden | QDir::System);
+        QStringList names =
+            QDir(FFolder + folder).entryList({".morvane-*"}, QDir::AllEntries | QDir::Hidden | QDir::System);
+        names.removeOne(QLatin1String(FolderMarkFile)); // on a share
+        return names;
     }
     static QByteArray Contents(const string& path) {
         QFile file(path);
