@@ -1,5 +1,7 @@
 #include "agent/FileEntry.h"
 
+#include "agent/FolderMark.h"
+#include "agent/OutcomeRecord.h"
 #include "base/Journal.h"
 #include "base/Paths.h"
 
@@ -30,6 +32,16 @@ QByteArray Sha256Of(const TSourceFile& source) {
 
 } // namespace
 
+string LedgerKeyOf(const TAgentLedger& ledger, const string& path, const TFolderPtr& folder) {
+    return ledger.IsShared() ? FolderKeyOf(folder) : RecordedFolder(path);
+}
+
+bool IsPublished(const TFolder& output, const TPublishing& publishing) {
+    struct stat info {};
+    return output.Look(publishing.Result, info) && quint64(info.st_ino) == publishing.Inode &&
+           info.st_size == publishing.Size;
+}
+
 TFileEntry::TFileEntry(TAgentLedger& ledger, const string& folder, const TSourceFile& source,
                        TFolderPtr output)
     : FLedger(ledger), FFolder(folder), FSource(source), FOutput(std::move(output)) {}
@@ -42,21 +54,20 @@ TFileEntry::TFound TFileEntry::Claim() {
     FClaim = FLedger.Claims().Take(*FWork, {FFolder, name, state.Size, state.ModifyTime, state.Inode});
     if (FClaim->Id == 0)
         return TFound::Elsewhere;
-    if (!FClaim->Left || FClaim->Left->Result.isEmpty())
+    if (!FClaim->Left)
         return TFound::Free;
-    if (IsPublished(*FClaim->Left)) {
-        FLeft = FClaim->Left;
-        return TFound::Published;
+    const TPublishing left = *FClaim->Left;
+    if (!left.Result.isEmpty() && IsPublished(*FOutput, left)) {
+        FLeft = left;
+        if (!FClaim->LeftByOther)
+            return TFound::Published;
+        FinishLeft();
+        FLeft.reset();
+    } else {
+        Discard(left);
     }
-    Discard(*FClaim->Left);
+    FLedger.Claims().Restart(*FWork, *FClaim);
     return TFound::Free;
-}
-
-/// The file of the result is there, whoever may have renamed it to that name.
-bool TFileEntry::IsPublished(const TPublishing& publishing) const {
-    struct stat info {};
-    return FOutput->Look(publishing.Result, info) && quint64(info.st_ino) == publishing.Inode &&
-           info.st_size == publishing.Size;
 }
 
 /// A part file that still lies there shows that nothing was published. Where neither is there, somebody may
@@ -64,10 +75,13 @@ bool TFileEntry::IsPublished(const TPublishing& publishing) const {
 void TFileEntry::Discard(const TPublishing& publishing) {
     struct stat info {};
     const bool partLies = FOutput->Look(publishing.Part, info) && quint64(info.st_ino) == publishing.Inode;
-    if (partLies) {
+    if (partLies)
         (void)::unlinkat(FOutput->Descriptor(), publishing.Part.constData(), 0);
-    } else if (!publishing.Numbers.isEmpty()) {
-        FWork->SetSha256(Sha256Of(FSource));
+    if (publishing.Numbers.isEmpty())
+        return;
+    if (partLies) {
+        FLedger.Numbers().Reopen(*FWork);
+    } else {
         FLedger.Numbers().Resume(*FWork);
         FLedger.Numbers().Void(*FWork);
     }
@@ -101,10 +115,13 @@ bool TFileEntry::BeginPublishing(const TPartFile& result, qint64 pages, const QL
     struct stat info {};
     if (::fstat(result.Descriptor(), &info) != 0)
         throw EReadError(result.FinalPath(), errno);
-    return FLedger.Claims().BeginPublishing(*FWork, *FClaim,
-                                            {PathBytes(ExtractFileName(result.FinalPath())),
-                                             result.PartName(), info.st_size, quint64(info.st_ino), pages,
-                                             numbers});
+    FBegun = TPublishing{PathBytes(ExtractFileName(result.FinalPath())),
+                         result.PartName(),
+                         info.st_size,
+                         quint64(info.st_ino),
+                         pages,
+                         numbers};
+    return FLedger.Claims().BeginPublishing(*FWork, *FClaim, *FBegun);
 }
 
 bool TFileEntry::BeginFailing() {
@@ -115,11 +132,12 @@ void TFileEntry::Finish(const QByteArray& result, const QList<TNumberRun>& numbe
     FLedger.Numbers().Finish(*FWork, result, numbers);
 }
 
-/// Where nothing is reserved any more, they were given by the go that died.
+/// Where none is open any more, they were given by the go that died.
 void TFileEntry::FinishLeft() {
     if (FLeft->Numbers.isEmpty())
         return;
-    FWork->SetSha256(Sha256Of(FSource));
+    if (!FClaim->LeftByOther)
+        FWork->SetSha256(Sha256Of(FSource)); // what else its goes have reserved is void
     FLedger.Numbers().Resume(*FWork);
     if (!FWork->Reservations().isEmpty())
         FLedger.Numbers().Finish(*FWork, FLeft->Result, FLeft->Numbers);
@@ -134,10 +152,14 @@ void TFileEntry::End(TFileRecord record) noexcept {
     FClaim.reset();
 }
 
+/// Where the result has got its name all the same, whoever takes the file up next completes it.
 void TFileEntry::GiveBack() noexcept {
     try {
-        if (IsClaimed())
+        if (IsClaimed() && !(FBegun && IsPublished(*FOutput, *FBegun))) {
+            if (FBegun)
+                Discard(*FBegun);
             (void)FLedger.Claims().End(*FWork, *FClaim);
+        }
     } catch (const std::exception& e) {
         JournalLine(MessageOf(e)); // it ends with this agent, or with the next go
     }

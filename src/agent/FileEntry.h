@@ -8,6 +8,12 @@
 
 #include <optional>
 
+/// How all agents of the ledger know a watched folder. Raises EFileError.
+[[nodiscard]] string LedgerKeyOf(const TAgentLedger& ledger, const string& path, const TFolderPtr& folder);
+
+/// The file of the result is there, whoever may have renamed it to that name.
+[[nodiscard]] bool IsPublished(const TFolder& output, const TPublishing& publishing);
+
 class TFileEntry {
 public:
     /// Asks the ledger nothing. `folder` is how all agents know the watched folder; `source` outlives the
@@ -46,7 +52,6 @@ public:
     void GiveBack() noexcept;
 
 private:
-    [[nodiscard]] bool IsPublished(const TPublishing& publishing) const;
     void Discard(const TPublishing& publishing);
 
     TAgentLedger& FLedger;
@@ -56,4 +61,5 @@ private:
     std::unique_ptr<TLedgerWork> FWork;
     std::optional<TClaim> FClaim;
     std::optional<TPublishing> FLeft;
+    std::optional<TPublishing> FBegun; // to be published by this go
 };

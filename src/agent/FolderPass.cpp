@@ -2,6 +2,7 @@
 
 #include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
+#include "agent/FolderSweep.h"
 #include "agent/FolderTurn.h"
 #include "agent/Pauses.h"
 #include "base/Exceptions.h"
@@ -338,7 +339,7 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
     }
     try {
         if (FHost.Ledger != nullptr && FHost.Ledger->MayHoldLeftClaims())
-            RecordLeftClaims(*FHost.Ledger, folder);
+            SettleLeftClaims(*FHost.Ledger, folder);
         JournalSettled(QLatin1String(LeftClaims));
     } catch (const std::exception& e) {
         JournalChange(

@@ -2,7 +2,6 @@
 
 #include "agent/AgentLedger.h"
 #include "agent/AgentStatus.h"
-#include "agent/FolderMark.h"
 #include "agent/OutcomeRecord.h"
 #include "agent/ReasonFile.h"
 #include "agent/Subfolders.h"
@@ -12,8 +11,6 @@
 #include "base/Paths.h"
 #include "base/UniqueName.h"
 #include "work/Surroundings.h"
-
-#include <QMap>
 
 #include <algorithm>
 #include <cerrno>
@@ -49,11 +46,6 @@ TOutcome Failure(const TReason& reason) {
     return outcome;
 }
 
-/// How the ledger knows the folder.
-string KeyOf(const TAgentLedger& ledger, const TPDFWatchedFolder& folder, const TFolderPtr& home) {
-    return ledger.IsShared() ? FolderKeyOf(home) : RecordedFolder(folder.Name);
-}
-
 /// Another agent took the file for abandoned.
 class EClaimLost : public Exception {
 public:
@@ -78,7 +70,7 @@ TFolderTurn::TFolderTurn(const TTurnInput& input)
     if (const Integer index = input.Manager.IndexOf(input.Folder.Action); index >= 0)
         FActions = &input.Manager[index];
     if (input.Host.Ledger != nullptr)
-        FKey = KeyOf(*input.Host.Ledger, input.Folder, FHome);
+        FKey = LedgerKeyOf(*input.Host.Ledger, input.Folder.Name, FHome);
 }
 
 TFolderTurn::~TFolderTurn() = default;
@@ -526,51 +518,4 @@ void TFolderTurn::RecordSettled(TFileEntry* entry, TFileRecord record) const {
         entry->End(std::move(record));
     else
         Record(std::move(record));
-}
-
-QStringList SweepFolder(const string& path) {
-    const TFolderPtr home = TFolder::Open(path);
-    SweepPartFiles(*home);
-    SweepReservations(*home);
-    QMap<string, TFolderPtr> folders;
-    for (const char* name : {OutputFolder, ProcessFolder, ErrorFolder}) {
-        struct stat info {};
-        if (!home->Look(name, info))
-            continue;
-        const TFolderPtr folder = TFolder::OpenBelow(home, QLatin1String(name));
-        SweepPartFiles(*folder);
-        SweepReservations(*folder);
-        folders.insert(QLatin1String(name), folder);
-    }
-    folders.remove(QLatin1String(OutputFolder));
-    const QList<TFolderPtr> settled = folders.values();
-    QStringList given = SweepClaims(home, home, settled);
-    if (const TFolderPtr process = folders.value(QLatin1String(ProcessFolder)))
-        given += SweepClaims(process, home, settled);
-    return given;
-}
-
-void RecordLeftClaims(TAgentLedger& ledger, const TPDFWatchedFolder& folder) {
-    const TFolderPtr home = TFolder::Open(folder.Name);
-    const string key = KeyOf(ledger, folder, home);
-    for (const TLeftClaim& claim : ledger.Claims().Left(key)) {
-        if (home->Holds(claim.Name))
-            continue; // its turn comes
-        TFileRecord record;
-        record.Folder = RecordedFolder(folder.Name);
-        record.Name = claim.Name;
-        record.List = folder.Action;
-        record.Size = claim.Size;
-        record.Began = record.Ended = QDateTime::currentMSecsSinceEpoch();
-        const TPublishing& left = claim.Publishing;
-        record.State = left.Result.isEmpty() ? TRecordState::Failed : TRecordState::Done;
-        record.Reasons.append({ReasonName(TReasonCode::Other),
-                               {},
-                               QStringLiteral("The agent that worked on it died before it had told more")});
-        if (!left.Result.isEmpty())
-            record.Results.append({left.Result, left.Size});
-        record.Numbers = left.Numbers;
-        record.Pages = left.Pages;
-        ledger.RecordAtOnce(std::move(record), [&] { return ledger.Claims().Forget(claim); });
-    }
 }

@@ -123,11 +123,3 @@ private:
     bool FListed = false;
     bool FLeftSuspects = false;
 };
-
-/// Claims in the ledger of dead agents whose file has gone its way already: what is missing is their record.
-/// Raises ELedger and EFileError.
-void RecordLeftClaims(TAgentLedger& ledger, const TPDFWatchedFolder& folder);
-
-/// Gives back what dead runs claimed in the folder, and removes their temporaries; makes nothing. Returns the
-/// names that were given back. Raises EFileError.
-QStringList SweepFolder(const string& path);

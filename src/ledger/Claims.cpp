@@ -3,6 +3,8 @@
 #include "ledger/LedgerConnection.h"
 #include "ledger/StoredText.h"
 
+#include <algorithm>
+
 namespace {
 
 /// Of the columns result, part, result_size, result_inode, result_pages, numbers.
@@ -22,14 +24,14 @@ TClaim TClaims::Take(const TLedgerWork& work, const TClaimedFile& file) {
     // What a power failure of the server takes of a claim, BeginPublishing notices.
     FLedger.Write(TDurable::Soon, [&] {
         FRun.Renew(FLedger);
-        claim = {Insert(work, file), FRun.Agent(), std::nullopt};
-        if (claim.Id != 0)
-            return;
-        // The one that was in the way may have ended since.
-        if (const auto taken = TakeOver(work, file))
+        if (const auto taken = TakeOver(work, file)) {
             claim = *taken;
-        else
-            claim.Id = Insert(work, file);
+            return;
+        }
+        claim = {Insert(work, file), FRun.Agent()};
+        // Another agent was faster; its claim may have ended since.
+        if (claim.Id == 0)
+            claim = TakeOver(work, file).value_or(TClaim());
     });
     return claim;
 }
@@ -50,32 +52,55 @@ qint64 TClaims::Insert(const TLedgerWork& work, const TClaimedFile& file) {
         .toLongLong();
 }
 
-/// Nothing where there is none any more.
+/// Nothing where there is none. A file is known by its inode as well: what a dead agent had taken may have
+/// come back under another name.
 std::optional<TClaim> TClaims::TakeOver(const TLedgerWork& work, const TClaimedFile& file) {
-    const QVariantList row =
-        FLedger
-            .Rows("SELECT id, token, work, agent, state, inode, result, part, result_size, result_inode, "
-                  "result_pages,"
-                  " numbers FROM claims"
-                  " WHERE folder = ? AND name = ? AND size = ? AND modified = ? {lock}",
-                  {StoredText(file.Folder), StoredText(file.Name), file.Size, file.Modified})
-            .value(0);
-    if (row.isEmpty())
+    const QList<QVariantList> rows = FLedger.Rows(
+        "SELECT id, token, work, agent, state, inode, result, part, result_size, result_inode, result_pages,"
+        " numbers, name FROM claims WHERE folder = ? AND size = ? AND modified = ?"
+        " AND (name = ? OR (inode = ? AND state = 'publishing')) {lock}",
+        {StoredText(file.Folder), file.Size, file.Modified, StoredText(file.Name), qint64(file.Inode)});
+    const auto isOfFile = [&](const QVariantList& row) { return quint64(row[5].toLongLong()) == file.Inode; };
+    // One of this work is of a call whose end was never heard.
+    const auto isFree = [&](const QVariantList& row) {
+        const string token = row[1].toString();
+        const qint64 holder = row[2].toLongLong();
+        return (token == FRun.Token() && holder == work.Id()) || FRun.IsFree(FLedger, token, holder);
+    };
+    auto found = std::find_if(rows.begin(), rows.end(),
+                              [&](const QVariantList& row) { return isOfFile(row) && isFree(row); });
+    if (found == rows.end())
+        found = std::find_if(rows.begin(), rows.end(), [&](const QVariantList& row) {
+            return row[12].toString() == StoredText(file.Name);
+        });
+    if (found == rows.end())
         return std::nullopt;
+    const QVariantList& row = *found;
     const string token = row[1].toString();
     const qint64 holder = row[2].toLongLong();
-    const bool isOwn = token == FRun.Token() && holder == work.Id(); // of a call whose end was never heard
-    if (!isOwn && !FRun.IsFree(FLedger, token, holder))
-        return TClaim{0, TextOfStored(row[3].toString()), std::nullopt};
-    TClaim claim{row[0].toLongLong(), FRun.Agent(), std::nullopt};
-    const bool isSameFile = quint64(row[5].toLongLong()) == file.Inode;
-    if (isSameFile && row[4].toString() == QLatin1String("publishing"))
+    if (!isFree(row))
+        return TClaim{0, TextOfStored(row[3].toString())};
+    TClaim claim{row[0].toLongLong(), FRun.Agent()};
+    if (row[4].toString() == QLatin1String("publishing")) {
         claim.Left = PublishingOf(row.mid(6));
-    FLedger.Change("UPDATE claims SET token = ?, work = ?, agent = ?, inode = ?, state = ?, claimed = {now}"
-                   " WHERE id = ?",
-                   {FRun.Token(), work.Id(), StoredText(FRun.Agent()), qint64(file.Inode),
-                    claim.Left ? QStringLiteral("publishing") : QStringLiteral("working"), claim.Id});
+        claim.LeftByOther = !isOfFile(row);
+        FLedger.Change("UPDATE reservations SET token = ?, work = ?, agent = ?"
+                       " WHERE token = ? AND work = ? AND ended = 0 AND state = 'publishing'",
+                       {FRun.Token(), work.Id(), StoredText(FRun.Agent()), token, holder});
+    }
+    FLedger.Change(
+        "UPDATE claims SET token = ?, work = ?, agent = ?, inode = ?, claimed = {now} WHERE id = ?",
+        {FRun.Token(), work.Id(), StoredText(FRun.Agent()), qint64(file.Inode), claim.Id});
     return claim;
+}
+
+void TClaims::Restart(const TLedgerWork& work, const TClaim& claim) {
+    FLedger.Write(TDurable::Soon, [&] {
+        FLedger.Change("UPDATE claims SET state = 'working', result = '', part = '', result_size = 0,"
+                       " result_inode = 0, result_pages = 0, numbers = '[]'"
+                       " WHERE id = ? AND token = ? AND work = ?",
+                       {claim.Id, FRun.Token(), work.Id()});
+    });
 }
 
 bool TClaims::BeginPublishing(const TLedgerWork& work, const TClaim& claim, const TPublishing& publishing) {
@@ -89,6 +114,10 @@ bool TClaims::BeginPublishing(const TLedgerWork& work, const TClaim& claim, cons
                            {StoredText(publishing.Result), StoredText(publishing.Part), publishing.Size,
                             qint64(publishing.Inode), publishing.Pages, StoredNumbers(publishing.Numbers),
                             claim.Id, FRun.Token(), work.Id()}) == 1;
+        if (isOurs && !publishing.Numbers.isEmpty())
+            FLedger.Change("UPDATE reservations SET state = 'publishing'"
+                           " WHERE token = ? AND work = ? AND ended = 0",
+                           {FRun.Token(), work.Id()});
     });
     return isOurs;
 }
@@ -102,24 +131,17 @@ bool TClaims::End(const TLedgerWork& work, const TClaim& claim) {
     return isOurs;
 }
 
-QList<TLeftClaim> TClaims::Left(const string& folder) {
-    QList<TLeftClaim> left;
+QList<TClaimedFile> TClaims::LeftFiles(const string& folder) {
+    QList<TClaimedFile> left;
     FLedger.Write(TDurable::Soon, [&] {
         left.clear();
         for (const QVariantList& row :
-             FLedger.Rows("SELECT id, token, work, name, size, result, part, result_size, result_inode,"
-                          " result_pages, numbers FROM claims WHERE folder = ? AND state = 'publishing'",
+             FLedger.Rows("SELECT token, work, name, size, modified, inode FROM claims"
+                          " WHERE folder = ? AND state = 'publishing'",
                           {StoredText(folder)}))
-            if (FRun.IsFree(FLedger, row[1].toString(), row[2].toLongLong()))
-                left.append({row[0].toLongLong(), BytesOfStored(row[3].toString()), row[4].toLongLong(),
-                             PublishingOf(row.mid(5))});
+            if (FRun.IsFree(FLedger, row[0].toString(), row[1].toLongLong()))
+                left.append({folder, BytesOfStored(row[2].toString()), row[3].toLongLong(),
+                             row[4].toLongLong(), quint64(row[5].toLongLong())});
     });
     return left;
-}
-
-bool TClaims::Forget(const TLeftClaim& claim) {
-    bool isThere = false;
-    FLedger.Write(TDurable::Soon,
-                  [&] { isThere = FLedger.Change("DELETE FROM claims WHERE id = ?", {claim.Id}) == 1; });
-    return isThere;
 }

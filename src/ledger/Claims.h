@@ -28,16 +28,10 @@ struct TPublishing {
 struct TClaim {
     qint64 Id = 0; ///< 0: another agent, or another work of this one, has the file
     string Agent;  ///< who has it
-    /// Taken over from a dead agent that had begun to publish this: it is to be completed if it is whole. If
-    /// it isn't, the file is to be worked on.
-    std::optional<TPublishing> Left;
-};
-
-struct TLeftClaim {
-    qint64 Id = 0;
-    QByteArray Name; ///< of the source
-    qint64 Size = 0; ///< likewise
-    TPublishing Publishing;
+    /// Taken over from a dead agent that had begun to publish this, with the numbers that it was to bear: it
+    /// is to be completed if it has its name. If it hasn't, Restart, and the file is to be worked on.
+    std::optional<TPublishing> Left = {};
+    bool LeftByOther = false; ///< of another file that had the same name, size and time
 };
 
 class TClaims {
@@ -48,12 +42,13 @@ public:
     [[nodiscard]] TClaim Take(const TLedgerWork& work, const TClaimedFile& file);
     /// Before the result gets its name. False where another agent has taken the claim over: then nothing may
     /// be published. After true there is the time of a lease to do so.
+    /// The numbers that are reserved for the work are given to nobody else from here on, whatever file comes.
     [[nodiscard]] bool BeginPublishing(const TLedgerWork& work, const TClaim& claim,
                                        const TPublishing& publishing);
-    /// Claims of dead agents that had begun to publish a file of the folder.
-    [[nodiscard]] QList<TLeftClaim> Left(const string& folder);
-    /// What such a one was for is done. False where another agent was faster.
-    bool Forget(const TLeftClaim& claim);
+    /// What was left of it is dealt with.
+    void Restart(const TLedgerWork& work, const TClaim& claim);
+    /// Files of the folder that dead agents had begun to publish; Take gives what they left.
+    [[nodiscard]] QList<TClaimedFile> LeftFiles(const string& folder);
     /// The source is settled, or given back. False, and nothing happens, where another agent has taken the
     /// claim over, or it has ended already.
     bool End(const TLedgerWork& work, const TClaim& claim);

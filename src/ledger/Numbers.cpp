@@ -122,18 +122,24 @@ TReservation TNumbers::Reserve(TLedgerWork& work, const string& series, qint64 c
 }
 
 void TNumbers::Resume(TLedgerWork& work) {
-    QList<TReservation> taken;
-    FLedger.Write(TDurable::Fully, [&] {
-        taken.clear();
-        FRun.Renew(FLedger);
-        LockSource(work.Source());
-        for (const TOpen& open : OpenOnes(work.Source()))
-            if (open.SameName && IsFree(work, open)) {
-                Take(work, open.Reservation.Id);
-                taken.append(open.Reservation);
-            }
+    FLedger.Read([&] {
+        work.FReservations.clear();
+        for (const QVariantList& row :
+             FLedger.Rows("SELECT id, series, first, count FROM reservations"
+                          " WHERE token = ? AND work = ? AND ended = 0 AND state = 'publishing' ORDER BY id",
+                          {FRun.Token(), work.Id()}))
+            work.FReservations.append({row[0].toLongLong(), TextOfStored(row[1].toString()),
+                                       row[2].toLongLong(), row[3].toLongLong()});
     });
-    work.FReservations += taken;
+}
+
+void TNumbers::Reopen(TLedgerWork& work) {
+    FLedger.Write(TDurable::Fully, [&] {
+        FLedger.Change("UPDATE reservations SET state = 'reserved'"
+                       " WHERE token = ? AND work = ? AND ended = 0 AND state = 'publishing'",
+                       {FRun.Token(), work.Id()});
+    });
+    work.FReservations.clear();
 }
 
 /// False where this work has ended it already, by a call of which it never heard the end.
@@ -145,7 +151,8 @@ bool TNumbers::IsOpen(const TLedgerWork& work, const TReservation& reservation) 
         Refuse(QStringLiteral("The numbers from %1 on of the series \"%2\" were taken over by \"%3\".")
                    .arg(reservation.First)
                    .arg(reservation.Series, TextOfStored(row.value(3).toString())));
-    return row.value(0).toString() == QLatin1String("reserved");
+    return row.value(0).toString() == QLatin1String("reserved") ||
+           row.value(0).toString() == QLatin1String("publishing");
 }
 
 void TNumbers::Give(const QList<TReservation>& reservations, const QList<TNumberRun>& given) {

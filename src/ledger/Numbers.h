@@ -14,9 +14,12 @@ public:
     /// earlier go at the same file had at this place. Raises ELedger; Refused where the series has no so many
     /// numbers left.
     TReservation Reserve(TLedgerWork& work, const string& series, qint64 count);
-    /// Takes over all that earlier goes at the file have left, without taking more: for who completes a
-    /// publishing that a dead agent began. Raises ELedger.
+    /// For who has taken over a claim with a publishing that was begun (ledger/Claims.h): its numbers are the
+    /// work's. Raises ELedger.
     void Resume(TLedgerWork& work);
+    /// Nothing was published, and nobody has seen them: the next go at the same file may have them again.
+    /// Raises ELedger.
+    void Reopen(TLedgerWork& work);
     /// The file is published under the name `result`, and these are the numbers that it shows; what else the
     /// work or earlier goes at the file have reserved is void. Raises ELedger; Refused where a number isn't
     /// the work's, as when another agent has taken it over.

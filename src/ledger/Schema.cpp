@@ -38,6 +38,7 @@ const std::vector<std::vector<const char*>>& Migrations() {
         " state TEXT NOT NULL, result TEXT NOT NULL, reserved BIGINT NOT NULL, ended BIGINT NOT NULL,"
         " UNIQUE (series, first))",
         "CREATE INDEX reservations_open ON reservations (hash, folder) WHERE state = 'reserved'",
+        "CREATE INDEX reservations_by_work ON reservations (token, work) WHERE ended = 0",
         "CREATE TABLE numbers (series TEXT NOT NULL, first BIGINT NOT NULL,"
         " count BIGINT NOT NULL CHECK (count > 0), page BIGINT NOT NULL, reservation BIGINT NOT NULL,"
         " PRIMARY KEY (series, first))",

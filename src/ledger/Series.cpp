@@ -47,7 +47,7 @@ QList<TSeriesState> TSeries::List() {
                           " COALESCE((SELECT SUM(n.count) FROM numbers n WHERE n.series = c.series), 0),"
                           " COALESCE((SELECT SUM(r.count) FROM reservations r WHERE r.series = c.series), 0),"
                           " COALESCE((SELECT SUM(r.count) FROM reservations r WHERE r.series = c.series"
-                          " AND r.state = 'reserved'), 0) FROM counters c")) {
+                          " AND r.ended = 0), 0) FROM counters c")) {
             TSeriesState state{TextOfStored(row[0].toString()), row[1].toLongLong(), row[2].toLongLong(), 0,
                                row[4].toLongLong()};
             state.Void = row[3].toLongLong() - state.Given - state.Reserved;

@@ -49,7 +49,7 @@ TEST_P(Claims, OfTheDeadAreTakenOverWithWhatTheyLeft) {
     for (const TCase& c :
          {TCase{DeadToken(), false, 60'000, 42, true, false},
           TCase{DeadToken(), true, 60'000, 42, true, true},
-          TCase{DeadToken(), true, 60'000, 43, true, false}, // another file of that name and time
+          TCase{DeadToken(), true, 60'000, 43, true, true}, // of another file of that name and time
           TCase{elsewhere, true, 60'000, 42, false, false}, TCase{elsewhere, true, -1, 42, true, true},
           TCase{elsewhere, false, -1, 42, true, false}}) {
         Change("DELETE FROM claims");
@@ -66,6 +66,7 @@ TEST_P(Claims, OfTheDeadAreTakenOverWithWhatTheyLeft) {
         EXPECT_EQ(taken.Id != 0, c.Taken);
         EXPECT_EQ(taken.Left.has_value(), c.Left);
         EXPECT_TRUE(!c.Left || *taken.Left == FPublishing);
+        EXPECT_EQ(taken.LeftByOther, c.Inode != 42);
         EXPECT_FALSE(FClaims.BeginPublishing(FWork, theirs, FPublishing)) << "it was taken for dead";
     }
 }

@@ -80,7 +80,7 @@ TEST_P(Kills, NoNumberIsGivenTwiceAndEachIsAccountedFor) {
     TNumbers numbers(ledger, run);
     for (unsigned file = 0; file < Files; ++file) {
         TLedgerWork work(run, Source(file));
-        numbers.Resume(work);
+        numbers.Reserve(work, QStringLiteral("S"), 1);
         numbers.Void(work);
     }
     std::vector<TNumberState> states;

@@ -157,6 +157,39 @@ TEST(GivenNumbers, OfAResultThatWasTakenAwayAreNotShownAgain) {
     EXPECT_GT(taken, 0);
 }
 
+/// A source that a dead agent had taken comes back under another name where its own is taken by then, perhaps
+/// by a copy that differs in nothing.
+TEST(GivenNumbers, AreOnOnePageWhereTheNameIsTakenMeanwhile) {
+    for (const bool equal : {false, true}) {
+        int at = 1;
+        for (bool through = false; !through; ++at) {
+            SCOPED_TRACE((equal ? "equal, before call " : "other, before call ") + std::to_string(at));
+            const TNumberedWorkspace workspace;
+            TDrops drops(workspace.Path("in"));
+            drops.Drop("a.pdf", 2);
+            const string path = workspace.Path("in/a.pdf");
+            ASSERT_EQ(RunProgram("cp", {"-p", path, workspace.Path("copy")}).Exit, 0);
+            through = WaitForChild(InChild([&] {
+                CallsMade = 0;
+                DieAt = at;
+                SetFaultHook(CountAndDie);
+                workspace.Play();
+            }));
+            if (!QFile::exists(path)) {
+                if (equal)
+                    ASSERT_EQ(RunProgram("cp", {"-p", workspace.Path("copy"), path}).Exit, 0);
+                else
+                    drops.Drop("a.pdf", 1);
+            }
+            ASSERT_TRUE(WaitForChild(InChild([&] { workspace.Play(2); })));
+            workspace.ExpectTruth();
+            EXPECT_TRUE(workspace.Audited().value(TNumberState::Reserved).isEmpty());
+            EXPECT_EQ(drops.Look().Left, 0);
+            ASSERT_LT(at, 200);
+        }
+    }
+}
+
 TEST(GivenNumbers, WaitForALedgerThatIsAwayAndAreVoidWhereTheFileFails) {
     const TNumberedWorkspace workspace;
     workspace.SetList({}, "<Action Class=\"TPDFActionJavaScript\"><Javascript>"
