@@ -80,10 +80,6 @@ TAgentLedger::TDesk& TAgentLedger::Desk() {
     return *FDesk;
 }
 
-TLedgerConnection& TAgentLedger::Connection() {
-    return Desk().Connection;
-}
-
 TLedgerRun& TAgentLedger::Run() {
     return Desk().Run;
 }

@@ -32,7 +32,6 @@ public:
     [[nodiscard]] bool MayHoldLeftClaims() const { return IsShared() || FDesk != nullptr || FWasCutShort; }
 
     // Of the thread that serves the folders. All but Leave raise ELedger.
-    [[nodiscard]] TLedgerConnection& Connection();
     [[nodiscard]] TLedgerRun& Run();
     [[nodiscard]] TNumbers& Numbers();
     [[nodiscard]] TClaims& Claims();

@@ -68,12 +68,7 @@ TMark ReadOrMake(const TFolderPtr& folder) {
     return *mark;
 }
 
-} // namespace
-
-string FolderKeyOf(const TFolderPtr& folder) {
-    return ReadOrMake(folder).Key.toString(QUuid::WithoutBraces);
-}
-
+/// It is on a network, or somebody else may write to it.
 bool MayBeShared(const TFolder& folder) {
     constexpr quint32 Networks[] = {NFS_SUPER_MAGIC,  SMB_SUPER_MAGIC,  CIFS_SUPER_MAGIC,
                                     SMB2_SUPER_MAGIC, FUSE_SUPER_MAGIC, V9FS_MAGIC,
@@ -86,25 +81,28 @@ bool MayBeShared(const TFolder& folder) {
            std::find(std::begin(Networks), std::end(Networks), quint32(system.f_type)) != std::end(Networks);
 }
 
+} // namespace
+
+string FolderKeyOf(const TFolderPtr& folder) {
+    return ReadOrMake(folder).Key.toString(QUuid::WithoutBraces);
+}
+
 /// Whoever has written itself over this agent's mark lives; one that is met at first is known to, or not, if
 /// it is of this machine, and else shows itself within two minutes.
-const string& THeartbeat::Look(const TFolderPtr& folder, const string& agent, qint64 now) {
-    if (FWritten && now < FNext)
-        return FOther;
+string THeartbeat::Look(const TFolderPtr& folder, const string& agent, qint64 now) {
     FNext = now + BeatsEvery;
-    TMark mark = ReadOrMake(folder);
+    if (!MayBeShared(*folder))
+        return {};
+    const TMark mark = ReadOrMake(folder);
     const QByteArray token = RunToken();
-    const bool isOther = !mark.Token.isEmpty() && mark.Token != token;
-    const TRunState state = isOther ? StateOfRun(mark.Token) : TRunState::Dead;
-    FOther = state == TRunState::Alive || (state == TRunState::Unknown && FWritten) ? mark.Agent : string();
-    FWritten = true;
-    if (mark.Token == token && mark.Agent == agent)
-        return FOther; // nobody else was here: nothing is to be written
-    mark.Token = token;
-    mark.Agent = agent;
-    const QByteArray text = TextOf(mark);
+    if (mark.Token == token)
+        return {}; // nobody else was here, and nothing is to be written
+    const TRunState state = mark.Token.isEmpty() ? TRunState::Dead : StateOfRun(mark.Token);
+    const bool lives = state == TRunState::Alive || (state == TRunState::Unknown && FWritten);
+    const QByteArray text = TextOf({mark.Key, token, agent});
     TPartFile file(folder, QLatin1String(FolderMarkFile));
     file.Write(text.constData(), size_t(text.size()));
     file.PublishReplacing();
-    return FOther;
+    FWritten = true;
+    return lives ? mark.Agent : string();
 }

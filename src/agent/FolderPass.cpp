@@ -350,20 +350,21 @@ void TFolderPass::Sweep(const TPDFWatchedFolder& folder) {
 
 /// Another agent over the same folder works in vain now and then, unless both have one ledger.
 void TFolderPass::LookForOthers(const TPDFWatchedFolder& folder) {
-    const TFolderPtr home = TFolder::Open(folder.Name);
-    const string subject = QStringLiteral("other agent ") + folder.Name;
-    if ((FHost.Ledger != nullptr && FHost.Ledger->IsShared()) || !MayBeShared(*home))
+    THeartbeat& heartbeat = MemoryOf(folder).Heartbeat;
+    const qint64 now = FHost.Clock.Steady();
+    if ((FHost.Ledger != nullptr && FHost.Ledger->IsShared()) || !heartbeat.IsDue(now))
         return;
+    const string subject = QStringLiteral("other agent ") + folder.Name;
     try {
-        const string& other = MemoryOf(folder).Heartbeat.Look(home, AgentName(), FHost.Clock.Steady());
+        const string other = heartbeat.Look(TFolder::Open(folder.Name), AgentName(), now);
         FHost.Status.SetOther(folder.Name, other);
         if (other.isEmpty())
             JournalSettled(subject);
         else
-            JournalChange(subject, QStringLiteral(
-                                       "\"%1\" is served by another agent, too: %2. Both may work on a file, "
-                                       "unless they have one ledger.")
-                                       .arg(folder.Name, other));
+            JournalChange(subject,
+                          QStringLiteral("\"%1\" is served by another agent, too: %2. Both may work on a "
+                                         "file, unless they have one ledger.")
+                              .arg(folder.Name, other));
     } catch (const std::exception& e) {
         JournalChange(subject, MessageOf(e)); // no reason not to serve it
     }

@@ -31,17 +31,6 @@ std::optional<QByteArray> NameOf(const TClaimedFile& file, const TFolder& folder
     return std::nullopt;
 }
 
-/// A dead run has it still, in a claim folder of its own.
-bool IsHeld(const QByteArray& file, const TFolderPtr& parent) {
-    for (const QByteArray& name : ListAll(*parent)) {
-        struct stat info {};
-        if (name.startsWith(".morvane-") && parent->Look(name, info) && S_ISDIR(info.st_mode) &&
-            parent->Look(name + '/' + file, info))
-            return true;
-    }
-    return false;
-}
-
 class TLeftClaim {
 public:
     TLeftClaim(TAgentLedger& ledger, const TPDFWatchedFolder& folder, const TClaimedFile& file,
@@ -52,7 +41,7 @@ public:
         const TFolderPtr output = TFolder::OpenBelow(FHome, QLatin1String(OutputFolder));
         const TFolderPtr process = TFolder::OpenBelow(FHome, QLatin1String(ProcessFolder));
         const TFolderPtr error = TFolder::OpenBelow(FHome, QLatin1String(ErrorFolder));
-        if (NameOf(FFile, *FHome) || IsHeld(FFile.Name, FHome) || IsHeld(FFile.Name, process))
+        if (NameOf(FFile, *FHome) || HoldsClaimed(*FHome, FFile.Name) || HoldsClaimed(*process, FFile.Name))
             return;
         TLedgerWork work(FLedger.Run(), {FFile.Folder, FFile.Name});
         const TClaim claim = FLedger.Claims().Take(work, FFile);

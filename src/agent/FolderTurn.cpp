@@ -54,9 +54,7 @@ public:
 
 /// The run log has no place for which action it was, nor for names that aren't ASCII.
 void JournalFailure(const TSourceFile& source, const TReason& reason) {
-    JournalLine(QStringLiteral("\"%1\" failed: %2: %3%4")
-                    .arg(source.Path(), ReasonName(reason.Code),
-                         reason.Step.isEmpty() ? string() : reason.Step + QStringLiteral(": "), reason.Text));
+    JournalLine(QStringLiteral("\"%1\" failed: %2").arg(source.Path(), ReasonLine(reason)));
 }
 
 } // namespace
@@ -241,6 +239,10 @@ bool TFolderTurn::Enter(TJob& job) {
         if (NoteWaiting(job.Source->Name(), EFileError(e.Message(), LedgerTrouble),
                         {.Published = job.Published, .Claimed = job.Published}))
             FInput.Log.Line(FailureLine(e.Message()));
+    } catch (const EFileError& e) {
+        if (NoteWaiting(job.Source->Name(), e,
+                        {.OfSource = true, .Published = job.Published, .Claimed = job.Published}))
+            FInput.Log.Line(FailureLine(e.Message()));
     }
     return false;
 }
@@ -378,7 +380,10 @@ void TFolderTurn::FinishNumbers(TPublished& file) {
         else if (!file.Record.Numbers.isEmpty())
             file.Entry->Finish(file.Record.Results.value(0).Name, file.Record.Numbers);
     } catch (const ELedger& e) {
-        throw EFileError(e.Message(), LedgerTrouble);
+        if (e.Fault() != TLedgerFault::Refused)
+            throw EFileError(e.Message(), LedgerTrouble);
+        // Not the file's own numbers, as a worker that was taken over may say: no later attempt changes that.
+        JournalLine(e.Message());
     }
 }
 

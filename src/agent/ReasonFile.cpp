@@ -13,10 +13,7 @@ void WriteReasonFile(const TFolderPtr& folder, const string& name, const QList<T
     try {
         QStringList lines;
         for (const TReason& reason : reasons)
-            lines +=
-                QStringLiteral("%1: %2%3")
-                    .arg(ReasonName(reason.Code),
-                         reason.Step.isEmpty() ? string() : reason.Step + QStringLiteral(": "), reason.Text);
+            lines += ReasonLine(reason);
         const QByteArray text = lines.join(u'\n').toUtf8() + '\n';
         TPartFile file(folder, ReasonFileName(name));
         file.Write(text.constData(), size_t(text.size()));

@@ -9,6 +9,7 @@
 #include "base/RunToken.h"
 #include "base/UniqueName.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -77,6 +78,14 @@ void SweepOne(const TFolderPtr& parent, const QByteArray& name, const TFolder& h
 }
 
 } // namespace
+
+bool HoldsClaimed(const TFolder& parent, const QByteArray& file) {
+    const QList<QByteArray> names = ListAll(parent);
+    return std::any_of(names.begin(), names.end(), [&](const QByteArray& name) {
+        struct stat info {};
+        return name.startsWith(Prefix) && parent.Look(name + '/' + file, info);
+    });
+}
 
 string GiveBack(const TFolder& claims, const string& file, const TFolder& home) {
     string name = file;

@@ -26,6 +26,9 @@ private:
     QByteArray FName;
 };
 
+/// A claim folder of some run below `parent` holds a file of that name. Raises EFileError.
+[[nodiscard]] bool HoldsClaimed(const TFolder& parent, const QByteArray& file);
+
 /// Moves `file` from the folder `claims` back to `home`, under its own name or, where that is taken, the next
 /// free one, which is the result. Raises EFileError; the file then stays where it is.
 string GiveBack(const TFolder& claims, const string& file, const TFolder& home);

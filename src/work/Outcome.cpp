@@ -92,3 +92,8 @@ TReasonCode ReasonOfTrouble(int error, bool ofSource) {
            : ofSource                         ? TReasonCode::InputUnreadable
                                               : TReasonCode::FolderUnusable;
 }
+
+string ReasonLine(const TReason& reason) {
+    const string step = reason.Step.isEmpty() ? string() : reason.Step + QStringLiteral(": ");
+    return QStringLiteral("%1: %2%3").arg(ReasonName(reason.Code), step, reason.Text);
+}

@@ -60,6 +60,9 @@ struct TReason {
     string Text;
 };
 
+/// "code: step: text".
+[[nodiscard]] string ReasonLine(const TReason& reason);
+
 struct TOutcome {
     TOutcomeState State = TOutcomeState::Done;
     QList<TReason> Reasons;

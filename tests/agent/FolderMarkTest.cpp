@@ -18,6 +18,7 @@ class FolderMark : public testing::Test {
 protected:
     FolderMark() {
         QDir().mkpath(FSpace.Path("in"));
+        EXPECT_EQ(::chmod(FSpace.Path("in").toUtf8().constData(), 0770), 0);
         FFolder = TFolder::Open(FSpace.Path("in"));
     }
     void BeatOf(const QByteArray& token, const QByteArray& agent) const {
@@ -48,16 +49,16 @@ TEST_F(FolderMark, AnotherAgentIsNoticedByItsBeatAndForgottenWithoutOne) {
     BeatOf(elsewhere, "scans@server");
     EXPECT_EQ(FHeartbeat.Look(FFolder, "me", 0), "") << "it may be years old";
     BeatOf(elsewhere, "scans@server");
-    EXPECT_EQ(FHeartbeat.Look(FFolder, "me", Minute / 2), "") << "not looked at yet";
+    EXPECT_FALSE(FHeartbeat.IsDue(Minute / 2));
     EXPECT_EQ(FHeartbeat.Look(FFolder, "me", Minute), "scans@server");
     EXPECT_EQ(FHeartbeat.Look(FFolder, "me", 2 * Minute), "") << "it hasn't come again";
 }
 
-TEST_F(FolderMark, AFolderThatOthersMayWriteToMayBeShared) {
+TEST_F(FolderMark, AFolderOfOnesOwnHasNone) {
     ASSERT_EQ(::chmod(FFolder->Path().toUtf8().constData(), 0700), 0);
-    EXPECT_FALSE(MayBeShared(*FFolder));
-    ASSERT_EQ(::chmod(FFolder->Path().toUtf8().constData(), 0770), 0);
-    EXPECT_TRUE(MayBeShared(*FFolder));
+    BeatOf(RunToken() + "0", "other@here");
+    EXPECT_EQ(FHeartbeat.Look(FFolder, "me", 0), "");
+    EXPECT_TRUE(FSpace.Read("in/.morvane-folder").contains("other")) << "nothing is written";
 }
 
 } // namespace

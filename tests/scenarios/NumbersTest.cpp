@@ -4,6 +4,7 @@
 #include "scenarios/PlayedAgent.h"
 
 #include "agent/AgentLedger.h"
+#include "agent/FolderSweep.h"
 #include "ledger/History.h"
 #include "ledger/LedgerConnection.h"
 #include "ledger/Series.h"
@@ -188,6 +189,32 @@ TEST(GivenNumbers, AreOnOnePageWhereTheNameIsTakenMeanwhile) {
             ASSERT_LT(at, 200);
         }
     }
+}
+
+TEST(GivenNumbers, AFileThatItsOwnerTookAwayIsDoneOnlyIfItsResultIsThere) {
+    int done = 0;
+    int at = 1;
+    for (bool through = false; !through; ++at) {
+        SCOPED_TRACE("before call " + std::to_string(at));
+        const TNumberedWorkspace workspace;
+        TDrops drops(workspace.Path("in"));
+        drops.Drop("a.pdf", 2);
+        through = WaitForChild(InChild([&] {
+            CallsMade = 0;
+            DieAt = at;
+            SetFaultHook(CountAndDie);
+            workspace.Play();
+        }));
+        SweepFolder(workspace.Path("in"));
+        QFile::remove(workspace.Path("in/a.pdf"));
+        ASSERT_TRUE(WaitForChild(InChild([&] { workspace.Play(2); })));
+        workspace.ExpectTruth();
+        EXPECT_EQ(workspace.Outcomes().filter("Done").size(), drops.Look().Results);
+        done += int(drops.Look().Results);
+        ASSERT_LT(at, 200);
+    }
+    EXPECT_GT(done, 1);
+    EXPECT_LT(done, at - 2);
 }
 
 TEST(GivenNumbers, WaitForALedgerThatIsAwayAndAreVoidWhereTheFileFails) {

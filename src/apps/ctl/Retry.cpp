@@ -28,20 +28,20 @@ constexpr int AllRows = 1'000'000;
 TFileRecord RecordOfPath(const string& path, THistory& history) {
     const QFileInfo file(QDir::cleanPath(QDir(path).absolutePath()));
     const bool settled = file.dir().dirName() == QLatin1String(ErrorFolder);
-    const QByteArray name = PathBytes(file.fileName());
+    TFileRecord record; // what the ledger doesn't know goes back under the name that it has
+    record.Folder = RecordedFolder(settled ? QFileInfo(file.path()).path() : file.path());
+    record.Name = record.Settled = PathBytes(file.fileName());
     THistoryFilter filter;
-    filter.Limit = 1;
-    filter.Folder = RecordedFolder(settled ? QFileInfo(file.path()).path() : file.path());
+    filter.Limit = AllRows;
+    filter.Folder = record.Folder;
     if (settled)
-        filter.Settled = name;
-    TFileRecord record;
-    record.Folder = *filter.Folder;
-    record.Name = record.Settled = name;
-    if (!settled)
-        filter.Name = file.fileName();
-    // Without the ledger it goes back under the name that it has.
-    const QList<THistoryRow> rows = history.Failed(filter);
-    return rows.isEmpty() ? record : rows.first().Record;
+        filter.Settled = record.Settled;
+    else
+        filter.Name = file.fileName(); // as a pattern
+    for (const THistoryRow& row : history.Failed(filter))
+        if (settled || row.Record.Name == record.Name)
+            return row.Record;
+    return record;
 }
 
 /// Why it can't be; empty where it is back in its folder.
@@ -65,22 +65,30 @@ string MoveBack(const TFileRecord& record) {
     }
 }
 
-/// So that it isn't told as failed any more.
-void RecordRetries(TLedgerConnection& ledger, QList<TFileRecord> records) {
-    const TReason reason{
-        TReasonCode::InputRetried, {}, QStringLiteral("It was put back to be worked on again")};
-    for (TFileRecord& record : records) {
-        record.State = TRecordState::Waiting;
-        record.Reasons = {RecordedReason(reason)};
-        record.Results.clear();
-        record.Numbers.clear();
-        record.Pages = 0;
-        record.Began = record.Ended = QDateTime::currentMSecsSinceEpoch();
-        record.Agent = AgentName();
-        record.Settled.clear();
-    }
-    if (!records.isEmpty())
-        TRecords(ledger).Write(QString::fromLatin1(RunToken()) + QStringLiteral("/retry"), 1, records);
+/// It couldn't be moved, and nothing is recorded.
+class ENotMoved : public Exception {
+public:
+    using Exception::Exception;
+};
+
+/// Moves it and records that, so that it isn't told as failed any more; in this order and in one transaction,
+/// since the agent may be at it the next moment. Raises ENotMoved and ELedger.
+void PutBack(TLedgerConnection& ledger, TFileRecord record, qint64 count) {
+    const TFileRecord failed = record;
+    record.State = TRecordState::Waiting;
+    record.Reasons = {RecordedReason(
+        {TReasonCode::InputRetried, {}, QStringLiteral("It was put back to be worked on again")})};
+    record.Results.clear();
+    record.Numbers.clear();
+    record.Pages = 0;
+    record.Began = record.Ended = QDateTime::currentMSecsSinceEpoch();
+    record.Agent = AgentName();
+    record.Settled.clear();
+    ledger.Write(TDurable::Soon, [&] {
+        TRecords(ledger).Write(QString::fromLatin1(RunToken()) + QStringLiteral("/retry"), count, {record});
+        if (const string failure = MoveBack(failed); !failure.isEmpty())
+            throw ENotMoved(failure);
+    });
 }
 
 QList<TFileRecord> Chosen(const TCommandCall& call, THistory& history) {
@@ -115,18 +123,19 @@ TCommandResult Retry(const TCommandCall& call) {
     TLedgerConnection ledger(ConfiguredLedger());
     THistory history(ledger);
     QStringList lines;
-    QList<TFileRecord> moved;
+    qint64 moved = 0;
     bool failed = false;
     for (const TFileRecord& record : Chosen(call, history)) {
         const string path = Printable(record.Folder + QString::fromUtf8(record.Name));
-        const string failure = MoveBack(record);
-        failed = failed || !failure.isEmpty();
-        lines += QStringLiteral("%1: %2").arg(path, failure.isEmpty() ? QStringLiteral("put back")
-                                                                      : Printable(failure));
-        if (failure.isEmpty())
-            moved.append(record);
+        try {
+            PutBack(ledger, record, moved + 1);
+            ++moved;
+            lines += QStringLiteral("%1: put back").arg(path);
+        } catch (const ENotMoved& e) {
+            failed = true;
+            lines += QStringLiteral("%1: %2").arg(path, Printable(e.Message()));
+        }
     }
-    RecordRetries(ledger, moved);
     if (lines.isEmpty())
         lines += QStringLiteral("No file has failed.");
     return {failed ? ExitFailed : ExitDone, lines.join(u'\n')};
